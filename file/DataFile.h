@@ -1,0 +1,79 @@
+#pragma once
+
+#include "core/MemoryImage.h"
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QString>
+
+#include <optional>
+
+namespace wr {
+
+// A ".tw" data file is the plain container below, packed by zero or more
+// byte-elimination passes, followed by one byte that counts the passes.
+//
+// Plain container, 16 400 bytes:
+//   offset 0   6 bytes   "PDZUNK"
+//   offset 6  10 bytes   FF FF FF FF FF FF FF FF FF FF
+//   offset 16 16384 bytes  the memory image, image address A at offset 16 + A
+//
+// One packing pass (multi-byte numbers big-endian):
+//   offset 0      3 bytes  P = 4 + number of control bytes
+//   offset 3      1 byte   M, the byte value eliminated
+//   offset 4      3 bytes  C, how many M bytes the control section puts back
+//   offset 7    P-4 bytes  control bytes
+//   offset P+3    rest     data: the input without the eliminated M bytes
+//
+// Control byte 0xxxxxxx: seven symbols, bit 6 first; 1 = an M, 0 = next data byte.
+// Control byte 1nnnnnnn: n + 7 data bytes then one M; 0xFF = 134 data bytes, no M.
+namespace DataFile {
+
+constexpr int HeaderSize = 16;
+constexpr int ContainerSize = HeaderSize + MemoryImage::Size; // 16 400
+constexpr int MaxPasses = 255;
+
+// The plain container of an image.
+QByteArray Container(const MemoryImage &image);
+
+// One pass each way. PackPass gives nullopt when the pass is not worth
+// keeping (the caller stops packing); UnpackPass gives nullopt for bytes that
+// are not a valid pass. Neither reads outside its input, and UnpackPass never
+// builds more than a few megabytes whatever the counts claim.
+std::optional<QByteArray> PackPass(QByteArrayView input);
+std::optional<QByteArray> UnpackPass(QByteArrayView input);
+
+// Packs as many passes as pay off and appends the pass count; nullopt when
+// more than 255 passes would be kept, which the count byte cannot say.
+std::optional<QByteArray> PackData(QByteArrayView input);
+// Drops the count byte and undoes that many passes; nullopt when damaged.
+std::optional<QByteArray> UnpackData(QByteArrayView packed);
+
+enum class ReadStatus {
+    Ok,
+    CannotOpen, // the file could not be read; errorString says why
+    Damaged,    // the packing is broken ("Incorrect File Type." titled "Error")
+    WrongType,  // wrong length or marker ("Incorrect File Type." titled WR-PD6T)
+};
+
+struct ReadResult
+{
+    ReadStatus status = ReadStatus::CannotOpen;
+    QByteArray image;     // 16 384 bytes when status is Ok
+    QString errorString;  // the system's text when status is CannotOpen
+};
+
+// Reads and checks a data file; the caller's image is not involved.
+ReadResult Read(const QString &path);
+ReadResult Decode(QByteArrayView fileBytes);
+
+// The complete file content for an image.
+std::optional<QByteArray> Encode(const MemoryImage &image);
+
+// Replaces the file atomically: on failure the previous file is left as it
+// was and errorString holds the system's description.
+bool Write(const QString &path, const MemoryImage &image, QString *errorString);
+
+} // namespace DataFile
+
+} // namespace wr

@@ -1,0 +1,53 @@
+#include "TestSupport.h"
+
+#include "core/AppState.h"
+#include "core/ToneCodec.h"
+
+#include <QFile>
+#include <QLocale>
+#include <QStandardPaths>
+
+namespace wr::test {
+
+void initTestProcess()
+{
+    QStandardPaths::setTestModeEnabled(true);
+}
+
+Fixture::Fixture()
+    : m_dir(std::make_unique<QTemporaryDir>())
+{
+    QStandardPaths::setTestModeEnabled(true);
+    QLocale::setDefault(QLocale::c());
+    app() = AppState{};
+    app().ToneTable = BuildToneTable(app().LanguageIndex);
+    app().image.InitImage();
+}
+
+Fixture::~Fixture() = default;
+
+QString Fixture::path(const QString &name) const
+{
+    return m_dir->filePath(name);
+}
+
+QString Fixture::folder() const
+{
+    return m_dir->path();
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return file.readAll();
+}
+
+bool writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
+}
+
+} // namespace wr::test
