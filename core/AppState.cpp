@@ -73,6 +73,12 @@ void StartUp(AppState &state, const SettingsStore &settings)
     state.image.InitImage();
 }
 
+void InitApplicationIdentity()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("wrpd6t"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.03"));
+}
+
 void SaveSettings(const AppState &state, SettingsStore &settings)
 {
     const auto root = SettingsStore::Root::LocalMachine;

@@ -51,6 +51,12 @@ AppState &app();
 // fresh image with its snapshot.
 void StartUp(AppState &state, const SettingsStore &settings);
 
+// Names the program for QStandardPaths and QSettings ("wrpd6t", no
+// organisation), so the GUI, the command-line tool and the virtual radio
+// share one configuration and data folder. Call right after creating the
+// Q*Application.
+void InitApplicationIdentity();
+
 // Writes Model, language and gbPort back to the settings store.
 void SaveSettings(const AppState &state, SettingsStore &settings);
 
