@@ -32,6 +32,13 @@ namespace DataFile {
 constexpr int HeaderSize = 16;
 constexpr int ContainerSize = HeaderSize + MemoryImage::Size; // 16 400
 constexpr int MaxPasses = 255;
+// No pass is ever unpacked to more than this (64 containers), and a file
+// longer than this is not read at all: a data file is never near it, so a
+// larger count can only come from garbage.
+constexpr int MaxUnpackedSize = 1 << 20;
+
+// The marker at offset 0 of the plain container.
+QByteArrayView Marker();
 
 // The plain container of an image.
 QByteArray Container(const MemoryImage &image);
@@ -60,6 +67,7 @@ struct ReadResult
 {
     ReadStatus status = ReadStatus::CannotOpen;
     QByteArray image;     // 16 384 bytes when status is Ok
+    QByteArray container; // the unpacked 16 400 bytes when status is Ok
     QString errorString;  // the system's text when status is CannotOpen
 };
 
@@ -73,6 +81,9 @@ std::optional<QByteArray> Encode(const MemoryImage &image);
 // Replaces the file atomically: on failure the previous file is left as it
 // was and errorString holds the system's description.
 bool Write(const QString &path, const MemoryImage &image, QString *errorString);
+// The same for any content: the whole file is staged in memory and replaces
+// the target only when completely written.
+bool WriteBytes(const QString &path, QByteArrayView content, QString *errorString);
 
 } // namespace DataFile
 

@@ -1,0 +1,320 @@
+#include "file/DataFile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <array>
+#include <cstdint>
+
+namespace wr::DataFile {
+
+namespace {
+
+// Pass headers hold P and C as three big-endian bytes.
+constexpr qsizetype MaxThreeByteValue = 0xFFFFFF;
+constexpr int PassHeaderSize = 7; // P (3), M (1), C (3)
+
+// A control byte with bit 7 clear stands for seven symbols; one with bit 7 set
+// for a run of data bytes, the longest being 0xFF = 134 bytes without an M.
+constexpr int GroupSymbols = 7;
+constexpr std::uint8_t RunFlag = 0x80;
+constexpr int RunBias = 7;
+constexpr int LongestRun = 134;
+constexpr std::uint8_t LongestRunByte = 0xFF;
+
+// A pass that eliminates this many bytes is kept even when it makes the data
+// longer: the following passes make up for it.
+constexpr qsizetype AlwaysKeepCount = 1100;
+
+constexpr char MarkerText[] = "PDZUNK";
+constexpr int MarkerSize = sizeof(MarkerText) - 1;
+
+std::uint8_t byteAt(QByteArrayView bytes, qsizetype index)
+{
+    return static_cast<std::uint8_t>(bytes[index]);
+}
+
+qsizetype readThreeBytes(QByteArrayView bytes, qsizetype offset)
+{
+    return (qsizetype(byteAt(bytes, offset)) << 16) | (qsizetype(byteAt(bytes, offset + 1)) << 8)
+        | qsizetype(byteAt(bytes, offset + 2));
+}
+
+void appendByte(QByteArray &buffer, unsigned value)
+{
+    buffer.append(static_cast<char>(value & 0xFF));
+}
+
+void appendThreeBytes(QByteArray &buffer, qsizetype value)
+{
+    appendByte(buffer, static_cast<unsigned>(value >> 16));
+    appendByte(buffer, static_cast<unsigned>(value >> 8));
+    appendByte(buffer, static_cast<unsigned>(value));
+}
+
+} // namespace
+
+QByteArrayView Marker()
+{
+    return QByteArrayView(MarkerText, MarkerSize);
+}
+
+QByteArray Container(const MemoryImage &image)
+{
+    QByteArray container;
+    container.reserve(ContainerSize);
+    container.append(Marker());
+    container.append(HeaderSize - MarkerSize, static_cast<char>(MemoryImage::Erased));
+    container.append(image.bytes());
+    return container;
+}
+
+std::optional<QByteArray> PackPass(QByteArrayView input)
+{
+    const qsizetype length = input.size();
+    if (length < 1)
+        return std::nullopt;
+
+    // M is the most frequent value; on a tie the highest value wins.
+    std::array<qsizetype, 256> counts{};
+    for (char ch : input)
+        ++counts[static_cast<std::uint8_t>(ch)];
+    unsigned eliminated = 0;
+    for (unsigned value = 0; value < counts.size(); ++value) {
+        if (counts[value] >= counts[eliminated])
+            eliminated = value;
+    }
+    const qsizetype count = counts[eliminated];
+    if (count > MaxThreeByteValue)
+        return std::nullopt;
+
+    // The control buffer starts with M and C; P counts them with it.
+    QByteArray control;
+    control.reserve(4 + count + length / LongestRun + 2);
+    appendByte(control, eliminated);
+    appendThreeBytes(control, count);
+    QByteArray data;
+    data.reserve(length - count);
+
+    int symbols = 0;       // symbols of the current group so far
+    unsigned flags = 0;    // the M bits of the current group, bit 6 first
+    qsizetype found = 0;
+    qsizetype position = 0;
+    while (found < count) {
+        const std::uint8_t value = byteAt(input, position);
+        if (value == eliminated) {
+            ++found;
+            if (symbols < GroupSymbols) {
+                flags |= 1u << (GroupSymbols - 1 - symbols);
+            } else {
+                // The group has gone on as a run of data bytes: the run ends here.
+                appendByte(control, RunFlag | unsigned(symbols - RunBias));
+                flags = 0;
+                symbols = -1;
+            }
+        } else {
+            data.append(static_cast<char>(value));
+        }
+        ++position;
+        ++symbols;
+        if (symbols == GroupSymbols && flags != 0) {
+            appendByte(control, flags);
+            flags = 0;
+            symbols = 0;
+        } else if (symbols == LongestRun) {
+            appendByte(control, LongestRunByte);
+            flags = 0;
+            symbols = 0;
+        }
+    }
+    if (flags != 0)
+        appendByte(control, flags);
+    data.append(input.sliced(position));
+
+    const qsizetype controlSize = control.size();
+    const bool shorterOrOneMore = controlSize + data.size() + 3 <= length + 1;
+    if (!(shorterOrOneMore || count >= AlwaysKeepCount) || controlSize > MaxThreeByteValue)
+        return std::nullopt;
+
+    QByteArray pass;
+    pass.reserve(3 + controlSize + data.size());
+    appendThreeBytes(pass, controlSize);
+    pass.append(control);
+    pass.append(data);
+    return pass;
+}
+
+std::optional<QByteArray> UnpackPass(QByteArrayView input)
+{
+    const qsizetype length = input.size();
+    if (length < PassHeaderSize)
+        return std::nullopt;
+
+    const qsizetype controlSize = readThreeBytes(input, 0);
+    const char eliminated = input[3];
+    const qsizetype count = readThreeBytes(input, 4);
+    const qsizetype dataStart = controlSize + 3;
+    if (controlSize < 4 || dataStart > length)
+        return std::nullopt;
+    // Each control byte puts back at most one group's worth of M bytes, so a
+    // larger count is a lie; checking it first keeps the output small.
+    const qsizetype controlBytes = controlSize - 4;
+    const qsizetype outputSize = (length - dataStart) + count;
+    if (count > controlBytes * GroupSymbols || outputSize > MaxUnpackedSize)
+        return std::nullopt;
+
+    QByteArray output;
+    output.reserve(outputSize);
+    qsizetype control = PassHeaderSize;
+    qsizetype data = dataStart;
+    qsizetype inserted = 0;
+    while (inserted < count) {
+        if (control >= dataStart)
+            return std::nullopt;
+        const std::uint8_t code = byteAt(input, control++);
+        if (code & RunFlag) {
+            const int run = (code & 0x7F) + RunBias;
+            if (length - data < run)
+                return std::nullopt;
+            output.append(input.sliced(data, run));
+            data += run;
+            if (run != LongestRun) {
+                output.append(eliminated);
+                ++inserted;
+            }
+        } else {
+            for (int bit = GroupSymbols - 1; bit >= 0 && inserted < count; --bit) {
+                if (code & (1u << bit)) {
+                    output.append(eliminated);
+                    ++inserted;
+                } else {
+                    if (data >= length)
+                        return std::nullopt;
+                    output.append(input[data++]);
+                }
+            }
+        }
+    }
+    // A packer never writes control bytes beyond the last M.
+    if (control != dataStart)
+        return std::nullopt;
+    output.append(input.sliced(data));
+    return output;
+}
+
+std::optional<QByteArray> PackData(QByteArrayView input)
+{
+    QByteArray packed = input.toByteArray();
+    int kept = 0;
+    while (std::optional<QByteArray> pass = PackPass(packed)) {
+        if (++kept > MaxPasses)
+            return std::nullopt;
+        packed = std::move(*pass);
+    }
+    appendByte(packed, unsigned(kept));
+    return packed;
+}
+
+std::optional<QByteArray> UnpackData(QByteArrayView packed)
+{
+    if (packed.isEmpty())
+        return std::nullopt;
+    const int passes = byteAt(packed, packed.size() - 1);
+    QByteArray data = packed.first(packed.size() - 1).toByteArray();
+    for (int pass = 0; pass < passes; ++pass) {
+        std::optional<QByteArray> unpacked = UnpackPass(data);
+        if (!unpacked)
+            return std::nullopt;
+        data = std::move(*unpacked);
+    }
+    return data;
+}
+
+ReadResult Decode(QByteArrayView fileBytes)
+{
+    ReadResult result;
+    if (fileBytes.size() > MaxUnpackedSize) {
+        result.status = ReadStatus::WrongType;
+        return result;
+    }
+    std::optional<QByteArray> container = UnpackData(fileBytes);
+    if (!container) {
+        result.status = ReadStatus::Damaged;
+        return result;
+    }
+    if (container->size() != ContainerSize || !container->startsWith(Marker())) {
+        result.status = ReadStatus::WrongType;
+        return result;
+    }
+    result.status = ReadStatus::Ok;
+    result.image = container->sliced(HeaderSize);
+    result.container = std::move(*container);
+    return result;
+}
+
+ReadResult Read(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        ReadResult result;
+        result.errorString = file.errorString();
+        return result;
+    }
+    // One byte more than the limit tells an oversized file without reading
+    // all of it (a device or a pipe may never end).
+    const QByteArray bytes = file.read(qint64(MaxUnpackedSize) + 1);
+    if (file.error() != QFileDevice::NoError) {
+        ReadResult result;
+        result.errorString = file.errorString();
+        return result;
+    }
+    return Decode(bytes);
+}
+
+std::optional<QByteArray> Encode(const MemoryImage &image)
+{
+    return PackData(Container(image));
+}
+
+bool WriteBytes(const QString &path, QByteArrayView content, QString *errorString)
+{
+    auto fail = [errorString](const QString &text) {
+        if (errorString)
+            *errorString = text;
+        return false;
+    };
+
+    // The save file below would replace a write-protected file by renaming
+    // over it; the user protected it so that it is not replaced.
+    if (QFileInfo::exists(path)) {
+        QFile existing(path);
+        if (!existing.open(QIODevice::ReadWrite))
+            return fail(existing.errorString());
+    }
+
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return fail(file.errorString());
+    if (file.write(content.data(), content.size()) != content.size()) {
+        const QString text = file.errorString();
+        file.cancelWriting();
+        return fail(text);
+    }
+    if (!file.commit())
+        return fail(file.errorString());
+    return true;
+}
+
+bool Write(const QString &path, const MemoryImage &image, QString *errorString)
+{
+    const std::optional<QByteArray> content = Encode(image);
+    if (!content) {
+        if (errorString)
+            *errorString = QStringLiteral("The data needs more packing passes than a data file can count.");
+        return false;
+    }
+    return WriteBytes(path, *content, errorString);
+}
+
+} // namespace wr::DataFile
