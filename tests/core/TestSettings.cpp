@@ -1,0 +1,162 @@
+#include "core/AppState.h"
+#include "core/SettingsStore.h"
+#include "TestSupport.h"
+
+#include <QFile>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QTest>
+
+using namespace wr;
+using namespace Qt::StringLiterals;
+
+class TestSettings : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { test::initTestProcess(); }
+    void init() { m_fixture = std::make_unique<test::Fixture>(); }
+    void cleanup() { m_fixture.reset(); }
+
+    void startUpReadsStoredValues_data();
+    void startUpReadsStoredValues();
+    void writtenValuesReadBack();
+    void valueNamesIgnoreCase();
+    void storedNumberReadsAsDecimal();
+    void textEndsAtZeroCharacter();
+    void unreadableOrUnwritableStore();
+    void defaultStoreIsInTestLocation();
+
+private:
+    std::unique_ptr<test::Fixture> m_fixture;
+    QString iniFile() const { return m_fixture->path(u"settings.ini"_s); }
+};
+
+void TestSettings::startUpReadsStoredValues_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<QString>("port");
+    QTest::addColumn<int>("modelIndex");
+    QTest::addColumn<int>("languageIndex");
+    QTest::addColumn<int>("portNumber");
+    QTest::newRow("nothing stored") << QString() << QString() << QString() << 1 << 1 << 1;
+    QTest::newRow("plain values") << u"3"_s << u"0"_s << u"7"_s << 3 << 0 << 7;
+    QTest::newRow("model 17 keeps low bits") << u"17"_s << u"2"_s << u"255"_s << 1 << 2 << 255;
+    QTest::newRow("model 35") << u"35"_s << u"1"_s << u"1"_s << 3 << 1 << 1;
+    QTest::newRow("model rounds") << u"2.5"_s << u"1"_s << u"1"_s << 3 << 1 << 1;
+    QTest::newRow("garbage reads as 0") << u"abc"_s << u"x"_s << u"COM3"_s << 0 << 0 << 0;
+    QTest::newRow("leading digits") << u"4xyz"_s << u"2 "_s << u"12abc"_s << 4 << 2 << 12;
+    QTest::newRow("out of range falls back") << u"1"_s << u"7"_s << u"300"_s << 1 << 1 << 1;
+    QTest::newRow("negative falls back") << u"1"_s << u"-1"_s << u"-5"_s << 1 << 1 << 1;
+}
+
+void TestSettings::startUpReadsStoredValues()
+{
+    QFETCH(QString, model);
+    QFETCH(QString, language);
+    QFETCH(QString, port);
+    SettingsStore store(iniFile());
+    const auto root = SettingsStore::Root::LocalMachine;
+    if (!model.isEmpty())
+        QVERIFY(store.SetKeyValue(root, SettingsStore::keyPath(), u"Model"_s, model));
+    if (!language.isEmpty())
+        QVERIFY(store.SetKeyValue(root, SettingsStore::keyPath(), u"language"_s, language));
+    if (!port.isEmpty())
+        QVERIFY(store.SetKeyValue(root, SettingsStore::keyPath(), u"gbPort"_s, port));
+
+    AppState state;
+    StartUp(state, store);
+    QTEST(int(state.ModelIndex), "modelIndex");
+    QTEST(int(state.LanguageIndex), "languageIndex");
+    QTEST(int(state.PortNumber), "portNumber");
+}
+
+void TestSettings::writtenValuesReadBack()
+{
+    SettingsStore store(iniFile());
+    AppState state;
+    state.ModelIndex = 9;
+    state.LanguageIndex = 2;
+    state.PortNumber = 200;
+    SaveSettings(state, store);
+    QVERIFY(QFile::exists(iniFile()));
+
+    AppState next;
+    StartUp(next, SettingsStore(iniFile()));
+    QCOMPARE(next.ModelIndex, 9);
+    QCOMPARE(next.LanguageIndex, 2);
+    QCOMPARE(next.PortNumber, 200);
+    QCOMPARE(next.ToneTable.first(), u"無"_s);
+}
+
+void TestSettings::valueNamesIgnoreCase()
+{
+    SettingsStore store(iniFile());
+    const auto root = SettingsStore::Root::LocalMachine;
+    QVERIFY(store.SetKeyValue(root, SettingsStore::keyPath(), u"language"_s, u"0"_s));
+    QCOMPARE(store.GetKeyValue(root, SettingsStore::keyPath(), u"Language"_s), u"0"_s);
+    QVERIFY(store.SetKeyValue(root, SettingsStore::keyPath(), u"LANGUAGE"_s, u"2"_s));
+    QCOMPARE(store.GetKeyValue(root, SettingsStore::keyPath(), u"language"_s), u"2"_s);
+    // One value, not two spellings of it.
+    QSettings ini(iniFile(), QSettings::IniFormat);
+    ini.beginGroup(u"SoftWare/ /WR-PD6T"_s);
+    QCOMPARE(ini.childKeys().size(), 1);
+}
+
+void TestSettings::storedNumberReadsAsDecimal()
+{
+    {
+        QSettings ini(iniFile(), QSettings::IniFormat);
+        ini.setValue(u"SoftWare/ /WR-PD6T/Language"_s, 2);
+        ini.setValue(u"SoftWare/ /WR-PD6T/gbPort"_s, QStringList{u"a"_s, u"b"_s});
+    }
+    SettingsStore store(iniFile());
+    QCOMPARE(store.GetKeyValue(SettingsStore::Root::LocalMachine, SettingsStore::keyPath(), u"Language"_s), u"2"_s);
+    QCOMPARE(store.GetKeyValue(SettingsStore::Root::LocalMachine, SettingsStore::keyPath(), u"gbPort"_s), QString());
+    AppState state;
+    StartUp(state, store);
+    QCOMPARE(state.LanguageIndex, 2);
+    QCOMPARE(state.PortNumber, 1);
+}
+
+void TestSettings::textEndsAtZeroCharacter()
+{
+    SettingsStore store(iniFile());
+    const auto root = SettingsStore::Root::LocalMachine;
+    QVERIFY(store.SetKeyValue(root, SettingsStore::keyPath(), u"Model"_s, u"12"_s + QChar(u'\0') + u"99"_s));
+    QCOMPARE(store.GetKeyValue(root, SettingsStore::keyPath(), u"Model"_s), u"12"_s);
+    QVERIFY(store.SetKeyValue(root, SettingsStore::keyPath(), u"Model"_s, QString(5000, u'7')));
+    QCOMPARE(store.GetKeyValue(root, SettingsStore::keyPath(), u"Model"_s).size(), 1024);
+}
+
+void TestSettings::unreadableOrUnwritableStore()
+{
+    // A store whose folder is a regular file can be neither read nor written.
+    const QString blocker = m_fixture->path(u"blocker"_s);
+    QVERIFY(test::writeFile(blocker, "not a folder"));
+    SettingsStore store(blocker + u"/settings.ini"_s);
+    QVERIFY(!store.SetKeyValue(SettingsStore::Root::LocalMachine, SettingsStore::keyPath(), u"Model"_s, u"5"_s));
+    AppState state;
+    StartUp(state, store);
+    QCOMPARE(state.ModelIndex, 1);
+    QCOMPARE(state.LanguageIndex, 1);
+    QCOMPARE(state.PortNumber, 1);
+    SaveSettings(state, store); // silent
+
+    // A damaged INI file reads as nothing stored.
+    QVERIFY(test::writeFile(iniFile(), QByteArray("\x00\xFF[[[=\n==\n", 10)));
+    AppState fromGarbage;
+    StartUp(fromGarbage, SettingsStore(iniFile()));
+    QCOMPARE(fromGarbage.LanguageIndex, 1);
+}
+
+void TestSettings::defaultStoreIsInTestLocation()
+{
+    QVERIFY(QStandardPaths::isTestModeEnabled());
+    QVERIFY(SettingsStore::defaultIniFile().contains(u".qttest"_s));
+}
+
+QTEST_GUILESS_MAIN(TestSettings)
+#include "TestSettings.moc"
