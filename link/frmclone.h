@@ -2,7 +2,15 @@
 
 #include <QDialog>
 
+#include <memory>
+
+class QLabel;
+class QProgressBar;
+
 namespace wr {
+
+class CloneDriver;
+class CloneEngine;
 
 // The modal progress form of one transfer. It reads the radio into the image
 // (LinkDirection 0) or writes the image into it (1) over "COM" + PortNumber,
@@ -15,12 +23,30 @@ public:
     explicit frmclone(QWidget *parent = nullptr);
     ~frmclone() override;
 
+    // Opens the port if needed and starts an attempt at step 0. The form
+    // calls it once it is shown; the port scan goes through it too.
+    void TransferDatas();
+
+    // True while a transfer is under way (port open or being retried).
+    bool isTransferring() const;
+
 Q_SIGNALS:
     // A read finished: the image, snapshot and band limits are new; the main
     // window refreshes before "Reading completed!" is shown.
     void readCompleted();
     // The port scan moved to another port; PortNumber already holds it.
     void portNumberChanged(int portNumber);
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void reject() override;
+
+private:
+    std::unique_ptr<CloneEngine> m_engine;
+    std::unique_ptr<CloneDriver> m_driver;
+    QProgressBar *m_progress = nullptr;
+    QLabel *m_label = nullptr;
+    bool m_started = false;
 };
 
 } // namespace wr

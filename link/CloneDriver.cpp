@@ -1,0 +1,176 @@
+#include "link/CloneDriver.h"
+
+#include "link/PortCatalogue.h"
+
+namespace wr {
+
+namespace {
+
+constexpr qint64 ReceiveBufferSize = 1024;
+
+} // namespace
+
+CloneDriver::CloneDriver(CloneEngine &engine, Prompts prompts, QObject *parent)
+    : QObject(parent)
+    , m_engine(engine)
+    , m_prompts(std::move(prompts))
+{
+    // Waits of 5-20 ms and a 1 ms send tick: coarse timers would stretch a
+    // 188-row transfer by seconds.
+    for (QTimer *timer : {&m_sendTimer, &m_timeoutTimer, &m_waitTimer})
+        timer->setTimerType(Qt::PreciseTimer);
+    m_waitTimer.setSingleShot(true);
+
+    connect(&m_sendTimer, &QTimer::timeout, this, [this] { run(m_engine.sendTick()); });
+    connect(&m_timeoutTimer, &QTimer::timeout, this, [this] { run(m_engine.timeoutTick()); });
+    connect(&m_waitTimer, &QTimer::timeout, this, [this] { run(m_engine.waitElapsed()); });
+    connect(&m_port, &QSerialPort::readyRead, this, [this] { run({}); });
+}
+
+CloneDriver::~CloneDriver()
+{
+    stopAll();
+}
+
+void CloneDriver::start()
+{
+    m_running = true;
+    run(m_engine.start());
+}
+
+void CloneDriver::abort()
+{
+    if (!m_running)
+        return;
+    stopAll();
+    m_running = false;
+}
+
+void CloneDriver::stopAll()
+{
+    m_sendTimer.stop();
+    m_timeoutTimer.stop();
+    m_waitTimer.stop();
+    m_threshold = 0;
+    if (m_port.isOpen())
+        m_port.close();
+}
+
+void CloneDriver::run(const CloneEngine::Actions &actions)
+{
+    if (!m_running)
+        return;
+    ++m_depth;
+    for (const CloneEngine::Action &action : actions) {
+        perform(action);
+        if (!m_running)
+            break;
+    }
+    --m_depth;
+    // The port's receive event: raised once the awaited number of bytes is
+    // waiting and the engine is free to look at them.
+    if (m_depth == 0 && m_running)
+        checkWaitingBytes();
+}
+
+void CloneDriver::checkWaitingBytes()
+{
+    if (m_threshold <= 0 || !m_port.isOpen() || m_engine.waiting() || m_engine.asking())
+        return;
+    if (m_port.bytesAvailable() < m_threshold)
+        return;
+    ++m_depth;
+    const CloneEngine::Actions actions = m_engine.dataWaiting();
+    for (const CloneEngine::Action &action : actions)
+        perform(action);
+    --m_depth;
+}
+
+void CloneDriver::openPort(int number)
+{
+    const std::optional<PortEntry> entry = findPort(number);
+    m_port.setPortName(entry ? entry->devicePath : QStringLiteral("COM%1").arg(number));
+    m_port.setReadBufferSize(ReceiveBufferSize);
+    const bool opened = m_port.open(QIODevice::ReadWrite) && m_port.setBaudRate(QSerialPort::Baud9600)
+        && m_port.setDataBits(QSerialPort::Data8) && m_port.setParity(QSerialPort::NoParity)
+        && m_port.setStopBits(QSerialPort::TwoStop) && m_port.setFlowControl(QSerialPort::NoFlowControl);
+    if (!opened) {
+        const QString error = m_port.errorString();
+        if (m_port.isOpen())
+            m_port.close();
+        run(m_engine.portFailed(error));
+        return;
+    }
+    run(m_engine.portOpened());
+}
+
+void CloneDriver::perform(const CloneEngine::Action &action)
+{
+    using Kind = CloneEngine::Action::Kind;
+    switch (action.kind) {
+    case Kind::OpenPort:
+        openPort(action.value);
+        break;
+    case Kind::ClosePort:
+        m_threshold = 0;
+        if (m_port.isOpen())
+            m_port.close();
+        break;
+    case Kind::DiscardBuffers:
+        if (m_port.isOpen()) {
+            m_port.clear(QSerialPort::AllDirections);
+            m_port.readAll(); // anything Qt had already taken in
+        }
+        break;
+    case Kind::Send:
+        if (m_port.isOpen())
+            m_port.write(action.bytes);
+        break;
+    case Kind::SetThreshold:
+        m_threshold = action.value;
+        break;
+    case Kind::StartSendTimer:
+        m_sendTimer.start(action.value);
+        break;
+    case Kind::StopSendTimer:
+        m_sendTimer.stop();
+        break;
+    case Kind::StartTimeout:
+        m_timeoutTimer.start(action.value);
+        break;
+    case Kind::StopTimeout:
+        m_timeoutTimer.stop();
+        break;
+    case Kind::Wait:
+        m_waitTimer.start(action.value);
+        break;
+    case Kind::ReadReply:
+        run(m_engine.replyRead(m_port.isOpen() ? m_port.readAll() : QByteArray()));
+        break;
+    case Kind::Progress:
+        Q_EMIT progressChanged(action.value, action.text);
+        break;
+    case Kind::PortChanged:
+        Q_EMIT portNumberChanged(action.value);
+        break;
+    case Kind::AskLostConnection: {
+        const bool retry = m_prompts.askRetry ? m_prompts.askRetry(action.title, action.text) : false;
+        run(m_engine.answered(retry));
+        break;
+    }
+    case Kind::ShowMessage:
+        if (m_prompts.showMessage)
+            m_prompts.showMessage(action.icon, action.title, action.text);
+        break;
+    case Kind::ReadCompleted:
+        Q_EMIT readCompleted();
+        break;
+    case Kind::Unload:
+        stopAll();
+        m_running = false;
+        Q_EMIT unloaded();
+        break;
+    }
+}
+
+} // namespace wr

@@ -1,0 +1,156 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+namespace wr {
+
+struct AppState;
+
+// The radio's clone protocol, half duplex, one frame in flight, no checksum:
+//
+//   PC -> radio                                      radio -> PC
+//   "PROGRAM"  50 52 4F 47 52 41 4D                  06 (ACK; earlier bytes ignored)
+//   02                                               "QAWPD6T" (7 bytes)
+//   'R' addrHi addrLo 10                             4 bytes (not examined) + 16 row bytes
+//   'W' addrHi addrLo 10 + 16 row bytes              06
+//   "END"      45 4E 44                              nothing
+//
+// A transfer is a fixed list of steps, one frame each:
+//
+//   step     read                         write
+//   0        "PROGRAM"                    "PROGRAM"
+//   1        02                           02
+//   2-129    R rows 0-127                 W rows 0-127      (after 129 comes 202)
+//   202-249  R rows 200-247               W rows 200-247
+//   250-260  R rows 399-409               W rows 399-409
+//   261      R row 416 (band limits)      "END"
+//   262      "END"                        -
+//
+// The engine owns neither the port nor any timer. The driver feeds it events
+// (send tick, time-out tick, bytes waiting, a finished wait, the user's
+// answer, the port opened or not) and carries out the actions it returns, in
+// order. The radio software blocked its thread for its short waits; here a
+// wait is an action, and until the driver reports it elapsed the engine
+// ignores ticks and leaves waiting bytes alone, which keeps the old order.
+class CloneEngine
+{
+public:
+    enum class Direction { Read = 0, Write = 1 };
+    enum class MessageIcon { Information, Exclamation };
+
+    struct Action
+    {
+        enum Kind {
+            OpenPort,          // value: port number; answer with portOpened() or portFailed()
+            ClosePort,
+            DiscardBuffers,    // drop what is waiting in and queued out
+            Send,              // bytes
+            SetThreshold,      // value: bytes waiting that raise dataWaiting(); 0 = off
+            StartSendTimer,    // value: interval in ms, periodic
+            StopSendTimer,
+            StartTimeout,      // value: interval in ms, periodic until stopped
+            StopTimeout,
+            Wait,              // value: ms; answer with waitElapsed()
+            ReadReply,         // read every waiting byte; answer with replyRead()
+            Progress,          // value: 0-188, text: the label
+            PortChanged,       // value: the new PortNumber, for the status bar
+            AskLostConnection, // text, title; answer with answered()
+            ShowMessage,       // text, title, icon
+            ReadCompleted,     // image, snapshot and band limits are new: refresh
+            Unload,            // the transfer is over; close the form
+        };
+        Kind kind = Unload;
+        int value = 0;
+        QByteArray bytes;
+        QString text;
+        QString title;
+        MessageIcon icon = MessageIcon::Information;
+    };
+    using Actions = QList<Action>;
+
+    static constexpr int ProgressMaximum = 188;
+    static constexpr int RetryBudget = 7;
+    static constexpr int TimeoutMs = 300;
+    static constexpr int SendIntervalMs = 1;
+    static constexpr int WaitAfterFrameMs = 20;
+    static constexpr int WaitBeforeReplyMs = 10;
+    static constexpr int WaitBeforeCloseMs = 5;
+    static constexpr qint16 NothingSent = 1800; // SentStep when the frame of Step is still to go
+
+    // The image, band limits, PortNumber and language of state are used and
+    // changed in place. portList gives the PortList of the scan (GetPortList
+    // when empty).
+    explicit CloneEngine(AppState &state, std::function<QStringList()> portList = {});
+
+    // Takes the direction from LinkDirection (enough for the captions).
+    void prepare();
+    // Form load: remembers the port and starts the transfer.
+    Actions start();
+
+    Actions sendTick();
+    Actions timeoutTick();
+    Actions dataWaiting();
+    Actions waitElapsed();
+    Actions replyRead(const QByteArray &reply);
+    Actions portOpened();
+    Actions portFailed(const QString &errorText);
+    Actions answered(bool retry);
+
+    // The frame and the awaited reply length of a step, for the direction.
+    QByteArray frameFor(int step) const;
+    int replyLengthFor(int step) const;
+    // Image row moved by a data step; -1 for steps that move none.
+    static int rowForStep(int step);
+
+    Direction direction() const { return m_direction; }
+    QString caption() const;
+    QString progressText() const;
+    int progress() const { return m_progress; }
+    bool waiting() const { return m_wait != WaitKind::None; }
+    bool asking() const { return m_asking; }
+    bool portOpen() const { return m_portOpen; }
+    int threshold() const { return m_threshold; }
+
+    // The transfer state, under the names the radio software used.
+    qint16 Step = 0;
+    qint16 SentStep = NothingSent;
+    qint16 LastStep = 262;
+    quint8 ReplyLength = 0;
+    bool Finished = false;
+    bool Rejected = false;
+    quint8 RetryCount = 0;
+    quint8 ScanIndex = 0;
+    quint8 SavedPort = 1;
+
+private:
+    enum class WaitKind { None, AfterFrame, BeforeReply, BeforeClose, AfterFinish };
+
+    Actions TransferDatas();
+    Actions beginAttempt();
+    Actions reject();
+    Actions countRowDone();
+    Actions afterAccepted();
+    Actions finishTransfer();
+    Actions resetProgress();
+    Actions wait(WaitKind kind, int ms);
+    Actions unload();
+
+    AppState &m_state;
+    std::function<QStringList()> m_portList;
+    Direction m_direction = Direction::Read;
+    WaitKind m_wait = WaitKind::None;
+    int m_progress = 0;
+    int m_threshold = 0;
+    bool m_portOpen = false;
+    bool m_opening = false;
+    bool m_asking = false;
+    bool m_unloaded = false;
+    bool m_reopenBeforeAsking = false;
+};
+
+} // namespace wr

@@ -1,0 +1,98 @@
+#include "link/frmclone.h"
+
+#include "core/AppState.h"
+#include "link/CloneDriver.h"
+#include "link/CloneEngine.h"
+#include "shell/MessageBox.h"
+
+#include <QLabel>
+#include <QProgressBar>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace wr {
+
+frmclone::frmclone(QWidget *parent)
+    : QDialog(parent)
+    , m_engine(std::make_unique<CloneEngine>(app()))
+{
+    setObjectName(QStringLiteral("frmclone"));
+    setModal(true);
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+
+    m_label = new QLabel(this);
+    m_label->setObjectName(QStringLiteral("lblPercent"));
+    m_progress = new QProgressBar(this);
+    m_progress->setObjectName(QStringLiteral("prgPercent"));
+    m_progress->setRange(0, CloneEngine::ProgressMaximum);
+    m_progress->setValue(0);
+    m_progress->setTextVisible(false);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(18, 14, 18, 18);
+    layout->setSpacing(8);
+    layout->addWidget(m_label);
+    layout->addWidget(m_progress);
+    setMinimumWidth(380);
+
+    CloneDriver::Prompts prompts;
+    prompts.askRetry = [this](const QString &title, const QString &text) {
+        return MessageBox::show(this, QMessageBox::Critical, title, text, QMessageBox::Retry | QMessageBox::Cancel,
+                                QMessageBox::Retry)
+            == QMessageBox::Retry;
+    };
+    prompts.showMessage = [this](CloneEngine::MessageIcon icon, const QString &title, const QString &text) {
+        MessageBox::show(this,
+                         icon == CloneEngine::MessageIcon::Exclamation ? QMessageBox::Warning
+                                                                       : QMessageBox::Information,
+                         title, text);
+    };
+    m_driver = std::make_unique<CloneDriver>(*m_engine, prompts);
+    connect(m_driver.get(), &CloneDriver::progressChanged, this, [this](int value, const QString &text) {
+        m_progress->setValue(value);
+        m_label->setText(text);
+    });
+    connect(m_driver.get(), &CloneDriver::portNumberChanged, this, &frmclone::portNumberChanged);
+    connect(m_driver.get(), &CloneDriver::readCompleted, this, &frmclone::readCompleted);
+    connect(m_driver.get(), &CloneDriver::unloaded, this, [this] { done(m_engine->Finished ? Accepted : Rejected); });
+
+    // Captions as the form loads; the engine words them by LinkDirection.
+    m_engine->prepare();
+    setWindowTitle(m_engine->caption());
+    m_label->setText(m_engine->progressText());
+}
+
+frmclone::~frmclone()
+{
+    m_driver->abort();
+}
+
+void frmclone::TransferDatas()
+{
+    if (m_started)
+        return;
+    m_started = true;
+    m_driver->start();
+}
+
+bool frmclone::isTransferring() const
+{
+    return m_driver->isRunning();
+}
+
+void frmclone::showEvent(QShowEvent *event)
+{
+    QDialog::showEvent(event);
+    if (!m_started)
+        QTimer::singleShot(0, this, &frmclone::TransferDatas);
+}
+
+void frmclone::reject()
+{
+    // Closing the form ends the transfer: the port closes, rows already read
+    // stay in the image, nothing is snapshotted.
+    m_driver->abort();
+    QDialog::reject();
+}
+
+} // namespace wr
