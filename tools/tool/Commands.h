@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QCommandLineParser>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QTextStream>
+
+#include <functional>
+#include <optional>
+
+namespace wr::tool {
+
+// Exit status of every subcommand.
+enum ExitStatus : int {
+    Success = 0,
+    Failure = 1,    // bad file, failed write, radio or port trouble; message on stderr
+    UsageError = 2, // wrong arguments or options
+};
+
+// One subcommand of wrpd6t-tool. run() gets the whole command line, program
+// name and subcommand name included, and returns an ExitStatus.
+struct Command
+{
+    QString name;
+    QString summary; // one line for the overview
+    std::function<int(const QStringList &arguments)> run;
+};
+
+// The tables main() dispatches over, one per source file.
+QList<Command> fileCommands();
+
+// Standard output and standard error, UTF-8.
+QTextStream &out();
+QTextStream &err();
+
+// The parser of one subcommand: "--help" on every subcommand, and the usage
+// line "wrpd6t-tool NAME [options] ARGS...".
+class CommandLine
+{
+public:
+    CommandLine(const QString &name, const QString &description);
+
+    QCommandLineParser &parser() { return m_parser; }
+    // A positional argument the subcommand requires, in order.
+    void addArgument(const QString &name, const QString &description);
+
+    // Parses the arguments. An exit status means the subcommand ends here:
+    // Success after printing the help, UsageError after printing what is
+    // wrong. nullopt: go on with arguments().
+    std::optional<int> parse(const QStringList &commandLine);
+    // The positional arguments after the subcommand name.
+    QStringList arguments() const;
+
+    // Prints "wrpd6t-tool NAME: message" and the help to stderr.
+    int usageError(const QString &message) const;
+
+private:
+    QString m_name;
+    QCommandLineParser m_parser;
+    QStringList m_argumentNames;
+};
+
+} // namespace wr::tool

@@ -1,0 +1,189 @@
+// Subcommands on ".tw" data files: new, info, dump, unpack, pack.
+
+#include "Commands.h"
+
+#include "channels/ChannelRecord.h"
+#include "core/Language.h"
+#include "core/MemoryImage.h"
+#include "file/DataFile.h"
+
+#include <QFile>
+
+namespace wr::tool {
+
+namespace {
+
+// The program's own message for a file that is not a data file or is damaged.
+const QString IncorrectFileType = QStringLiteral("Incorrect File Type.");
+
+int fileFailure(const QString &path, const QString &message)
+{
+    err() << "wrpd6t-tool: " << path << ": " << message << '\n';
+    err().flush();
+    return Failure;
+}
+
+// Reads a data file, or prints why it cannot be used.
+std::optional<DataFile::ReadResult> readDataFile(const QString &path)
+{
+    DataFile::ReadResult result = DataFile::Read(path);
+    switch (result.status) {
+    case DataFile::ReadStatus::Ok:
+        return result;
+    case DataFile::ReadStatus::CannotOpen:
+        fileFailure(path, result.errorString);
+        break;
+    case DataFile::ReadStatus::Damaged:
+    case DataFile::ReadStatus::WrongType:
+        fileFailure(path, IncorrectFileType);
+        break;
+    }
+    return std::nullopt;
+}
+
+int writeFile(const QString &path, QByteArrayView content)
+{
+    QString errorString;
+    if (!DataFile::WriteBytes(path, content, &errorString))
+        return fileFailure(path, errorString);
+    return Success;
+}
+
+int runNew(const QStringList &arguments)
+{
+    CommandLine line(QStringLiteral("new"), QStringLiteral("Writes the data file of a fresh radio."));
+    line.addArgument(QStringLiteral("FILE.tw"), QStringLiteral("The data file to write; an existing file is replaced."));
+    if (const auto status = line.parse(arguments))
+        return *status;
+
+    const QString path = line.arguments().at(0);
+    MemoryImage image;
+    image.InitImage();
+    QString errorString;
+    if (!DataFile::Write(path, image, &errorString))
+        return fileFailure(path, errorString);
+    return Success;
+}
+
+int runInfo(const QStringList &arguments)
+{
+    CommandLine line(QStringLiteral("info"),
+                     QStringLiteral("Lists the channels in use, tab-separated, as the channel list shows them."));
+    const QCommandLineOption language({QStringLiteral("l"), QStringLiteral("language")},
+                                      QStringLiteral("Language of the texts: 0 English, 1 Simplified Chinese, "
+                                                     "2 Traditional Chinese."),
+                                      QStringLiteral("index"), QStringLiteral("0"));
+    line.parser().addOption(language);
+    line.addArgument(QStringLiteral("FILE.tw"), QStringLiteral("The data file to list."));
+    if (const auto status = line.parse(arguments))
+        return *status;
+
+    bool isNumber = false;
+    const int languageIndex = line.parser().value(language).toInt(&isNumber);
+    if (!isNumber || languageIndex < 0 || languageIndex >= LanguageCount)
+        return line.usageError(QStringLiteral("--language must be 0, 1 or 2"));
+
+    const QString path = line.arguments().at(0);
+    const std::optional<DataFile::ReadResult> file = readDataFile(path);
+    if (!file)
+        return Failure;
+    MemoryImage image;
+    image.setBytes(file->image);
+
+    // The headers of the channel list's columns.
+    out() << "CH.\tRx Freq\tTx Freq\tCTCSS/DCS Dec\tCTCSS/DCS Enc\tTX Power\tW/N\tScan Add\tBCL\n";
+    for (int channel = 1; channel <= ChannelRecord::ChannelCount; ++channel) {
+        const ChannelTexts texts = ReadChannelTexts(image, channel, languageIndex);
+        if (texts.isEmpty())
+            continue;
+        const QStringList cells{QString::number(channel), texts.rx,    texts.tx,       texts.decode, texts.encode,
+                                texts.power,              texts.bandwidth, texts.scanAdd, texts.bcl};
+        out() << cells.join(QLatin1Char('\t')) << '\n';
+    }
+    return Success;
+}
+
+int runDump(const QStringList &arguments)
+{
+    CommandLine line(QStringLiteral("dump"),
+                     QStringLiteral("Prints the memory image in hexadecimal: 1024 rows, the image address "
+                                    "of the row and its 16 bytes."));
+    line.addArgument(QStringLiteral("FILE.tw"), QStringLiteral("The data file to print."));
+    if (const auto status = line.parse(arguments))
+        return *status;
+
+    const QString path = line.arguments().at(0);
+    const std::optional<DataFile::ReadResult> file = readDataFile(path);
+    if (!file)
+        return Failure;
+
+    auto hex = [](int value, int digits) {
+        return QString::number(value, 16).toUpper().rightJustified(digits, QLatin1Char('0'));
+    };
+    for (int row = 0; row < MemoryImage::RowCount; ++row) {
+        QString text = hex(row * MemoryImage::RowSize, 4) + QLatin1Char(':');
+        for (int column = 0; column < MemoryImage::RowSize; ++column) {
+            const auto value = static_cast<std::uint8_t>(file->image.at(row * MemoryImage::RowSize + column));
+            text += QLatin1Char(' ') + hex(value, 2);
+        }
+        out() << text << '\n';
+    }
+    return Success;
+}
+
+int runUnpack(const QStringList &arguments)
+{
+    CommandLine line(QStringLiteral("unpack"),
+                     QStringLiteral("Writes the unpacked 16 400-byte container of a data file."));
+    line.addArgument(QStringLiteral("FILE.tw"), QStringLiteral("The data file to unpack."));
+    line.addArgument(QStringLiteral("OUT.bin"), QStringLiteral("The container file to write."));
+    if (const auto status = line.parse(arguments))
+        return *status;
+
+    const QString path = line.arguments().at(0);
+    const std::optional<DataFile::ReadResult> file = readDataFile(path);
+    if (!file)
+        return Failure;
+    return writeFile(line.arguments().at(1), file->container);
+}
+
+int runPack(const QStringList &arguments)
+{
+    CommandLine line(QStringLiteral("pack"),
+                     QStringLiteral("Packs a 16 400-byte container (marker PDZUNK, ten FF bytes, the image) "
+                                    "into a data file."));
+    line.addArgument(QStringLiteral("IN.bin"), QStringLiteral("The container file to pack."));
+    line.addArgument(QStringLiteral("OUT.tw"), QStringLiteral("The data file to write."));
+    if (const auto status = line.parse(arguments))
+        return *status;
+
+    const QString path = line.arguments().at(0);
+    QFile input(path);
+    if (!input.open(QIODevice::ReadOnly))
+        return fileFailure(path, input.errorString());
+    const QByteArray container = input.read(DataFile::ContainerSize + 1);
+    if (input.error() != QFileDevice::NoError)
+        return fileFailure(path, input.errorString());
+    if (container.size() != DataFile::ContainerSize || !container.startsWith(DataFile::Marker()))
+        return fileFailure(path, IncorrectFileType);
+
+    const std::optional<QByteArray> packed = DataFile::PackData(container);
+    if (!packed)
+        return fileFailure(path, QStringLiteral("needs more packing passes than a data file can count"));
+    return writeFile(line.arguments().at(1), *packed);
+}
+
+} // namespace
+
+QList<Command> fileCommands()
+{
+    return {
+        {QStringLiteral("new"), QStringLiteral("write the data file of a fresh radio"), runNew},
+        {QStringLiteral("info"), QStringLiteral("list the channels of a data file"), runInfo},
+        {QStringLiteral("dump"), QStringLiteral("print the memory image of a data file in hexadecimal"), runDump},
+        {QStringLiteral("unpack"), QStringLiteral("write the unpacked container of a data file"), runUnpack},
+        {QStringLiteral("pack"), QStringLiteral("pack a container into a data file"), runPack},
+    };
+}
+
+} // namespace wr::tool

@@ -1,0 +1,62 @@
+// wrpd6t-tool: the radio's data files (and, with the link commands, the radio
+// itself) from the command line. Each subcommand parses its own options.
+
+#include "Commands.h"
+
+#include "core/AppState.h"
+
+#include <QCoreApplication>
+
+using namespace wr::tool;
+
+namespace {
+
+void printOverview(QTextStream &stream, const QList<Command> &commands)
+{
+    stream << "Usage: wrpd6t-tool COMMAND [options] ARGUMENTS\n\nCommands:\n";
+    qsizetype width = 0;
+    for (const Command &command : commands)
+        width = std::max(width, command.name.size());
+    for (const Command &command : commands)
+        stream << "  " << command.name.leftJustified(width + 2) << command.summary << '\n';
+    stream << "\nRun 'wrpd6t-tool COMMAND --help' for the options of a command.\n";
+    stream.flush();
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    wr::InitApplicationIdentity();
+
+    QList<Command> commands = fileCommands();
+    // The radio link commands (ports, read, write) are appended here.
+
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() < 2) {
+        printOverview(err(), commands);
+        return UsageError;
+    }
+    const QString &name = arguments.at(1);
+    if (name == u"--help" || name == u"-h" || name == u"help") {
+        printOverview(out(), commands);
+        return Success;
+    }
+    if (name == u"--version" || name == u"-v") {
+        out() << "wrpd6t-tool " << QCoreApplication::applicationVersion() << '\n';
+        out().flush();
+        return Success;
+    }
+    for (const Command &command : std::as_const(commands)) {
+        if (command.name == name) {
+            const int status = command.run(arguments);
+            out().flush();
+            err().flush();
+            return status;
+        }
+    }
+    err() << "wrpd6t-tool: unknown command '" << name << "'\n\n";
+    printOverview(err(), commands);
+    return UsageError;
+}
