@@ -1,0 +1,33 @@
+#pragma once
+
+#include "core/MemoryImage.h"
+
+#include <QList>
+
+namespace wr::test {
+
+// Rows the clone transfer moves: 0-127, 200-247 and 399-409 both ways, and
+// row 416 (band limits) when reading.
+inline QList<int> transferredRows(bool read)
+{
+    QList<int> rows;
+    for (int row = 0; row < 128; ++row)
+        rows.append(row);
+    for (int row = 200; row < 248; ++row)
+        rows.append(row);
+    for (int row = 399; row < 410; ++row)
+        rows.append(row);
+    if (read)
+        rows.append(416);
+    return rows;
+}
+
+// Fills an image with bytes that differ from row to row and from one seed to
+// another, so a row in the wrong place or a stale row shows.
+inline void fillPattern(MemoryImage &image, int seed)
+{
+    for (int address = 0; address < MemoryImage::Size; ++address)
+        image.WriteByte(address, static_cast<std::uint8_t>((address * 7 + (address >> 4) * 3 + seed * 101) & 0xFF));
+}
+
+} // namespace wr::test

@@ -1,0 +1,139 @@
+#include "PtyRadio.h"
+
+#include <QSocketNotifier>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace wr::sim {
+
+PtyRadio::PtyRadio(VirtualRadio &radio, bool pacing, QObject *parent)
+    : QObject(parent)
+    , m_radio(radio)
+    , m_pacing(pacing)
+{
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, this, &PtyRadio::pump);
+    m_clock.start();
+}
+
+PtyRadio::~PtyRadio()
+{
+    delete m_notifier;
+    if (m_slaveKeeper >= 0)
+        ::close(m_slaveKeeper);
+    if (m_master >= 0)
+        ::close(m_master);
+}
+
+bool PtyRadio::open()
+{
+    m_master = ::posix_openpt(O_RDWR | O_NOCTTY);
+    if (m_master < 0 || ::grantpt(m_master) != 0 || ::unlockpt(m_master) != 0) {
+        m_error = QString::fromLocal8Bit(std::strerror(errno));
+        return false;
+    }
+    const char *name = ::ptsname(m_master);
+    if (!name) {
+        m_error = QString::fromLocal8Bit(std::strerror(errno));
+        return false;
+    }
+    m_devicePath = QString::fromLocal8Bit(name);
+
+    // Holding the slave open keeps the master readable while no program has
+    // the port open (otherwise it reports a hang-up over and over), and
+    // raw mode stops the line discipline echoing or translating bytes.
+    m_slaveKeeper = ::open(name, O_RDWR | O_NOCTTY);
+    termios settings{};
+    if (m_slaveKeeper < 0 || ::tcgetattr(m_slaveKeeper, &settings) != 0) {
+        m_error = QString::fromLocal8Bit(std::strerror(errno));
+        return false;
+    }
+    ::cfmakeraw(&settings);
+    ::cfsetispeed(&settings, B9600);
+    ::cfsetospeed(&settings, B9600);
+    ::tcsetattr(m_slaveKeeper, TCSANOW, &settings);
+    ::fcntl(m_master, F_SETFL, ::fcntl(m_master, F_GETFL) | O_NONBLOCK);
+
+    m_notifier = new QSocketNotifier(m_master, QSocketNotifier::Read);
+    connect(m_notifier, &QSocketNotifier::activated, this, &PtyRadio::readMaster);
+    return true;
+}
+
+void PtyRadio::readMaster()
+{
+    char buffer[512];
+    for (;;) {
+        const ssize_t count = ::read(m_master, buffer, sizeof buffer);
+        if (count <= 0)
+            break;
+        const qint64 now = m_clock.nsecsElapsed();
+        for (ssize_t i = 0; i < count; ++i) {
+            qint64 due = now;
+            if (m_pacing) {
+                due = std::max(now, m_inFreeNs) + ByteTimeNs;
+                m_inFreeNs = due;
+            }
+            m_inbound.push_back({due, buffer[i]});
+        }
+    }
+    pump();
+}
+
+void PtyRadio::pump()
+{
+    const qint64 now = m_clock.nsecsElapsed();
+
+    QByteArray arrived;
+    while (!m_inbound.empty() && m_inbound.front().dueNs <= now) {
+        arrived.append(m_inbound.front().byte);
+        m_inbound.pop_front();
+    }
+    if (!arrived.isEmpty()) {
+        const QByteArray answer = m_radio.receive(arrived);
+        const qint64 ready = now + qint64{m_radio.faults().delayMs} * 1000000;
+        for (const char byte : answer) {
+            qint64 due = ready;
+            if (m_pacing) {
+                due = std::max(ready, m_outFreeNs) + ByteTimeNs;
+                m_outFreeNs = due;
+            }
+            m_outbound.push_back({due, byte});
+        }
+    }
+
+    QByteArray leaving;
+    while (!m_outbound.empty() && m_outbound.front().dueNs <= now) {
+        leaving.append(m_outbound.front().byte);
+        m_outbound.pop_front();
+    }
+    qsizetype written = 0;
+    while (written < leaving.size()) {
+        const ssize_t n = ::write(m_master, leaving.constData() + written, static_cast<size_t>(leaving.size() - written));
+        if (n <= 0)
+            break; // the line is full or gone; the program will time out and retry
+        written += n;
+    }
+    schedule();
+}
+
+void PtyRadio::schedule()
+{
+    qint64 next = -1;
+    if (!m_inbound.empty())
+        next = m_inbound.front().dueNs;
+    if (!m_outbound.empty() && (next < 0 || m_outbound.front().dueNs < next))
+        next = m_outbound.front().dueNs;
+    if (next < 0) {
+        m_timer.stop();
+        return;
+    }
+    const qint64 waitNs = next - m_clock.nsecsElapsed();
+    m_timer.start(waitNs <= 0 ? 0 : static_cast<int>((waitNs + 999999) / 1000000));
+}
+
+} // namespace wr::sim

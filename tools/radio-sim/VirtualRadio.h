@@ -1,0 +1,72 @@
+#pragma once
+
+#include "core/MemoryImage.h"
+
+#include <QByteArray>
+#include <QByteArrayView>
+
+#include <functional>
+
+namespace wr::sim {
+
+// Ways the virtual radio can misbehave, to exercise the program's recovery.
+struct RadioFaults
+{
+    bool silent = false;          // never answers anything
+    bool wrongId = false;         // identifies as "QAWPD7T", one character off
+    bool noiseBeforeAck = false;  // a few stray bytes before the ACK to "PROGRAM"
+    int dropReplyRow = -1;        // ignores the first request for this row
+    int delayMs = 0;              // every answer starts this much later
+    int hangUpAfterRows = -1;     // stops answering after that many rows, until the next "PROGRAM"
+    bool nakWrites = false;       // answers write requests with NAK and keeps nothing
+};
+
+// The radio's side of the clone protocol, without any port or clock: bytes
+// from the PC go in, the radio's answer comes out at once. The radio holds
+// its own 16 KB memory, the same layout as the program's image.
+//
+//   PC -> radio                              radio -> PC
+//   "PROGRAM"                                06          (enters clone mode)
+//   02                                       "QAWPD6T"
+//   'R' hi lo 10                             'R' hi lo 10 + 16 bytes of row (hi lo)/16
+//   'W' hi lo 10 + 16 bytes                  06          (row stored)
+//   "END"                                    nothing     (clone mode ends)
+//
+// Outside clone mode everything but "PROGRAM" is ignored; inside it a byte
+// that starts no known frame is dropped.
+class VirtualRadio
+{
+public:
+    static constexpr char Ack = 0x06;
+    static constexpr char Nak = 0x15;
+
+    explicit VirtualRadio(RadioFaults faults = {});
+
+    MemoryImage &memory() { return m_memory; }
+    const MemoryImage &memory() const { return m_memory; }
+    const RadioFaults &faults() const { return m_faults; }
+
+    // Feeds bytes as they arrive (any split); returns the answer to send.
+    QByteArray receive(QByteArrayView bytes);
+
+    bool inSession() const { return m_inSession; }
+    int sessionsEnded() const { return m_sessionsEnded; }
+    int rowsAnswered() const { return m_rowsAnswered; }
+
+    // Called when "END" closes a session.
+    std::function<void()> onSessionEnded;
+
+private:
+    QByteArray takeFrames();
+    QByteArray answerRow(char command, int address, QByteArrayView rowBytes);
+
+    RadioFaults m_faults;
+    MemoryImage m_memory;
+    QByteArray m_pending;
+    bool m_inSession = false;
+    bool m_hungUp = false;
+    int m_sessionsEnded = 0;
+    int m_rowsAnswered = 0;
+};
+
+} // namespace wr::sim

@@ -1,0 +1,148 @@
+// wrpd6t-radio-sim: a virtual WR-PD6T on a pseudo-terminal, registered as a
+// COM port in the program's serial-ports folder, for trying the clone
+// transfer without a radio or a cable.
+
+#include "PtyRadio.h"
+#include "VirtualRadio.h"
+
+#include "core/AppState.h"
+#include "core/BandLimits.h"
+#include "file/DataFile.h"
+#include "link/PortCatalogue.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QSocketNotifier>
+
+#include <csignal>
+#include <cstdio>
+#include <unistd.h>
+
+namespace {
+
+int signalPipe[2] = {-1, -1};
+
+void onSignal(int)
+{
+    const char byte = 1;
+    [[maybe_unused]] const ssize_t n = ::write(signalPipe[1], &byte, 1);
+}
+
+void printError(const QString &text)
+{
+    std::fprintf(stderr, "wrpd6t-radio-sim: %s\n", qPrintable(text));
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    wr::InitApplicationIdentity();
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("A virtual WR-PD6T radio on a pseudo-terminal."));
+    parser.addHelpOption();
+    const QCommandLineOption comOption(QStringLiteral("com"), QStringLiteral("Register as COM<N> (1-255, default 200)."),
+                                       QStringLiteral("N"), QStringLiteral("200"));
+    const QCommandLineOption imageOption(QStringLiteral("image"), QStringLiteral("Start with the memory of a .tw file."),
+                                         QStringLiteral("FILE.tw"));
+    const QCommandLineOption saveOption(QStringLiteral("save"), QStringLiteral("Save the memory to a .tw file after each session."),
+                                        QStringLiteral("FILE.tw"));
+    const QCommandLineOption noPacing(QStringLiteral("no-pacing"), QStringLiteral("Answer at once instead of at 9600 baud."));
+    const QCommandLineOption silent(QStringLiteral("silent"), QStringLiteral("Never answer."));
+    const QCommandLineOption wrongId(QStringLiteral("wrong-id"), QStringLiteral("Identify as QAWPD7T."));
+    const QCommandLineOption noise(QStringLiteral("noise-before-ack"), QStringLiteral("Send stray bytes before each ACK to PROGRAM."));
+    const QCommandLineOption dropReply(QStringLiteral("drop-reply"), QStringLiteral("Ignore the first request for ROW."),
+                                       QStringLiteral("ROW"));
+    const QCommandLineOption delay(QStringLiteral("delay-ms"), QStringLiteral("Start every answer N ms late."),
+                                   QStringLiteral("N"));
+    const QCommandLineOption hangUp(QStringLiteral("hang-up-after"),
+                                    QStringLiteral("Stop answering after ROWS rows, until the next PROGRAM."),
+                                    QStringLiteral("ROWS"));
+    const QCommandLineOption nakWrites(QStringLiteral("nak-writes"), QStringLiteral("Refuse every written row with NAK."));
+    parser.addOptions({comOption, imageOption, saveOption, noPacing, silent, wrongId, noise, dropReply, delay, hangUp,
+                       nakWrites});
+    parser.process(application);
+
+    auto number = [&](const QCommandLineOption &option, int minimum, int maximum, int fallback) {
+        if (!parser.isSet(option))
+            return fallback;
+        bool ok = false;
+        const int value = parser.value(option).toInt(&ok);
+        if (!ok || value < minimum || value > maximum) {
+            printError(QStringLiteral("--%1 needs a number from %2 to %3").arg(option.names().first()).arg(minimum).arg(maximum));
+            std::exit(2);
+        }
+        return value;
+    };
+
+    const int com = number(comOption, 1, 255, 200);
+    wr::sim::RadioFaults faults;
+    faults.silent = parser.isSet(silent);
+    faults.wrongId = parser.isSet(wrongId);
+    faults.noiseBeforeAck = parser.isSet(noise);
+    faults.dropReplyRow = number(dropReply, 0, wr::MemoryImage::RowCount - 1, -1);
+    faults.delayMs = number(delay, 0, 60000, 0);
+    faults.hangUpAfterRows = number(hangUp, 0, wr::MemoryImage::RowCount, -1);
+    faults.nakWrites = parser.isSet(nakWrites);
+
+    wr::sim::VirtualRadio radio(faults);
+    if (parser.isSet(imageOption)) {
+        const wr::DataFile::ReadResult file = wr::DataFile::Read(parser.value(imageOption));
+        if (file.status != wr::DataFile::ReadStatus::Ok) {
+            printError(file.status == wr::DataFile::ReadStatus::CannotOpen
+                           ? file.errorString
+                           : QStringLiteral("%1: not a WR-PD6T data file").arg(parser.value(imageOption)));
+            return 1;
+        }
+        radio.memory().setBytes(file.image);
+    } else {
+        // A fresh radio: the program's defaults plus the band limits a real
+        // radio reports in row 416.
+        radio.memory().InitImage();
+        wr::WriteDefaultBandLimits(radio.memory());
+    }
+
+    const QString savePath = parser.value(saveOption);
+    radio.onSessionEnded = [&] {
+        if (savePath.isEmpty())
+            return;
+        QString error;
+        if (!wr::DataFile::Write(savePath, radio.memory(), &error))
+            printError(QStringLiteral("cannot save %1: %2").arg(savePath, error));
+    };
+
+    wr::sim::PtyRadio line(radio, !parser.isSet(noPacing));
+    if (!line.open()) {
+        printError(QStringLiteral("cannot create a pseudo-terminal: %1").arg(line.errorString()));
+        return 1;
+    }
+
+    const QString folder = wr::serialPortsFolder();
+    const QString linkPath = folder + QStringLiteral("/com%1").arg(com);
+    QDir().mkpath(folder);
+    QFile::remove(linkPath);
+    if (!QFile::link(line.devicePath(), linkPath)) {
+        printError(QStringLiteral("cannot create the link %1").arg(linkPath));
+        return 1;
+    }
+
+    if (::pipe(signalPipe) != 0) {
+        QFile::remove(linkPath);
+        return 1;
+    }
+    std::signal(SIGINT, onSignal);
+    std::signal(SIGTERM, onSignal);
+    QSocketNotifier quitNotifier(signalPipe[0], QSocketNotifier::Read);
+    QObject::connect(&quitNotifier, &QSocketNotifier::activated, &application, &QCoreApplication::quit);
+
+    std::printf("COM%d %s\n", com, qPrintable(line.devicePath()));
+    std::fflush(stdout);
+
+    const int result = application.exec();
+    QFile::remove(linkPath);
+    return result;
+}
