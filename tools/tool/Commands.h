@@ -29,6 +29,7 @@ struct Command
 
 // The tables main() dispatches over, one per source file.
 QList<Command> fileCommands();
+QList<Command> linkCommands();
 
 // Standard output and standard error, UTF-8.
 QTextStream &out();

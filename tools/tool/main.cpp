@@ -31,7 +31,7 @@ int main(int argc, char *argv[])
     wr::InitApplicationIdentity();
 
     QList<Command> commands = fileCommands();
-    // The radio link commands (ports, read, write) are appended here.
+    commands += linkCommands();
 
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() < 2) {

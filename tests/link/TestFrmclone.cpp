@@ -1,0 +1,153 @@
+#include "LinkTestData.h"
+#include "RadioOnPty.h"
+#include "TestSupport.h"
+
+#include "core/AppState.h"
+#include "link/frmclone.h"
+#include "shell/MessageBox.h"
+
+#include <QDir>
+#include <QLabel>
+#include <QProgressBar>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace wr;
+using namespace Qt::Literals::StringLiterals;
+
+class TestFrmclone : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { test::initTestProcess(); }
+    void init()
+    {
+        m_fixture = std::make_unique<test::Fixture>();
+        MessageBox::reset();
+        MessageBox::setAutoAnswer(true);
+    }
+    void cleanup()
+    {
+        MessageBox::reset();
+        m_fixture.reset();
+    }
+
+    void captions_data();
+    void captions();
+    void readFromRadio();
+    void unopenablePort();
+
+private:
+    std::unique_ptr<test::Fixture> m_fixture;
+};
+
+void TestFrmclone::captions_data()
+{
+    QTest::addColumn<int>("language");
+    QTest::addColumn<int>("direction");
+    QTest::addColumn<QString>("caption");
+    QTest::addColumn<QString>("label");
+
+    QTest::newRow("English read") << 0 << 0 << u"Read data from radio"_s << u"Completion percentage:  0%"_s;
+    QTest::newRow("English write") << 0 << 1 << u"Write data to radio"_s << u"Completion percentage:  0%"_s;
+    QTest::newRow("Simplified read") << 1 << 0 << u"从对讲机读取数据"_s << u"完成进度:  0%"_s;
+    QTest::newRow("Simplified write") << 1 << 1 << u"向对讲机写入数据"_s << u"完成进度:  0%"_s;
+    QTest::newRow("Traditional read") << 2 << 0 << u"從對講機讀取數據"_s << u"完成進度:  0%"_s;
+    QTest::newRow("Traditional write") << 2 << 1 << u"向對講機寫入數據"_s << u"完成進度:  0%"_s;
+}
+
+void TestFrmclone::captions()
+{
+    QFETCH(int, language);
+    QFETCH(int, direction);
+    QFETCH(QString, caption);
+    QFETCH(QString, label);
+    app().LanguageIndex = static_cast<quint8>(language);
+    app().LinkDirection = static_cast<quint8>(direction);
+
+    frmclone form; // not shown: no transfer starts
+    QCOMPARE(form.windowTitle(), caption);
+    auto *percent = form.findChild<QLabel *>(u"lblPercent"_s);
+    auto *bar = form.findChild<QProgressBar *>(u"prgPercent"_s);
+    QVERIFY(percent && bar);
+    QCOMPARE(percent->text(), label);
+    QCOMPARE(bar->minimum(), 0);
+    QCOMPARE(bar->maximum(), 188);
+
+    // WRPD6T_SCREENSHOTS=<folder> keeps a picture of each caption for review.
+    const QString folder = qEnvironmentVariable("WRPD6T_SCREENSHOTS");
+    if (!folder.isEmpty()) {
+        bar->setValue(94);
+        form.adjustSize();
+        QDir().mkpath(folder);
+        QVERIFY(form.grab().save(folder + u"/frmclone-%1-%2.png"_s.arg(language).arg(direction)));
+    }
+}
+
+void TestFrmclone::readFromRadio()
+{
+    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s));
+    QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
+    test::fillPattern(line.radio.memory(), 9);
+    AppState &state = app();
+    state.LanguageIndex = 0;
+    state.LinkDirection = 0;
+    state.PortNumber = 200;
+    const MemoryImage before = state.image;
+
+    frmclone form;
+    QSignalSpy completed(&form, &frmclone::readCompleted);
+    form.show();
+    QVERIFY(form.isModal());
+    QTRY_VERIFY_WITH_TIMEOUT(!form.isVisible(), 30000);
+
+    QCOMPARE(completed.size(), 1);
+    QCOMPARE(form.result(), int{QDialog::Accepted});
+    QCOMPARE(form.findChild<QProgressBar *>(u"prgPercent"_s)->value(), 188);
+    QCOMPARE(form.findChild<QLabel *>(u"lblPercent"_s)->text(), u"Completion percentage:  100%"_s);
+    const QList<MessageBox::Shown> shown = MessageBox::history();
+    QCOMPARE(shown.size(), 1);
+    QCOMPARE(shown.first().text, u"Reading completed!"_s);
+    QCOMPARE(shown.first().title, u"WR-PD6T"_s);
+    QCOMPARE(shown.first().icon, QMessageBox::Information);
+
+    const QList<int> moved = test::transferredRows(true);
+    for (int row = 0; row < MemoryImage::RowCount; ++row)
+        QCOMPARE(state.image.row(row), moved.contains(row) ? line.radio.memory().row(row) : before.row(row));
+    QVERIFY(!state.image.IsModified());
+    QCOMPARE(state.BandLimits, LoadBandLimits(line.radio.memory()));
+}
+
+void TestFrmclone::unopenablePort()
+{
+    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s)); // on COM200, not the chosen port
+    AppState &state = app();
+    state.LanguageIndex = 0;
+    state.LinkDirection = 0;
+    state.PortNumber = 201;
+    test::fillPattern(state.image, 10);
+    state.image.TakeSnapshot();
+    const MemoryImage before = state.image;
+
+    frmclone form;
+    QSignalSpy completed(&form, &frmclone::readCompleted);
+    QSignalSpy portChanged(&form, &frmclone::portNumberChanged);
+    form.show();
+    QTRY_VERIFY_WITH_TIMEOUT(!form.isVisible(), 5000);
+
+    const QList<MessageBox::Shown> shown = MessageBox::history();
+    QCOMPARE(shown.size(), 1);
+    QCOMPARE(shown.first().title, u"WR-PD6T"_s);
+    QCOMPARE(shown.first().icon, QMessageBox::Warning);
+    QVERIFY(!shown.first().text.isEmpty());
+    QCOMPARE(form.result(), int{QDialog::Rejected});
+    QCOMPARE(completed.size(), 0);
+    QCOMPARE(portChanged.size(), 0);
+    QVERIFY(state.image == before);
+    QVERIFY(!state.image.IsModified());
+    QCOMPARE(state.PortNumber, quint8{201});
+}
+
+QTEST_MAIN(TestFrmclone)
+#include "TestFrmclone.moc"
