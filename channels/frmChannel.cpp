@@ -231,8 +231,8 @@ frmChannel::frmChannel(QWidget *parent)
     m_wheelPager = new WheelPager(m_grid);
 
     connect(m_grid, &QTableWidget::currentCellChanged, this, [this] { SyncGridCursor(); });
-    connect(m_grid->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { commitForScroll(); });
-    connect(m_grid->horizontalScrollBar(), &QScrollBar::valueChanged, this, [this] { commitForScroll(); });
+    connect(m_grid->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { commitAllOpen(); });
+    connect(m_grid->horizontalScrollBar(), &QScrollBar::valueChanged, this, [this] { commitAllOpen(); });
 
     m_grid->horizontalHeader()->setFixedHeight(
         std::max(twipsToPixels(HeaderTwips), m_grid->horizontalHeader()->sizeHint().height()));
@@ -535,7 +535,7 @@ void frmChannel::commitOpenEditor()
     m_grid->setFocus(Qt::OtherFocusReason);
 }
 
-void frmChannel::commitForScroll()
+void frmChannel::commitAllOpen()
 {
     if (m_committing)
         return;
@@ -577,6 +577,7 @@ void frmChannel::placeEditor(QWidget *editor)
 
 void frmChannel::ShowCellEditor()
 {
+    commitAllOpen(); // an editor still open belongs to the previous cell
     SyncGridCursor();
     m_editRow = app().ChannelCursor;
     m_editColumn = app().GridColumn;

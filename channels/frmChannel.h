@@ -90,7 +90,7 @@ private:
     void hideEditor(QWidget *editor);
     void discardOpenEditors();
     bool isOpen(const QWidget *editor) const;
-    void commitForScroll();
+    void commitAllOpen(); // every open editor, as scrolling does
     void fitColumns();
 
     bool gridKeyPress(QKeyEvent *event);

@@ -561,19 +561,29 @@ private Q_SLOTS:
 
     void focusLeavingEditorCommits()
     {
-        putChannel(70, {QStringLiteral("150.00000"), QStringLiteral("150.00000"), {}, {}});
-        putChannel(71, {QStringLiteral("160.00000"), QStringLiteral("160.00000"), {}, {}});
+        putChannel(2, {QStringLiteral("150.00000"), QStringLiteral("150.00000"), {}, {}});
+        putChannel(3, {QStringLiteral("160.00000"), QStringLiteral("160.00000"), {}, {}});
         openForm();
-        clickCell(70, Tx);
+        const int scrolled = grid()->verticalScrollBar()->value();
+        clickCell(2, Tx);
         QTest::keyClicks(text(), QStringLiteral("151"));
-        clickCell(71, Dec); // the click commits row 70 and opens row 71's tone
-        QCOMPARE(cell(70, Tx), QStringLiteral("151.00000"));
+        clickCell(3, Dec); // the click commits row 2 and opens row 3's tone
+        QCOMPARE(grid()->verticalScrollBar()->value(), scrolled);
+        QCOMPARE(cell(2, Tx), QStringLiteral("151.00000"));
+        QVERIFY(text()->isHidden());
         QVERIFY(combo(0)->isVisible());
-        QCOMPARE(int(app().ChannelCursor), 71);
+        QCOMPARE(int(app().ChannelCursor), 3);
 
+        // Tab leaves the combo for the grid, which commits too.
         QTest::keyClicks(combo(0), QStringLiteral("D25"));
+        QTest::keyClick(combo(0), Qt::Key_Tab);
+        QCOMPARE(cell(3, Dec), QStringLiteral("D025N"));
+        QVERIFY(combo(0)->isHidden());
+
+        clickCell(3, Enc);
+        QTest::keyClicks(combo(0), QStringLiteral("7"));
         m_form->commitOpenEditor();
-        QCOMPARE(cell(71, Dec), QStringLiteral("D025N"));
+        QCOMPARE(cell(3, Enc), QStringLiteral("60.0"));
         QVERIFY(combo(0)->isHidden());
         QVERIFY(grid()->hasFocus());
     }
@@ -795,7 +805,15 @@ private Q_SLOTS:
                               modifiers, Qt::NoScrollPhase, false);
             QApplication::sendEvent(grid()->viewport(), &wheel);
         };
+        // A notch moves exactly as Page Down does.
+        QTest::keyClick(grid(), Qt::Key_PageDown);
+        const int pageRow = grid()->currentRow();
+        const int pageScroll = grid()->verticalScrollBar()->value();
+        grid()->setCurrentCell(1, Rx);
+        grid()->verticalScrollBar()->setValue(0);
         notch(-120);
+        QCOMPARE(grid()->currentRow(), pageRow);
+        QCOMPARE(grid()->verticalScrollBar()->value(), pageScroll);
         const int first = grid()->currentRow();
         QVERIFY2(first >= 10, qPrintable(QString::number(first)));
         QVERIFY(grid()->verticalScrollBar()->value() > 0);
