@@ -27,8 +27,6 @@ CommandLine::CommandLine(const QString &name, const QString &description)
 {
     m_parser.setApplicationDescription(description);
     m_parser.addHelpOption();
-    // The subcommand's own name is the first positional argument.
-    m_parser.addPositionalArgument(name, QString(), name);
 }
 
 void CommandLine::addArgument(const QString &name, const QString &description)
@@ -39,9 +37,12 @@ void CommandLine::addArgument(const QString &name, const QString &description)
 
 std::optional<int> CommandLine::parse(const QStringList &commandLine)
 {
-    if (!m_parser.parse(commandLine))
+    // The parser sees the program name and what follows the subcommand name.
+    QStringList withoutName = commandLine.mid(0, 1);
+    withoutName += commandLine.mid(2);
+    if (!m_parser.parse(withoutName))
         return usageError(m_parser.errorText());
-    if (m_parser.isSet(QStringLiteral("help"))) {
+    if (m_parser.isSet(QStringLiteral("help")) || m_parser.isSet(QStringLiteral("help-all"))) {
         // The parser names the program by its full path; the usage line reads
         // better as the command the user types.
         out() << "Usage: " << ProgramName << ' ' << m_name << " [options]";
@@ -61,10 +62,7 @@ std::optional<int> CommandLine::parse(const QStringList &commandLine)
 
 QStringList CommandLine::arguments() const
 {
-    QStringList positional = m_parser.positionalArguments();
-    if (!positional.isEmpty())
-        positional.removeFirst(); // the subcommand name
-    return positional;
+    return m_parser.positionalArguments();
 }
 
 int CommandLine::usageError(const QString &message) const

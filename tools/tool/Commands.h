@@ -50,7 +50,7 @@ public:
     // Success after printing the help, UsageError after printing what is
     // wrong. nullopt: go on with arguments().
     std::optional<int> parse(const QStringList &commandLine);
-    // The positional arguments after the subcommand name.
+    // The positional arguments, the subcommand name not included.
     QStringList arguments() const;
 
     // Prints "wrpd6t-tool NAME: message" and the help to stderr.
