@@ -1,0 +1,161 @@
+// Times the channel list's two bulk operations on 128 full channels:
+// RefreshData (image -> grid) and SaveData (grid -> image).
+//
+//   wrpd6t-bench-channels [iterations]
+//   wrpd6t-bench-channels --shots DIR     renders the list in the three languages
+//
+// Runs on the offscreen platform unless QT_QPA_PLATFORM says otherwise.
+
+#include "channels/ChannelRecord.h"
+#include "channels/frmChannel.h"
+#include "core/AppState.h"
+#include "core/FrequencyCodec.h"
+#include "core/Language.h"
+#include "core/ToneCodec.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QTableWidget>
+#include <QTextStream>
+
+#include <algorithm>
+#include <vector>
+
+using namespace wr;
+
+namespace {
+
+// 128 channels in use, each with both frequencies and tones; `variant`
+// shifts every value so two images differ in every cell.
+void fillImage(MemoryImage &image, int variant)
+{
+    const QStringList tones = BuildToneTable(English);
+    for (int n = 1; n <= ChannelRecord::ChannelCount; ++n) {
+        const qint64 rx = (n % 2 ? 14400000 : 43000000) + (n * 7 + variant) * 625;
+        const qint64 tx = rx + (n % 3 == 0 ? 500000 : 0);
+        WriteFreq(image, Side::Rx, n, freq::formatTenHz(rx));
+        WriteFreq(image, Side::Tx, n, freq::formatTenHz(tx));
+        WriteTone(image, Side::Rx, n, tones.at((n + variant) % tones.size()));
+        WriteTone(image, Side::Tx, n, tones.at((n * 3 + variant) % tones.size()));
+        image.WriteByte(n - 1, 12, 0);
+        image.WriteByte(n - 1, 13, 0);
+        // Power, width and scan add vary, BCL 0-2, shift + when tx is above rx.
+        const int mix = n + variant;
+        image.WriteByte(n - 1, 14, static_cast<quint8>((mix & 0x4C) | (mix % 3) | (tx > rx ? 0x10 : 0x00)));
+        image.WriteByte(n - 1, 15, 0);
+        ChannelRecord record(image, n);
+        record.setEmptyBit(false);
+        record.setScanSkipBit(!record.scanAdd());
+    }
+}
+
+// Half the channels in use, the rest empty.
+void halfEmpty(MemoryImage &image)
+{
+    fillImage(image, 0);
+    for (int n = 2; n <= ChannelRecord::ChannelCount; n += 2) {
+        ChannelRecord record(image, n);
+        record.erase();
+        record.setEmptyBit(true);
+    }
+}
+
+int shots(const QString &folder)
+{
+    QDir().mkpath(folder);
+    const char *names[] = {"en", "zh-hans", "zh-hant"};
+    for (int language = 0; language < LanguageCount; ++language) {
+        app() = AppState{};
+        app().LanguageIndex = static_cast<quint8>(language);
+        app().ToneTable = BuildToneTable(language);
+        app().image.InitImage();
+        fillImage(app().image, 0);
+        frmChannel form;
+        form.show();
+        QCoreApplication::processEvents();
+        form.grab().save(QStringLiteral("%1/channels-full-%2.png").arg(folder, QString::fromLatin1(names[language])));
+
+        halfEmpty(app().image);
+        form.RefreshChannel();
+        // An open list combo shows where the editors sit.
+        form.grid()->setCurrentCell(3, frmChannel::ColBcl);
+        form.grid()->setFocus();
+        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"));
+        QCoreApplication::sendEvent(form.grid(), &enter);
+        QCoreApplication::processEvents();
+        form.grab().save(QStringLiteral("%1/channels-empty-%2.png").arg(folder, QString::fromLatin1(names[language])));
+    }
+    return 0;
+}
+
+struct Stats
+{
+    double median, best, mean;
+};
+
+Stats summarise(std::vector<double> &samples)
+{
+    std::sort(samples.begin(), samples.end());
+    double sum = 0;
+    for (double s : samples)
+        sum += s;
+    return {samples[samples.size() / 2], samples.front(), sum / double(samples.size())};
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    const QStringList args = application.arguments();
+    if (args.size() > 2 && args.at(1) == QStringLiteral("--shots"))
+        return shots(args.at(2));
+    const int iterations = args.size() > 1 ? std::max(1, args.at(1).toInt()) : 200;
+
+    app() = AppState{};
+    app().LanguageIndex = English;
+    app().ToneTable = BuildToneTable(English);
+    MemoryImage images[2];
+    for (int i = 0; i < 2; ++i) {
+        images[i].InitImage();
+        fillImage(images[i], i + 1);
+    }
+    app().image = images[0];
+    frmChannel form;
+    form.show();
+    QCoreApplication::processEvents();
+
+    std::vector<double> refresh, save;
+    QElapsedTimer timer;
+    for (int i = 0; i < iterations; ++i) {
+        // Alternate the images so every cell really changes.
+        app().image = images[i % 2];
+        timer.start();
+        form.RefreshData();
+        refresh.push_back(double(timer.nsecsElapsed()) / 1e6);
+        QCoreApplication::processEvents(); // paint, as the window would between commands
+        timer.start();
+        form.SaveData();
+        save.push_back(double(timer.nsecsElapsed()) / 1e6);
+        if (!(app().image == images[i % 2])) {
+            const QByteArray got = app().image.bytes(), want = images[i % 2].bytes();
+            int at = 0;
+            while (got.at(at) == want.at(at))
+                ++at;
+            QTextStream(stderr) << "SaveData changed an untouched image at 0x" << QString::number(at, 16) << "\n";
+            return 1;
+        }
+    }
+    const Stats r = summarise(refresh);
+    const Stats s = summarise(save);
+    QTextStream out(stdout);
+    out << "128 full channels, " << iterations << " iterations (ms per call)\n";
+    out << QStringLiteral("RefreshData  median %1  best %2  mean %3\n").arg(r.median, 0, 'f', 3).arg(r.best, 0, 'f', 3).arg(r.mean, 0, 'f', 3);
+    out << QStringLiteral("SaveData     median %1  best %2  mean %3\n").arg(s.median, 0, 'f', 3).arg(s.best, 0, 'f', 3).arg(s.mean, 0, 'f', 3);
+    return 0;
+}
