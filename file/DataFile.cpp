@@ -296,7 +296,10 @@ bool WriteBytes(const QString &path, QByteArrayView content, QString *errorStrin
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return fail(file.errorString());
-    if (file.write(content.data(), content.size()) != content.size()) {
+    // The write only fills Qt's buffer; a disk that fills up is reported by
+    // the flush, and QSaveFile::commit() would rename the short file over
+    // the old one all the same, so the flush is checked first.
+    if (file.write(content.data(), content.size()) != content.size() || !file.flush()) {
         const QString text = file.errorString();
         file.cancelWriting();
         return fail(text);
