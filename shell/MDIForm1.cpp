@@ -20,6 +20,7 @@
 #include <QLocale>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMenu>
 #include <QMenuBar>
 #include <QSplitter>
 #include <QStatusBar>
@@ -382,8 +383,17 @@ void MDIForm1::showChannelList()
         m_channelWindow = m_mdiArea->addSubWindow(form);
         m_channelWindow->setAttribute(Qt::WA_DeleteOnClose);
         m_channelWindow->setWindowIcon(AppIcon());
+        // The sub-window's own Close key is Ctrl+W on most desktops, which
+        // is the Write command here; the child closes with Ctrl+F4 instead.
+        for (QAction *action : m_channelWindow->systemMenu()->actions()) {
+            if (action->shortcut() == QKeySequence(QKeySequence::Close))
+                action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F4));
+        }
         m_channels = form;
         connect(form, &frmChannel::memoryMapRequested, this, &MDIForm1::openMemoryMap);
+        // Bit 0 of the open-forms flags follows the channel list's life.
+        app().FormOpenFlags |= AppState::ChannelListOpen;
+        connect(form, &QObject::destroyed, this, [] { app().FormOpenFlags &= ~AppState::ChannelListOpen; });
         m_channelWindow->showMaximized();
     }
     m_channelWindow->show();

@@ -7,7 +7,7 @@
 #include <QComboBox>
 #include <QFormLayout>
 #include <QGridLayout>
-#include <QGroupBox>
+#include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -63,19 +63,20 @@ frmComPort::frmComPort(QWidget *parent)
         m_combo1->setEditText(QString());
     }
 
-    auto *details = new QGroupBox(this);
-    details->setFlat(true);
+    // Which device the selected name stands for, so the user can tell the
+    // programming cable from other serial adapters.
+    auto *details = new QFrame(this);
+    details->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     auto *detailsLayout = new QFormLayout(details);
-    detailsLayout->setContentsMargins(0, 0, 0, 0);
     m_lblDevice->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_lblDescription->setWordWrap(true);
-    m_lblDevice->setMinimumWidth(190);
-    detailsLayout->addRow(m_lblDevice);
-    detailsLayout->addRow(m_lblDescription);
+    m_lblDevice->setMinimumWidth(200);
+    detailsLayout->addRow(TextFor(u"Device:"_s, u"设备："_s, u"設備："_s), m_lblDevice);
+    detailsLayout->addRow(TextFor(u"Description:"_s, u"描述："_s, u"描述："_s), m_lblDescription);
 
     auto *top = new QHBoxLayout;
-    top->addWidget(m_label1);
-    top->addWidget(m_combo1);
+    top->addWidget(m_label1, 0, Qt::AlignTop);
+    top->addWidget(m_combo1, 0, Qt::AlignTop);
     top->addSpacing(12);
     top->addWidget(details, 1);
     auto *buttons = new QHBoxLayout;

@@ -1,0 +1,248 @@
+// Read and Write through the main window's menu against the virtual radio
+// on a pseudo-terminal: confirmations, the progress form, the refreshed
+// channel list, and the status bar following the port scan.
+#include "ShellHarness.h"
+
+#include "channels/ChannelRecord.h"
+#include "channels/frmChannel.h"
+#include "core/AppState.h"
+#include "file/DataFile.h"
+#include "link/PortCatalogue.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLabel>
+#include <QPointer>
+#include <QProcess>
+#include <QTableWidget>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using wr::test::ShellHarness;
+
+namespace {
+
+// One virtual radio process, registered as COM<number> in a serial-ports
+// folder under its own data home.
+class VirtualRadio
+{
+public:
+    bool start(int number, const QString &dataHome, const QStringList &extra)
+    {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(u"XDG_DATA_HOME"_s, dataHome);
+        m_process.setProcessEnvironment(env);
+        m_process.setProgram(QStringLiteral(WRPD6T_RADIO_SIM));
+        m_process.setArguments(QStringList{u"--no-pacing"_s, u"--com"_s, QString::number(number)} + extra);
+        m_process.start();
+        if (!m_process.waitForStarted(5000))
+            return false;
+        // The first line, "COM<n> <device>", says the link is in place.
+        QElapsedTimer waited;
+        waited.start();
+        while (!m_process.canReadLine() && waited.elapsed() < 10000)
+            QTest::qWait(20);
+        const QString line = QString::fromLocal8Bit(m_process.readLine()).trimmed();
+        return line.startsWith(u"COM"_s + QString::number(number) + u' ');
+    }
+
+    ~VirtualRadio()
+    {
+        m_process.terminate();
+        if (!m_process.waitForFinished(3000))
+            m_process.kill();
+        m_process.waitForFinished(1000);
+    }
+
+private:
+    QProcess m_process;
+};
+
+QByteArray imageWithChannels(int first, int count, int baseMHz)
+{
+    wr::MemoryImage image;
+    image.InitImage();
+    for (int channel = first; channel < first + count; ++channel) {
+        wr::ChannelTexts texts;
+        texts.rx = QStringLiteral("%1.02500").arg(baseMHz + channel % 30);
+        texts.tx = texts.rx;
+        texts.decode = u"100.0"_s;
+        texts.encode = u"D031N"_s;
+        texts.power = wr::PowerText(false, 0);
+        texts.bandwidth = wr::BandwidthText(false, 0);
+        texts.scanAdd = wr::ScanAddText(true, 0);
+        texts.bcl = wr::BclText(wr::ChannelRecord::Bcl::Off, 0);
+        wr::CreateChannel(image, channel);
+        wr::SaveChannel(image, channel, texts);
+    }
+    wr::WriteDefaultBandLimits(image);
+    return image.bytes();
+}
+
+QByteArray rows(const QByteArray &image, int first, int last)
+{
+    return image.mid(first * 16, (last - first + 1) * 16);
+}
+
+} // namespace
+
+class TestShellTransfer : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::optional<ShellHarness> h;
+    QString m_dataHome;
+
+    QString panel(int number) const
+    {
+        return h->window->findChild<QLabel *>(u"MSBar_Panel"_s + QString::number(number))->text();
+    }
+
+    QString radioFile(const QString &name) const { return h->fixture.path(name); }
+
+    bool writeRadioMemory(const QString &path, const QByteArray &bytes)
+    {
+        wr::MemoryImage image;
+        image.setBytes(bytes);
+        QString error;
+        return wr::DataFile::Write(path, image, &error);
+    }
+
+    // A transfer that hangs must not hang the suite: close the progress form.
+    void watchdog()
+    {
+        QTimer::singleShot(30000, h->window.get(), [] {
+            if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
+                dialog->reject();
+        });
+    }
+
+private Q_SLOTS:
+    void initTestCase() { wr::test::initTestProcess(); }
+    void init()
+    {
+        h.emplace();
+        m_dataHome = h->fixture.path(u"data-home"_s);
+        QDir().mkpath(m_dataHome);
+        // Only the virtual radios are listed: no real serial device joins the scan.
+        wr::setSystemPortSource([] { return QList<wr::SystemPort>{}; });
+        wr::setSerialPortsFolder(m_dataHome + u"/wrpd6t/serial-ports"_s);
+        h->storeSetting(u"language"_s, u"0"_s);
+    }
+    void cleanup()
+    {
+        h.reset();
+        wr::setSystemPortSource({});
+        wr::setSerialPortsFolder({});
+    }
+
+    void readThroughMenu_data()
+    {
+        QTest::addColumn<int>("chosenPort");
+        QTest::addColumn<bool>("silentRadioOnChosenPort");
+        QTest::newRow("radio on the chosen port") << 200 << false;
+        QTest::newRow("radio found by the port scan") << 7 << true;
+    }
+
+    void readThroughMenu()
+    {
+        QFETCH(int, chosenPort);
+        QFETCH(bool, silentRadioOnChosenPort);
+        const QByteArray radioMemory = imageWithChannels(1, 128, 400);
+        const QString memoryFile = radioFile(u"radio.tw"_s);
+        QVERIFY(writeRadioMemory(memoryFile, radioMemory));
+        VirtualRadio radio;
+        QVERIFY(radio.start(200, m_dataHome, {u"--image"_s, memoryFile}));
+        std::unique_ptr<VirtualRadio> silent;
+        if (silentRadioOnChosenPort) {
+            silent = std::make_unique<VirtualRadio>();
+            QVERIFY(silent->start(chosenPort, m_dataHome, {u"--silent"_s}));
+        }
+        h->storeSetting(u"gbPort"_s, QString::number(chosenPort));
+        h->open();
+        QCOMPARE(panel(1), u"COM"_s + QString::number(chosenPort));
+
+        wr::MessageBox::setNextAnswer(QMessageBox::Ok); // "Do you wish to continue?"
+        watchdog();
+        h->action(u"mnuRead"_s)->trigger();
+
+        const QList<wr::MessageBox::Shown> shown = wr::MessageBox::history();
+        QVERIFY(shown.size() >= 2);
+        QCOMPARE(shown.first().text, u"Read data from radio.\nDo you wish to continue?"_s);
+        QCOMPARE(shown.first().icon, QMessageBox::Question);
+        QCOMPARE(shown.last().text, u"Reading completed!"_s);
+        QCOMPARE(wr::app().LinkDirection, 0);
+        // The transferred rows are the radio's, the rest as before; the
+        // snapshot was taken and the channel list reloaded.
+        const QByteArray image = wr::app().image.bytes();
+        QCOMPARE(rows(image, 0, 127), rows(radioMemory, 0, 127));
+        QCOMPARE(rows(image, 416, 416), rows(radioMemory, 416, 416));
+        QVERIFY(!wr::app().image.IsModified());
+        QCOMPARE(wr::app().BandLimits[0], 136);
+        QCOMPARE(h->window->channelList()->grid()->item(1, 1)->text(), u"401.02500"_s);
+        // After a scan the port stays where the radio answered, and the
+        // status bar says so.
+        QCOMPARE(int(wr::app().PortNumber), 200);
+        QCOMPARE(panel(1), u"COM200"_s);
+    }
+
+    void writeThroughMenu()
+    {
+        const QString saved = radioFile(u"radio-after.tw"_s);
+        VirtualRadio radio;
+        QVERIFY(radio.start(200, m_dataHome, {u"--save"_s, saved}));
+        h->storeSetting(u"gbPort"_s, u"200"_s);
+        h->open();
+        wr::app().image.setBytes(imageWithChannels(1, 60, 430));
+        h->window->RefreshMainWindow();
+        // A value still in the grid goes to the radio too: Write commits first.
+        h->window->channelList()->setChannelRx(100, u"145.5"_s);
+
+        wr::MessageBox::setNextAnswer(QMessageBox::Ok);
+        watchdog();
+        h->action(u"mnuWrite"_s)->trigger();
+        const QList<wr::MessageBox::Shown> shown = wr::MessageBox::history();
+        QVERIFY(shown.size() >= 2);
+        QCOMPARE(shown.first().text, u"Write data to radio.\nDo you wish to continue?"_s);
+        QCOMPARE(shown.last().text, u"Writing completed!"_s);
+        QCOMPARE(wr::app().LinkDirection, 1);
+
+        QTRY_VERIFY_WITH_TIMEOUT(wr::DataFile::Read(saved).status == wr::DataFile::ReadStatus::Ok, 5000);
+        const QByteArray inRadio = wr::DataFile::Read(saved).image;
+        const QByteArray image = wr::app().image.bytes();
+        QCOMPARE(rows(inRadio, 0, 127), rows(image, 0, 127));
+        QCOMPARE(rows(inRadio, 200, 247), rows(image, 200, 247));
+        wr::MemoryImage radioImage;
+        radioImage.setBytes(inRadio);
+        QCOMPARE(wr::ReadChannelTexts(radioImage, 100, 0).rx, u"145.50000"_s);
+        QCOMPARE(radioImage.ReadByte(0x0CD0), 0);
+    }
+
+    void cancelledConfirmation_data()
+    {
+        QTest::addColumn<QString>("item");
+        QTest::newRow("Read cancelled") << u"mnuRead"_s;
+        QTest::newRow("Write cancelled") << u"mnuWrite"_s;
+    }
+
+    void cancelledConfirmation()
+    {
+        QFETCH(QString, item);
+        h->storeSetting(u"gbPort"_s, u"200"_s);
+        h->open();
+        wr::app().LinkDirection = 5; // neither: shows whether the command set it
+        const QByteArray before = wr::app().image.bytes();
+        wr::MessageBox::setNextAnswer(QMessageBox::Cancel);
+        h->action(item)->trigger();
+        QCOMPARE(wr::MessageBox::history().size(), 1);
+        QCOMPARE(wr::app().LinkDirection, 5);
+        QVERIFY(!h->window->findChild<QDialog *>(u"frmclone"_s));
+        QCOMPARE(rows(wr::app().image.bytes(), 0, 127), rows(before, 0, 127));
+    }
+};
+
+QTEST_MAIN(TestShellTransfer)
+#include "TestShellTransfer.moc"
