@@ -69,8 +69,26 @@ void CloneDriver::run(const CloneEngine::Actions &actions)
     --m_depth;
     // The port's receive event: raised once the awaited number of bytes is
     // waiting and the engine is free to look at them.
-    if (m_depth == 0 && m_running)
+    if (m_depth == 0 && m_running) {
         checkWaitingBytes();
+        kickSendTimer();
+    }
+}
+
+void CloneDriver::kickSendTimer()
+{
+    // The send timer's 1 ms is as fast as the radio software's platform
+    // allowed; a frame that is due goes out on the next pass of the event
+    // loop instead, which saves about half a millisecond a row.
+    if (m_kickPending || !m_sendTimer.isActive() || m_engine.SentStep == m_engine.Step || m_engine.waiting()
+        || m_engine.asking())
+        return;
+    m_kickPending = true;
+    QTimer::singleShot(0, this, [this] {
+        m_kickPending = false;
+        if (m_sendTimer.isActive())
+            run(m_engine.sendTick());
+    });
 }
 
 void CloneDriver::checkWaitingBytes()

@@ -45,6 +45,7 @@ private:
     void run(const CloneEngine::Actions &actions);
     void perform(const CloneEngine::Action &action);
     void checkWaitingBytes();
+    void kickSendTimer();
     void openPort(int number);
     void stopAll();
 
@@ -57,6 +58,7 @@ private:
     int m_threshold = 0;
     int m_depth = 0;
     bool m_running = false;
+    bool m_kickPending = false;
 };
 
 } // namespace wr

@@ -39,6 +39,7 @@ struct Result
     bool ok = false;
     double ms = 0;
     double stallMs = 0;
+    double stallAtMs = 0; // when it began, from the start of the transfer
     QString failure;
 };
 
@@ -62,11 +63,15 @@ Result runTransfer(wr::AppState &state)
     QElapsedTimer clock;
     qint64 lastBeat = 0;
     qint64 widest = 0;
+    qint64 widestAt = 0;
     QTimer heartbeat;
     heartbeat.setTimerType(Qt::PreciseTimer);
     QObject::connect(&heartbeat, &QTimer::timeout, [&] {
         const qint64 now = clock.nsecsElapsed();
-        widest = std::max(widest, now - lastBeat);
+        if (now - lastBeat > widest) {
+            widest = now - lastBeat;
+            widestAt = lastBeat;
+        }
         lastBeat = now;
     });
 
@@ -79,6 +84,7 @@ Result runTransfer(wr::AppState &state)
         loop.exec();
     result.ms = clock.nsecsElapsed() / 1e6;
     result.stallMs = widest / 1e6;
+    result.stallAtMs = widestAt / 1e6;
     result.ok = engine.Finished;
     return result;
 }
@@ -86,9 +92,9 @@ Result runTransfer(wr::AppState &state)
 void report(const char *name, bool read, const Result &result)
 {
     const double floor = floorMs(read);
-    std::printf("%-5s %s  %.2f s  (floor %.2f s, %+.1f %%)  longest event-loop stall %.1f ms\n", name,
+    std::printf("%-5s %s  %.2f s  (floor %.2f s, %+.1f %%)  longest event-loop stall %.1f ms (at %.0f ms)\n", name,
                 result.ok ? "ok    " : "FAILED", result.ms / 1000.0, floor / 1000.0, (result.ms / floor - 1.0) * 100.0,
-                result.stallMs);
+                result.stallMs, result.stallAtMs);
     if (!result.ok)
         std::printf("      %s\n", qPrintable(result.failure));
 }

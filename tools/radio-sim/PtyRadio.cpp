@@ -86,16 +86,23 @@ void PtyRadio::readMaster()
 
 void PtyRadio::pump()
 {
+    // Timers fire up to a millisecond late; a byte due within half a
+    // millisecond goes now, so the line keeps its pace on average.
     const qint64 now = m_clock.nsecsElapsed();
+    const qint64 horizon = m_pacing ? now + HalfMillisecondNs : now;
 
     QByteArray arrived;
-    while (!m_inbound.empty() && m_inbound.front().dueNs <= now) {
+    qint64 arrivedAt = now;
+    while (!m_inbound.empty() && m_inbound.front().dueNs <= horizon) {
         arrived.append(m_inbound.front().byte);
+        arrivedAt = m_inbound.front().dueNs;
         m_inbound.pop_front();
     }
     if (!arrived.isEmpty()) {
+        // The radio answers from the moment the last byte is in, not from
+        // when this process got round to looking.
         const QByteArray answer = m_radio.receive(arrived);
-        const qint64 ready = now + qint64{m_radio.faults().delayMs} * 1000000;
+        const qint64 ready = arrivedAt + qint64{m_radio.faults().delayMs} * 1000000;
         for (const char byte : answer) {
             qint64 due = ready;
             if (m_pacing) {
@@ -107,7 +114,7 @@ void PtyRadio::pump()
     }
 
     QByteArray leaving;
-    while (!m_outbound.empty() && m_outbound.front().dueNs <= now) {
+    while (!m_outbound.empty() && m_outbound.front().dueNs <= horizon) {
         leaving.append(m_outbound.front().byte);
         m_outbound.pop_front();
     }
@@ -133,7 +140,7 @@ void PtyRadio::schedule()
         return;
     }
     const qint64 waitNs = next - m_clock.nsecsElapsed();
-    m_timer.start(waitNs <= 0 ? 0 : static_cast<int>((waitNs + 999999) / 1000000));
+    m_timer.start(waitNs <= HalfMillisecondNs ? 0 : static_cast<int>((waitNs - HalfMillisecondNs + 999999) / 1000000));
 }
 
 } // namespace wr::sim

@@ -23,6 +23,7 @@ class PtyRadio : public QObject
 
 public:
     static constexpr qint64 ByteTimeNs = 11LL * 1000000000LL / 9600; // ~1.146 ms
+    static constexpr qint64 HalfMillisecondNs = 500000;
 
     PtyRadio(VirtualRadio &radio, bool pacing, QObject *parent = nullptr);
     ~PtyRadio() override;
