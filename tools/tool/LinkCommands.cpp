@@ -75,6 +75,7 @@ QString transfer(AppState &state)
 {
     CloneEngine engine(state);
     QString failure;
+    QString completion;
     int lastProgress = 0;
     CloneDriver::Prompts prompts;
     prompts.askRetry = [&](const QString &, const QString &text) {
@@ -87,7 +88,7 @@ QString transfer(AppState &state)
         if (icon == CloneEngine::MessageIcon::Exclamation)
             failure = QStringLiteral("COM%1: %2").arg(state.PortNumber).arg(text);
         else
-            err() << text << '\n';
+            completion = text; // shown under the finished bar
     };
     CloneDriver driver(engine, prompts);
     QEventLoop loop;
@@ -105,6 +106,8 @@ QString transfer(AppState &state)
         loop.exec();
     if (engine.Finished) {
         drawProgress(lastProgress, true);
+        err() << completion << '\n';
+        err().flush();
         return {};
     }
     return failure.isEmpty() ? QStringLiteral("the transfer was interrupted") : failure;
