@@ -81,7 +81,7 @@ QString transfer(AppState &state)
     prompts.askRetry = [&](const QString &, const QString &text) {
         const bool retry = askRetry(text);
         if (!retry)
-            failure = QStringLiteral("no answer from the radio on COM%1").arg(state.PortNumber);
+            failure = QStringLiteral("no valid answer from the radio on COM%1; check the connection").arg(state.PortNumber);
         return retry;
     };
     prompts.showMessage = [&](CloneEngine::MessageIcon icon, const QString &, const QString &text) {
