@@ -14,6 +14,7 @@
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <ctime>
 
 namespace {
 
@@ -31,7 +32,13 @@ public:
     {
         if (watched == m_target && event->type() == QEvent::Paint && !m_done) {
             m_done = true;
-            std::printf("%.2f\n", static_cast<double>(m_clock.nsecsElapsed()) / 1e6);
+            // Milliseconds since main() and the wall clock in nanoseconds, so
+            // the script can also count the loading before main().
+            timespec now{};
+            clock_gettime(CLOCK_REALTIME, &now);
+            std::printf("%.2f %lld\n", static_cast<double>(m_clock.nsecsElapsed()) / 1e6,
+                        static_cast<long long>(now.tv_sec) * 1000000000LL + now.tv_nsec);
+            std::fflush(stdout);
             QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
         }
         return false;
