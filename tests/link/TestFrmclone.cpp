@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QProgressBar>
+#include <QSerialPort>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -37,6 +38,7 @@ private Q_SLOTS:
     void captions();
     void readFromRadio();
     void unopenablePort();
+    void closingMidReadKeepsRowsAndFreesPort();
 
 private:
     std::unique_ptr<test::Fixture> m_fixture;
@@ -147,6 +149,43 @@ void TestFrmclone::unopenablePort()
     QVERIFY(state.image == before);
     QVERIFY(!state.image.IsModified());
     QCOMPARE(state.PortNumber, quint8{201});
+}
+
+void TestFrmclone::closingMidReadKeepsRowsAndFreesPort()
+{
+    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s));
+    QVERIFY(line.isOpen());
+    test::fillPattern(line.radio.memory(), 14);
+    AppState &state = app();
+    state.LinkDirection = 0;
+    state.PortNumber = 200;
+    test::fillPattern(state.image, 15);
+    state.image.TakeSnapshot();
+    const MemoryImage before = state.image;
+    const BandLimitArray limitsBefore = state.BandLimits;
+
+    frmclone form;
+    QSignalSpy completed(&form, &frmclone::readCompleted);
+    form.show();
+    auto *bar = form.findChild<QProgressBar *>(u"prgPercent"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(bar->value() >= 20, 10000);
+    QTest::keyClick(&form, Qt::Key_Escape);
+    QVERIFY(!form.isVisible());
+    QVERIFY(!form.isTransferring());
+    const int rowsRead = bar->value();
+    QVERIFY(rowsRead < 128);
+
+    QTest::qWait(100); // a reply still on its way must not land anywhere
+    for (int row = 0; row < MemoryImage::RowCount; ++row)
+        QCOMPARE(state.image.row(row), row < rowsRead ? line.radio.memory().row(row) : before.row(row));
+    QVERIFY(state.image.IsModified()); // no snapshot: the old data is what the image is compared with
+    QCOMPARE(state.BandLimits, limitsBefore);
+    QCOMPARE(completed.size(), 0);
+    QVERIFY(MessageBox::history().isEmpty());
+
+    // The port is free again: nobody else could open it while the form held it.
+    QSerialPort port(findPort(200)->devicePath);
+    QVERIFY2(port.open(QIODevice::ReadWrite), qPrintable(port.errorString()));
 }
 
 QTEST_MAIN(TestFrmclone)
