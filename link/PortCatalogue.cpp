@@ -135,7 +135,7 @@ QList<SystemPort> systemPorts()
 QList<PortEntry> portCatalogue()
 {
 #ifdef Q_OS_WIN
-    const bool windowsNames = !hooks().source;
+    const bool windowsNames = true;
 #else
     const bool windowsNames = false;
 #endif

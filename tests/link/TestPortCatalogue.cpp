@@ -158,6 +158,9 @@ void TestPortCatalogue::portList()
 
 void TestPortCatalogue::machineCatalogueUsesHooks()
 {
+#ifdef Q_OS_WIN
+    QSKIP("Windows lists its ports under their COM names");
+#endif
     const QString folder = m_fixture->path(u"links"_s);
     QVERIFY(QDir().mkpath(folder));
     const QString target = m_fixture->path(u"pty"_s);
