@@ -47,6 +47,7 @@ constexpr int twips(int value)
 
 constexpr int StartUpWidth = 13410;
 constexpr int StartUpHeight = 11440;
+constexpr int TreePaneWidth = 158;
 
 // Image address 0x0CD0 (row 205, byte 0) holds 0x20 in a fresh image; the
 // radio software clears it whenever the whole image is handed on.
@@ -96,14 +97,17 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
     m_tree = new QTreeWidget(split);
     m_tree->setObjectName(u"Tree0"_s);
     m_tree->setHeaderHidden(true);
-    m_tree->setRootIsDecorated(true);
+    // A narrow pane: the channel grid needs the width more than the tree,
+    // whose root stays expanded anyway.
+    m_tree->setRootIsDecorated(false);
+    m_tree->setIndentation(14);
     m_mdiArea = new QMdiArea(split);
     m_mdiArea->setObjectName(u"MDIArea"_s);
     split->addWidget(m_tree);
     split->addWidget(m_mdiArea);
     split->setStretchFactor(0, 0);
     split->setStretchFactor(1, 1);
-    split->setSizes({170, twips(StartUpWidth) - 170});
+    split->setSizes({TreePaneWidth, twips(StartUpWidth) - TreePaneWidth});
     setCentralWidget(split);
 
     buildMenus();
