@@ -81,7 +81,8 @@ QString transfer(AppState &state)
     prompts.askRetry = [&](const QString &, const QString &text) {
         const bool retry = askRetry(text);
         if (!retry)
-            failure = QStringLiteral("no valid answer from the radio on COM%1; check the connection").arg(state.PortNumber);
+            failure = QStringLiteral("no valid answer from the radio on COM%1; check the connection")
+                          .arg(state.PortNumber);
         return retry;
     };
     prompts.showMessage = [&](CloneEngine::MessageIcon icon, const QString &, const QString &text) {
@@ -97,7 +98,8 @@ QString transfer(AppState &state)
         drawProgress(value, false);
     });
     QObject::connect(&driver, &CloneDriver::portNumberChanged, [&](int number) {
-        err() << "\ntrying COM" << number << '\n';
+        // The port scan moving on, or the chosen port given back after it.
+        err() << "\nport COM" << number << '\n';
         err().flush();
     });
     QObject::connect(&driver, &CloneDriver::unloaded, &loop, &QEventLoop::quit);
