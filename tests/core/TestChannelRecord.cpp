@@ -30,7 +30,6 @@ private Q_SLOTS:
     void saveRow_data();
     void saveRow();
     void saveEmptyRowErases();
-    void createChannelBytes();
     void saveReadRoundTripInEveryLanguage();
 
 private:
@@ -220,13 +219,6 @@ void TestChannelRecord::saveEmptyRowErases()
     QVERIFY(record.emptyBit());
     QVERIFY(!record.scanSkipBit()); // left as it was
     QCOMPARE(image.ReadByte(0x0CA1), 0xFF);
-}
-
-void TestChannelRecord::createChannelBytes()
-{
-    MemoryImage &image = app().image;
-    CreateChannel(image, 128);
-    QCOMPARE(image.row(127).toHex(), QByteArray("ffffffffffffffffffffffff00004c00"));
 }
 
 void TestChannelRecord::saveReadRoundTripInEveryLanguage()

@@ -25,7 +25,6 @@ private Q_SLOTS:
     void writeFreq();
     void normalise_data();
     void normalise();
-    void normaliseWithErasedLimits_data();
     void normaliseWithErasedLimits();
     void normaliseCommaThroughLocale_data();
     void normaliseCommaThroughLocale();
@@ -149,20 +148,13 @@ void TestCodecs::normalise()
     QCOMPARE(NormaliseTxFreq(typed, DefaultBandLimits), tx);
 }
 
-void TestCodecs::normaliseWithErasedLimits_data()
-{
-    QTest::addColumn<QString>("typed");
-    QTest::newRow("in band") << u"145.5"_s;
-    QTest::newRow("zero") << u"0"_s;
-    QTest::newRow("empty") << QString();
-}
-
 void TestCodecs::normaliseWithErasedLimits()
 {
-    QFETCH(QString, typed);
-    const BandLimitArray erased{};
-    QCOMPARE(NormaliseRxFreq(typed, erased), u"0.00000"_s);
-    QCOMPARE(NormaliseTxFreq(typed, erased), u"0.00000"_s);
+    // A file saved from a fresh image has row 416 erased: every limit is 0.
+    for (const QString &typed : {u"145.5"_s, u"0"_s, QString()}) {
+        QCOMPARE(NormaliseRxFreq(typed, BandLimitArray{}), u"0.00000"_s);
+        QCOMPARE(NormaliseTxFreq(typed, BandLimitArray{}), u"0.00000"_s);
+    }
 }
 
 void TestCodecs::normaliseCommaThroughLocale_data()

@@ -20,8 +20,6 @@ private Q_SLOTS:
     void init() { m_fixture = std::make_unique<test::Fixture>(); }
     void cleanup() { m_fixture.reset(); }
 
-    void freshImageDefaults_data();
-    void freshImageDefaults();
     void freshImageErasedElsewhere();
     void modifiedTracksEveryByte();
     void channelRows_data();
@@ -63,40 +61,6 @@ std::map<int, quint8> freshDefaults()
 }
 
 } // namespace
-
-void TestImage::freshImageDefaults_data()
-{
-    QTest::addColumn<int>("address");
-    QTest::addColumn<int>("value");
-    QTest::newRow("VFO A rx 136.025") << 0x0C80 << 0x13;
-    QTest::newRow("VFO A flags") << 0x0C8E << 0x4C;
-    QTest::newRow("VFO A tones erased") << 0x0C88 << 0xFF;
-    QTest::newRow("VFO B rx 435.025") << 0x0C90 << 0x43;
-    QTest::newRow("row 205 byte 0") << 0x0CD0 << 0x20;
-    QTest::newRow("row 205 byte 15 erased") << 0x0CDF << 0xFF;
-    QTest::newRow("VFO A step 25 kHz") << 0x0CDB << 0x05;
-    QTest::newRow("VFO B step 25 kHz") << 0x0CDC << 0x05;
-    QTest::newRow("VFO offset erased") << 0x0CE0 << 0xFF;
-    QTest::newRow("row 206 byte 14") << 0x0CEE << 0xB5;
-    QTest::newRow("row 193 cleared") << 0x0C17 << 0x00;
-    QTest::newRow("row 218 byte 15") << 0x0DAF << 0x00;
-    QTest::newRow("row 225 byte 7") << 0x0E17 << 0x14;
-    QTest::newRow("band limits erased") << 0x1A00 << 0xFF;
-    QTest::newRow("channel 1") << 0x0000 << 0xFF;
-    QTest::newRow("channel 128") << 0x07FF << 0xFF;
-    QTest::newRow("empty bitmap") << 0x0CA0 << 0xFF;
-}
-
-void TestImage::freshImageDefaults()
-{
-    QFETCH(int, address);
-    QFETCH(int, value);
-    MemoryImage image;
-    image.WriteByte(address, 0x5A);
-    image.InitImage();
-    QCOMPARE(image.ReadByte(address), value);
-    QVERIFY(!image.IsModified());
-}
 
 void TestImage::freshImageErasedElsewhere()
 {

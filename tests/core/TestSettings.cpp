@@ -4,7 +4,6 @@
 
 #include <QFile>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QTest>
 
 using namespace wr;
@@ -26,7 +25,6 @@ private Q_SLOTS:
     void storedNumberReadsAsDecimal();
     void textEndsAtZeroCharacter();
     void unreadableOrUnwritableStore();
-    void defaultStoreIsInTestLocation();
 
 private:
     std::unique_ptr<test::Fixture> m_fixture;
@@ -150,12 +148,6 @@ void TestSettings::unreadableOrUnwritableStore()
     AppState fromGarbage;
     StartUp(fromGarbage, SettingsStore(iniFile()));
     QCOMPARE(fromGarbage.LanguageIndex, 1);
-}
-
-void TestSettings::defaultStoreIsInTestLocation()
-{
-    QVERIFY(QStandardPaths::isTestModeEnabled());
-    QVERIFY(SettingsStore::defaultIniFile().contains(u".qttest"_s));
 }
 
 QTEST_GUILESS_MAIN(TestSettings)
