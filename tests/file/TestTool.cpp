@@ -12,6 +12,7 @@
 #include <memory>
 
 using namespace wr;
+using namespace Qt::Literals::StringLiterals;
 namespace DF = wr::DataFile;
 
 namespace {
@@ -23,28 +24,18 @@ struct Run
     QString err;
 };
 
-Run runTool(const QStringList &arguments, const QString &workingFolder = {})
+// Runs the tool in folder; "@" in an argument stands for the folder.
+Run runTool(QStringList arguments, const QString &folder)
 {
     QProcess process;
-    process.setProgram(QStringLiteral(WRPD6T_TOOL_PATH));
-    process.setArguments(arguments);
-    if (!workingFolder.isEmpty())
-        process.setWorkingDirectory(workingFolder);
-    process.start();
+    arguments.replaceInStrings(u"@"_s, folder);
+    process.setWorkingDirectory(folder);
+    process.start(QStringLiteral(WRPD6T_TOOL_PATH), arguments);
     Run run;
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
-        return run;
-    run.exitCode = process.exitCode();
-    run.out = QString::fromUtf8(process.readAllStandardOutput());
-    run.err = QString::fromUtf8(process.readAllStandardError());
+    if (process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit)
+        run = {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+               QString::fromUtf8(process.readAllStandardError())};
     return run;
-}
-
-MemoryImage freshImage()
-{
-    MemoryImage image;
-    image.InitImage();
-    return image;
 }
 
 // Channel 3: 145.50000 / 146.00000, decode 88.5, encode D023N, high, wide,
@@ -52,15 +43,14 @@ MemoryImage freshImage()
 // narrow, not scanned, BCL off. Both marked in use in the empty bitmap.
 MemoryImage imageWithChannels()
 {
-    MemoryImage image = freshImage();
+    MemoryImage image;
+    image.InitImage();
     image.setRow(2, QByteArray::fromHex("14550000" "14600000" "8508" "2380" "0000" "4D" "00"));
     image.setRow(9, QByteArray::fromHex("43512500" "FFFFFFFF" "FFFF" "FFFF" "0000" "00" "00"));
     image.WriteByte(202, 0, 0xFF & ~(1 << 2)); // channel 3 in use
     image.WriteByte(202, 1, 0xFF & ~(1 << 1)); // channel 10 in use
     return image;
 }
-
-const QString InfoHeader = QStringLiteral("CH.\tRx Freq\tTx Freq\tCTCSS/DCS Dec\tCTCSS/DCS Enc\tTX Power\tW/N\tScan Add\tBCL");
 
 } // namespace
 
@@ -70,251 +60,101 @@ class TestTool : public QObject
 
 private Q_SLOTS:
     void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture = std::make_unique<test::Fixture>(); }
+    void init();
     void cleanup() { m_fixture.reset(); }
 
-    void usageErrors_data();
-    void usageErrors();
-    void helpOnEverySubcommand_data();
-    void helpOnEverySubcommand();
-
-    void newWritesFreshImage();
-    void infoOfFreshImage();
-    void infoListsChannels_data();
-    void infoListsChannels();
-    void dumpPrintsEveryRow();
-    void unpackAndPackRoundTrip();
-    void packRejectsWrongContainer_data();
-    void packRejectsWrongContainer();
-    void badFiles_data();
-    void badFiles();
-    void writeFailure();
+    void exitCodes_data();
+    void exitCodes();
+    void fileCommands();
 
 private:
-    QString path(const char *name) const { return m_fixture->path(QString::fromLatin1(name)); }
-    QString writeDataFile(const char *name, const MemoryImage &image) const
-    {
-        const QString file = path(name);
-        QString errorString;
-        if (!DF::Write(file, image, &errorString))
-            qWarning() << errorString;
-        return file;
-    }
-
     std::unique_ptr<test::Fixture> m_fixture;
 };
 
-void TestTool::usageErrors_data()
+void TestTool::init()
+{
+    m_fixture = std::make_unique<test::Fixture>();
+    const QString folder = m_fixture->folder();
+    QString error;
+    QVERIFY(DF::Write(folder + u"/channels.tw"_s, imageWithChannels(), &error));
+    QVERIFY(test::writeFile(folder + u"/short.bin"_s, DF::Container(imageWithChannels()).chopped(1)));
+    QVERIFY(test::writeFile(folder + u"/png.tw"_s, QByteArray::fromHex("89504E470D0A1A0A0000000D49484452")));
+    QVERIFY(test::writeFile(folder + u"/truncated.tw"_s, test::readFile(folder + u"/channels.tw"_s).first(60)));
+    QVERIFY(test::writeFile(folder + u"/plain"_s, "previous content"));
+}
+
+void TestTool::exitCodes_data()
 {
     QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("message"); // in the standard output for 0, the error output otherwise
 
-    QTest::newRow("no command") << QStringList{};
-    QTest::newRow("unknown command") << QStringList{QStringLiteral("frobnicate")};
-    QTest::newRow("new without file") << QStringList{QStringLiteral("new")};
-    QTest::newRow("info with two files") << QStringList{QStringLiteral("info"), QStringLiteral("a.tw"), QStringLiteral("b.tw")};
-    QTest::newRow("unpack without output") << QStringList{QStringLiteral("unpack"), QStringLiteral("a.tw")};
-    QTest::newRow("language out of range")
-        << QStringList{QStringLiteral("info"), QStringLiteral("--language"), QStringLiteral("3"), QStringLiteral("a.tw")};
-    QTest::newRow("language not a number")
-        << QStringList{QStringLiteral("info"), QStringLiteral("--language"), QStringLiteral("en"), QStringLiteral("a.tw")};
-    QTest::newRow("unknown option") << QStringList{QStringLiteral("dump"), QStringLiteral("--colour"), QStringLiteral("a.tw")};
+    QTest::newRow("no command") << QStringList{} << 2 << u"Usage"_s;
+    QTest::newRow("unknown command") << QStringList{u"frobnicate"_s} << 2 << u"frobnicate"_s;
+    QTest::newRow("file missing") << QStringList{u"unpack"_s, u"@/channels.tw"_s} << 2 << u"missing argument"_s;
+    QTest::newRow("language out of range") << QStringList{u"info"_s, u"-l"_s, u"3"_s, u"@/channels.tw"_s} << 2
+                                           << u"language"_s;
+    QTest::newRow("unknown option") << QStringList{u"dump"_s, u"--colour"_s, u"@/channels.tw"_s} << 2 << u"colour"_s;
+    // Info lists the channels in use; the headers stay English.
+    QTest::newRow("info, English")
+        << QStringList{u"info"_s, u"@/channels.tw"_s} << 0
+        << u"CH.\tRx Freq\tTx Freq\tCTCSS/DCS Dec\tCTCSS/DCS Enc\tTX Power\tW/N\tScan Add\tBCL\n"
+           "3\t145.50000\t146.00000\t88.5\tD023N\tHigh\tWide\tOn\tCarrier\n"
+           "10\t435.12500\t\tNone\t\tLow\tNarrow\tOff\tOff\n"_s;
+    QTest::newRow("info, Simplified Chinese")
+        << QStringList{u"info"_s, u"-l"_s, u"1"_s, u"@/channels.tw"_s} << 0
+        << u"BCL\n3\t145.50000\t146.00000\t88.5\tD023N\t高\t宽\t开\t载波\n10\t435.12500\t\t无\t\t低\t窄\t关\t关\n"_s;
+    QTest::newRow("overview") << QStringList{u"--help"_s} << 0 << u"\n  unpack "_s;
+    QTest::newRow("help of a command") << QStringList{u"pack"_s, u"--help"_s} << 0
+                                       << u"Usage: wrpd6t-tool pack [options] IN.bin OUT.tw\n"_s;
+    QTest::newRow("info of another program's file") << QStringList{u"info"_s, u"@/png.tw"_s} << 1
+                                                    << u"@/png.tw: Incorrect File Type."_s;
+    QTest::newRow("unpack of a truncated file") << QStringList{u"unpack"_s, u"@/truncated.tw"_s, u"@/out.bin"_s}
+                                                << 1 << u"@/truncated.tw: Incorrect File Type."_s;
+    QTest::newRow("dump of a missing file") << QStringList{u"dump"_s, u"@/missing.tw"_s} << 1 << u"@/missing.tw: "_s;
+    QTest::newRow("pack of a short container") << QStringList{u"pack"_s, u"@/short.bin"_s, u"@/out.tw"_s} << 1
+                                               << u"@/short.bin: Incorrect File Type."_s;
+    QTest::newRow("new under a regular file") << QStringList{u"new"_s, u"@/plain/radio.tw"_s} << 1 << u"@/plain"_s;
 }
 
-void TestTool::usageErrors()
+void TestTool::exitCodes()
 {
     QFETCH(QStringList, arguments);
-    const Run run = runTool(arguments, m_fixture->folder());
-    QCOMPARE(run.exitCode, 2);
-    QVERIFY(run.out.isEmpty());
-    QVERIFY(!run.err.isEmpty());
-    // Nothing was created by a refused command.
-    QVERIFY(QDir(m_fixture->folder()).isEmpty());
+    QFETCH(int, exitCode);
+    QFETCH(QString, message);
+    const QString folder = m_fixture->folder();
+    const QStringList before = QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+
+    const Run run = runTool(arguments, folder);
+    QCOMPARE(run.exitCode, exitCode);
+    const QString shown = exitCode == 0 ? run.out : run.err;
+    QVERIFY2(shown.contains(message.replace(u"@"_s, folder)), qPrintable(shown));
+    QVERIFY(exitCode == 0 ? run.err.isEmpty() : run.out.isEmpty());
+    // A refused or failed command creates and changes nothing.
+    QCOMPARE(QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), before);
+    QCOMPARE(test::readFile(folder + u"/plain"_s), QByteArray("previous content"));
 }
 
-void TestTool::helpOnEverySubcommand_data()
+void TestTool::fileCommands()
 {
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<QString>("usage");
+    const QString folder = m_fixture->folder();
+    // "new" writes the fresh radio's 165-byte file.
+    QCOMPARE(runTool({u"new"_s, u"@/fresh.tw"_s}, folder).exitCode, 0);
+    MemoryImage fresh;
+    fresh.InitImage();
+    QCOMPARE(test::readFile(folder + u"/fresh.tw"_s), *DF::Encode(fresh));
 
-    QTest::newRow("new") << QStringLiteral("new") << QStringLiteral("Usage: wrpd6t-tool new [options] FILE.tw\n");
-    QTest::newRow("info") << QStringLiteral("info") << QStringLiteral("Usage: wrpd6t-tool info [options] FILE.tw\n");
-    QTest::newRow("dump") << QStringLiteral("dump") << QStringLiteral("Usage: wrpd6t-tool dump [options] FILE.tw\n");
-    QTest::newRow("unpack") << QStringLiteral("unpack")
-                            << QStringLiteral("Usage: wrpd6t-tool unpack [options] FILE.tw OUT.bin\n");
-    QTest::newRow("pack") << QStringLiteral("pack") << QStringLiteral("Usage: wrpd6t-tool pack [options] IN.bin OUT.tw\n");
-}
+    const Run dump = runTool({u"dump"_s, u"@/channels.tw"_s}, folder);
+    QCOMPARE(dump.exitCode, 0);
+    const QStringList rows = dump.out.split(u'\n');
+    QCOMPARE(rows.size(), 1024 + 1); // every row, each ending in a newline
+    QCOMPARE(rows.at(2), u"0020: 14 55 00 00 14 60 00 00 85 08 23 80 00 00 4D 00"_s);
+    QCOMPARE(rows.at(202), u"0CA0: FB FD FF FF FF FF FF FF FF FF FF FF FF FF FF FF"_s);
 
-void TestTool::helpOnEverySubcommand()
-{
-    QFETCH(QString, command);
-    QFETCH(QString, usage);
-
-    const Run run = runTool({command, QStringLiteral("--help")});
-    QCOMPARE(run.exitCode, 0);
-    QVERIFY2(run.out.startsWith(usage), qPrintable(run.out));
-    QVERIFY(run.out.contains(QStringLiteral("--help")));
-
-    const Run overview = runTool({QStringLiteral("--help")});
-    QCOMPARE(overview.exitCode, 0);
-    QVERIFY(overview.out.contains(QStringLiteral("\n  ") + command + QLatin1Char(' ')));
-}
-
-void TestTool::newWritesFreshImage()
-{
-    const QString file = path("fresh.tw");
-    const Run run = runTool({QStringLiteral("new"), file});
-    QCOMPARE(run.exitCode, 0);
-    const QByteArray written = test::readFile(file);
-    QCOMPARE(written.size(), 165);
-    QCOMPARE(written, *DF::Encode(freshImage()));
-    QCOMPARE(QDir(m_fixture->folder()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("fresh.tw")});
-}
-
-void TestTool::infoOfFreshImage()
-{
-    const Run run = runTool({QStringLiteral("info"), writeDataFile("fresh.tw", freshImage())});
-    QCOMPARE(run.exitCode, 0);
-    QCOMPARE(run.out, InfoHeader + QLatin1Char('\n'));
-    QVERIFY(run.err.isEmpty());
-}
-
-void TestTool::infoListsChannels_data()
-{
-    QTest::addColumn<QStringList>("options");
-    QTest::addColumn<QString>("channel3");
-    QTest::addColumn<QString>("channel10");
-
-    QTest::newRow("default English") << QStringList{} << QStringLiteral("3\t145.50000\t146.00000\t88.5\tD023N\tHigh\tWide\tOn\tCarrier")
-                                     << QStringLiteral("10\t435.12500\t\tNone\t\tLow\tNarrow\tOff\tOff");
-    QTest::newRow("English") << QStringList{QStringLiteral("--language"), QStringLiteral("0")}
-                             << QStringLiteral("3\t145.50000\t146.00000\t88.5\tD023N\tHigh\tWide\tOn\tCarrier")
-                             << QStringLiteral("10\t435.12500\t\tNone\t\tLow\tNarrow\tOff\tOff");
-    QTest::newRow("Simplified Chinese") << QStringList{QStringLiteral("--language"), QStringLiteral("1")}
-                                        << QStringLiteral("3\t145.50000\t146.00000\t88.5\tD023N\t高\t宽\t开\t载波")
-                                        << QStringLiteral("10\t435.12500\t\t无\t\t低\t窄\t关\t关");
-    QTest::newRow("Traditional Chinese") << QStringList{QStringLiteral("-l"), QStringLiteral("2")}
-                                         << QStringLiteral("3\t145.50000\t146.00000\t88.5\tD023N\t高\t寬\t開\t載波")
-                                         << QStringLiteral("10\t435.12500\t\t無\t\t低\t窄\t關\t關");
-}
-
-void TestTool::infoListsChannels()
-{
-    QFETCH(QStringList, options);
-    QFETCH(QString, channel3);
-    QFETCH(QString, channel10);
-
-    const QString file = writeDataFile("channels.tw", imageWithChannels());
-    const Run run = runTool(QStringList{QStringLiteral("info")} + options + QStringList{file});
-    QCOMPARE(run.exitCode, 0);
-    // The headers stay English whatever the language of the texts.
-    QCOMPARE(run.out.split(QLatin1Char('\n')), (QStringList{InfoHeader, channel3, channel10, QString()}));
-}
-
-void TestTool::dumpPrintsEveryRow()
-{
-    const Run run = runTool({QStringLiteral("dump"), writeDataFile("channels.tw", imageWithChannels())});
-    QCOMPARE(run.exitCode, 0);
-    QVERIFY(run.out.endsWith(QLatin1Char('\n')));
-    const QStringList rows = run.out.chopped(1).split(QLatin1Char('\n'));
-    QCOMPARE(rows.size(), 1024);
-    QCOMPARE(rows.at(0), QStringLiteral("0000: FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF"));
-    QCOMPARE(rows.at(2), QStringLiteral("0020: 14 55 00 00 14 60 00 00 85 08 23 80 00 00 4D 00"));
-    QCOMPARE(rows.at(200), QStringLiteral("0C80: 13 60 25 00 13 60 25 00 FF FF FF FF 00 00 4C 00"));
-    QCOMPARE(rows.at(202), QStringLiteral("0CA0: FB FD FF FF FF FF FF FF FF FF FF FF FF FF FF FF"));
-    QCOMPARE(rows.at(1023), QStringLiteral("3FF0: FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF"));
-}
-
-void TestTool::unpackAndPackRoundTrip()
-{
-    const MemoryImage image = imageWithChannels();
-    const QString file = writeDataFile("channels.tw", image);
-    const QString container = path("channels.bin");
-    const QString repacked = path("repacked.tw");
-
-    QCOMPARE(runTool({QStringLiteral("unpack"), file, container}).exitCode, 0);
-    QCOMPARE(test::readFile(container), DF::Container(image));
-
-    QCOMPARE(runTool({QStringLiteral("pack"), container, repacked}).exitCode, 0);
-    QCOMPARE(test::readFile(repacked), test::readFile(file));
-}
-
-void TestTool::packRejectsWrongContainer_data()
-{
-    QTest::addColumn<QByteArray>("container");
-
-    const QByteArray good = DF::Container(freshImage());
-    QTest::newRow("one byte short") << good.chopped(1);
-    QTest::newRow("one byte long") << good + '\xFF';
-    QTest::newRow("wrong marker") << QByteArray(good).replace(0, 6, "XDZUNK");
-    QTest::newRow("empty") << QByteArray();
-}
-
-void TestTool::packRejectsWrongContainer()
-{
-    QFETCH(QByteArray, container);
-    const QString input = path("input.bin");
-    const QString output = path("out.tw");
-    QVERIFY(test::writeFile(input, container));
-
-    const Run run = runTool({QStringLiteral("pack"), input, output});
-    QCOMPARE(run.exitCode, 1);
-    QVERIFY(run.err.contains(QStringLiteral("Incorrect File Type.")));
-    QVERIFY(run.err.contains(input));
-    QVERIFY(!QFile::exists(output));
-}
-
-void TestTool::badFiles_data()
-{
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<QByteArray>("content");
-
-    const QByteArray garbage = QByteArray::fromHex("89504E470D0A1A0A0000000D4948445200000010");
-    const QByteArray fresh = *DF::Encode(freshImage());
-    for (const char *command : {"info", "dump", "unpack"}) {
-        const QString name = QString::fromLatin1(command);
-        QTest::addRow("%s of another program's file", command) << name << garbage;
-        QTest::addRow("%s of a truncated file", command) << name << fresh.first(100);
-        QTest::addRow("%s of an empty file", command) << name << QByteArray();
-    }
-}
-
-void TestTool::badFiles()
-{
-    QFETCH(QString, command);
-    QFETCH(QByteArray, content);
-
-    const QString file = path("bad.tw");
-    QVERIFY(test::writeFile(file, content));
-    QStringList arguments{command, file};
-    if (command == u"unpack")
-        arguments.append(path("out.bin"));
-
-    const Run run = runTool(arguments);
-    QCOMPARE(run.exitCode, 1);
-    QVERIFY(run.out.isEmpty());
-    QVERIFY2(run.err.contains(QStringLiteral("Incorrect File Type.")), qPrintable(run.err));
-    QVERIFY(run.err.contains(file));
-    QVERIFY(!QFile::exists(path("out.bin")));
-
-    // A file that cannot be read at all gives the system's reason.
-    const QString missing = path("missing.tw");
-    arguments[1] = missing;
-    const Run missingRun = runTool(arguments);
-    QCOMPARE(missingRun.exitCode, 1);
-    QVERIFY(missingRun.err.contains(missing));
-    QVERIFY(!missingRun.err.contains(QStringLiteral("Incorrect File Type.")));
-}
-
-void TestTool::writeFailure()
-{
-    // A regular file where the folder should be stops root too.
-    const QString plain = path("plain");
-    QVERIFY(test::writeFile(plain, "previous content"));
-
-    const Run run = runTool({QStringLiteral("new"), plain + QStringLiteral("/radio.tw")});
-    QCOMPARE(run.exitCode, 1);
-    QVERIFY(run.err.contains(plain));
-    QCOMPARE(test::readFile(plain), QByteArray("previous content"));
+    QCOMPARE(runTool({u"unpack"_s, u"@/channels.tw"_s, u"@/channels.bin"_s}, folder).exitCode, 0);
+    QCOMPARE(test::readFile(folder + u"/channels.bin"_s), DF::Container(imageWithChannels()));
+    QCOMPARE(runTool({u"pack"_s, u"@/channels.bin"_s, u"@/repacked.tw"_s}, folder).exitCode, 0);
+    QCOMPARE(test::readFile(folder + u"/repacked.tw"_s), test::readFile(folder + u"/channels.tw"_s));
 }
 
 QTEST_GUILESS_MAIN(TestTool)

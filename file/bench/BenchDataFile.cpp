@@ -1,5 +1,5 @@
 // Times packing and unpacking of whole data files. Not a test: run it by hand
-// (build/tests/file/bench_datafile [rounds]) and read the numbers.
+// (build/file/wrpd6t-bench-datafile [rounds]) and read the numbers.
 
 #include "file/DataFile.h"
 
