@@ -7,48 +7,38 @@
 
 #include <QDir>
 #include <QFile>
-#include <QList>
-#include <QString>
-
-#include <memory>
 
 namespace wr::test {
 
-// A virtual radio on a pseudo-terminal in this process, listed as COM<port>
+// A virtual radio on a pseudo-terminal in this process, listed as COM200
 // through a link in a private serial-ports folder; the system's own serial
-// devices are hidden so a port scan only sees the radios of the test.
+// devices are hidden so a port scan only sees the radio of the test.
 class RadioOnPty
 {
 public:
-    RadioOnPty(const QString &folder, sim::RadioFaults faults = {}, int port = 200)
+    explicit RadioOnPty(const QString &folder, sim::RadioFaults faults = {})
         : radio(faults)
         , m_line(radio, false)
-        , m_folder(folder)
-        , m_port(port)
     {
         QDir().mkpath(folder);
         setSerialPortsFolder(folder);
         setSystemPortSource([] { return QList<SystemPort>{}; });
-        m_open = m_line.open() && QFile::link(m_line.devicePath(), linkPath());
+        m_open = m_line.open() && QFile::link(m_line.devicePath(), folder + QStringLiteral("/com200"));
     }
-
     ~RadioOnPty()
     {
-        QFile::remove(linkPath());
+        QFile::remove(serialPortsFolder() + QStringLiteral("/com200"));
         setSerialPortsFolder(QString());
         setSystemPortSource({});
     }
 
     bool isOpen() const { return m_open; }
     QString errorString() const { return m_line.errorString(); }
-    QString linkPath() const { return m_folder + QStringLiteral("/com%1").arg(m_port); }
 
     sim::VirtualRadio radio;
 
 private:
     sim::PtyRadio m_line;
-    QString m_folder;
-    int m_port;
     bool m_open = false;
 };
 

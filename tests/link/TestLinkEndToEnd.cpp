@@ -1,3 +1,6 @@
+// Whole transfers through the real serial driver, a real pseudo-terminal and
+// the virtual radio, with each way the radio can misbehave.
+
 #include "LinkTestData.h"
 #include "RadioOnPty.h"
 #include "TestSupport.h"
@@ -15,43 +18,6 @@ using namespace Qt::Literals::StringLiterals;
 using wr::sim::RadioFaults;
 
 Q_DECLARE_METATYPE(wr::sim::RadioFaults)
-
-namespace {
-
-struct Outcome
-{
-    bool finished = false;
-    QStringList questions;
-    QStringList messages;
-    QList<int> portChanges;
-};
-
-// One transfer through the real serial driver and a real pseudo-terminal.
-Outcome runTransfer(QList<bool> answers)
-{
-    Outcome outcome;
-    CloneEngine engine(app());
-    CloneDriver::Prompts prompts;
-    prompts.askRetry = [&](const QString &, const QString &text) {
-        outcome.questions.append(text);
-        return answers.isEmpty() ? false : answers.takeFirst();
-    };
-    prompts.showMessage = [&](CloneEngine::MessageIcon, const QString &, const QString &text) {
-        outcome.messages.append(text);
-    };
-    CloneDriver driver(engine, prompts);
-    QObject::connect(&driver, &CloneDriver::portNumberChanged, [&](int port) { outcome.portChanges.append(port); });
-    QEventLoop loop;
-    QObject::connect(&driver, &CloneDriver::unloaded, &loop, &QEventLoop::quit);
-    QTimer::singleShot(60000, &loop, &QEventLoop::quit);
-    driver.start();
-    if (driver.isRunning())
-        loop.exec();
-    outcome.finished = engine.Finished && !driver.isRunning();
-    return outcome;
-}
-
-} // namespace
 
 class TestLinkEndToEnd : public QObject
 {
@@ -71,86 +37,85 @@ private:
 
 void TestLinkEndToEnd::transfer_data()
 {
-    QTest::addColumn<int>("direction");
+    QTest::addColumn<bool>("read");
     QTest::addColumn<RadioFaults>("faults");
-    QTest::addColumn<QList<bool>>("answers");
-    QTest::addColumn<bool>("completes");
+    QTest::addColumn<bool>("retry"); // the answer to the lost-connection question
+    QTest::addColumn<int>("rowsMoved"); // 188 read or 187 written when complete
     QTest::addColumn<int>("questions");
-    QTest::addColumn<int>("rowsMoved"); // before the failure, when it fails
 
-    QTest::newRow("read gives exactly the radio's rows") << 0 << RadioFaults{} << QList<bool>{} << true << 0 << 188;
-    QTest::newRow("write leaves the image's rows in the radio") << 1 << RadioFaults{} << QList<bool>{} << true << 0
-                                                               << 187;
-    RadioFaults noisy;
-    noisy.noiseBeforeAck = true;
-    QTest::newRow("read: stray bytes before the ACK") << 0 << noisy << QList<bool>{} << true << 0 << 188;
-    RadioFaults drop;
-    drop.dropReplyRow = 200;
-    QTest::newRow("write: one lost reply is resent") << 1 << drop << QList<bool>{} << true << 0 << 187;
-    RadioFaults wrongId;
-    wrongId.wrongId = true;
-    QTest::newRow("read: wrong identification, Cancel, image untouched")
-        << 0 << wrongId << QList<bool>{} << false << 1 << 0;
-    RadioFaults hangUp;
-    hangUp.hangUpAfterRows = 20;
-    QTest::newRow("read: radio hangs up, Cancel keeps 20 rows") << 0 << hangUp << QList<bool>{} << false << 1 << 20;
-    QTest::newRow("read: radio hangs up, Retry completes") << 0 << hangUp << QList<bool>{true} << true << 1 << 188;
-    RadioFaults nak;
-    nak.nakWrites = true;
-    QTest::newRow("write: refused rows, radio untouched") << 1 << nak << QList<bool>{} << false << 1 << 0;
-    RadioFaults silent;
+    RadioFaults silent, wrongId, noisy, drop, delay, hangUp, nak;
     silent.silent = true;
-    QTest::newRow("read: silent radio, scan, Cancel") << 0 << silent << QList<bool>{} << false << 1 << 0;
+    wrongId.wrongId = true;
+    noisy.noiseBeforeAck = true;
+    drop.dropReplyRow = 200;
+    delay.delayMs = 20;
+    hangUp.hangUpAfterRows = 20;
+    nak.nakWrites = true;
+    QTest::newRow("read") << true << RadioFaults{} << false << 188 << 0;
+    QTest::newRow("write") << false << RadioFaults{} << false << 187 << 0;
+    QTest::newRow("silent: scan, Cancel") << true << silent << false << 0 << 1;
+    QTest::newRow("wrong id: Cancel") << true << wrongId << false << 0 << 1;
+    QTest::newRow("noise before the ACK") << true << noisy << false << 188 << 0;
+    QTest::newRow("dropped reply is resent") << false << drop << false << 187 << 0;
+    QTest::newRow("late replies") << true << delay << false << 188 << 0;
+    QTest::newRow("hang-up, Cancel keeps 20 rows") << true << hangUp << false << 20 << 1;
+    QTest::newRow("hang-up, Retry completes") << true << hangUp << true << 188 << 1;
+    QTest::newRow("refused writes: radio untouched") << false << nak << false << 0 << 1;
 }
 
 void TestLinkEndToEnd::transfer()
 {
-    QFETCH(int, direction);
+    QFETCH(bool, read);
     QFETCH(RadioFaults, faults);
-    QFETCH(QList<bool>, answers);
-    QFETCH(bool, completes);
-    QFETCH(int, questions);
+    QFETCH(bool, retry);
     QFETCH(int, rowsMoved);
-    const bool read = direction == 0;
+    QFETCH(int, questions);
+    const bool completes = rowsMoved >= 187;
 
     test::RadioOnPty line(m_fixture->path(u"serial-ports"_s), faults);
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     test::fillPattern(line.radio.memory(), 7);
     const MemoryImage radioBefore = line.radio.memory();
-
     AppState &state = app();
     state.LanguageIndex = 0;
-    state.LinkDirection = static_cast<quint8>(direction);
+    state.LinkDirection = read ? 0 : 1;
     state.PortNumber = 200;
     test::fillPattern(state.image, 8);
     state.image.TakeSnapshot();
     const MemoryImage imageBefore = state.image;
 
-    const Outcome outcome = runTransfer(answers);
+    CloneEngine engine(state);
+    QStringList asked, shown;
+    CloneDriver::Prompts prompts;
+    prompts.askRetry = [&](const QString &, const QString &text) {
+        asked.append(text);
+        return retry;
+    };
+    prompts.showMessage = [&](CloneEngine::MessageIcon, const QString &, const QString &text) { shown.append(text); };
+    CloneDriver driver(engine, prompts);
+    QEventLoop loop;
+    connect(&driver, &CloneDriver::unloaded, &loop, &QEventLoop::quit);
+    QTimer::singleShot(60000, &loop, &QEventLoop::quit);
+    driver.start();
+    if (driver.isRunning())
+        loop.exec();
 
-    QCOMPARE(outcome.finished, completes);
-    QCOMPARE(outcome.questions.size(), questions);
+    QVERIFY(!driver.isRunning());
+    QCOMPARE(engine.Finished, completes);
+    QCOMPARE(asked.size(), questions);
     QCOMPARE(int{state.PortNumber}, 200);
-    if (completes)
-        QCOMPARE(outcome.messages, QStringList{read ? u"Reading completed!"_s : u"Writing completed!"_s});
-    else
-        QVERIFY(outcome.messages.isEmpty());
-
+    QCOMPARE(shown, completes ? QStringList{read ? u"Reading completed!"_s : u"Writing completed!"_s} : QStringList{});
     // Row by row: what moved is an exact copy, everything else is as it was.
     const QList<int> moved = test::transferredRows(read).first(rowsMoved);
     for (int row = 0; row < MemoryImage::RowCount; ++row) {
-        const bool copied = moved.contains(row);
         if (read)
-            QCOMPARE(state.image.row(row), copied ? radioBefore.row(row) : imageBefore.row(row));
+            QCOMPARE(state.image.row(row), moved.contains(row) ? radioBefore.row(row) : imageBefore.row(row));
         else
-            QCOMPARE(line.radio.memory().row(row), copied ? imageBefore.row(row) : radioBefore.row(row));
+            QCOMPARE(line.radio.memory().row(row), moved.contains(row) ? imageBefore.row(row) : radioBefore.row(row));
     }
-    if (read)
-        QCOMPARE(state.image.IsModified(), !completes && rowsMoved > 0);
-    else
-        QVERIFY(state.image == imageBefore);
-    if (completes)
-        QCOMPARE(line.radio.sessionsEnded(), 1); // the radio saw "END" and left clone mode
+    QCOMPARE(state.image.IsModified(), read && !completes && rowsMoved > 0);
+    QVERIFY(read || state.image == imageBefore);
+    QCOMPARE(line.radio.sessionsEnded(), completes ? 1 : 0); // "END" took the radio out of clone mode
 }
 
 QTEST_GUILESS_MAIN(TestLinkEndToEnd)
