@@ -16,6 +16,9 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QStyle>
+#include <QStyleOptionHeader>
+#include <QStringListModel>
 #include <QTableWidget>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -168,6 +171,63 @@ private:
     QTableWidget *m_grid;
 };
 
+// The grid's column header. Qt's header measures each caption in bold, the
+// look of a highlighted section; this grid never highlights one, so captions
+// are measured in the font they are drawn in. That also spares loading bold
+// fonts (a Chinese one included) only to measure.
+class ChannelHeader final : public QHeaderView
+{
+public:
+    explicit ChannelHeader(QWidget *parent)
+        : QHeaderView(Qt::Horizontal, parent)
+    {
+    }
+
+protected:
+    QSize sectionSizeFromContents(int logicalIndex) const override
+    {
+        const QVariant hint = model()->headerData(logicalIndex, orientation(), Qt::SizeHintRole);
+        if (hint.isValid())
+            return hint.toSize();
+        QStyleOptionHeader option;
+        initStyleOption(&option);
+        option.section = logicalIndex;
+        const QVariant font = model()->headerData(logicalIndex, orientation(), Qt::FontRole);
+        option.fontMetrics = QFontMetrics(font.canConvert<QFont>() ? font.value<QFont>() : this->font());
+        option.text = model()->headerData(logicalIndex, orientation(), Qt::DisplayRole).toString();
+        return style()->sizeFromContents(QStyle::CT_HeaderSection, &option, QSize(), this);
+    }
+};
+
+// Filling the grid touches about a thousand cells, and the view would work
+// out each one's place on the screen as it changes. While a QuietFill lives
+// the model keeps still; at its end the view hears of the whole grid once.
+// Only cell contents may change under it, never the number of rows or
+// columns.
+class QuietFill
+{
+public:
+    explicit QuietFill(QTableWidget *grid)
+        : m_grid(grid)
+        , m_blocker(grid->model())
+    {
+    }
+    QuietFill(const QuietFill &) = delete;
+    QuietFill &operator=(const QuietFill &) = delete;
+
+    ~QuietFill()
+    {
+        m_blocker.unblock();
+        QAbstractItemModel *model = m_grid->model();
+        if (model->rowCount() > 0 && model->columnCount() > 0)
+            Q_EMIT model->dataChanged(model->index(0, 0), model->index(model->rowCount() - 1, model->columnCount() - 1));
+    }
+
+private:
+    QTableWidget *m_grid;
+    QSignalBlocker m_blocker;
+};
+
 } // namespace
 
 frmChannel::frmChannel(QWidget *parent)
@@ -178,6 +238,8 @@ frmChannel::frmChannel(QWidget *parent)
 
     m_grid = new QTableWidget(this);
     m_grid->setObjectName(QStringLiteral("ChannelGrid"));
+    m_grid->setHorizontalHeader(new ChannelHeader(m_grid));
+    m_grid->horizontalHeader()->setTextElideMode(Qt::ElideNone);
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
     m_grid->setSelectionBehavior(QAbstractItemView::SelectItems);
@@ -208,6 +270,8 @@ frmChannel::frmChannel(QWidget *parent)
     m_combo[0]->setInsertPolicy(QComboBox::NoInsert);
     m_combo[0]->setCompleter(nullptr);
     m_combo[0]->setMaxVisibleItems(16);
+    // Its words change with the column, and so does the width it needs.
+    m_combo[1]->setSizeAdjustPolicy(QComboBox::AdjustToContents);
 
     // Only the key filters put text into an editor: no pasting, dropping or
     // input-method composition.
@@ -224,7 +288,10 @@ frmChannel::frmChannel(QWidget *parent)
     m_combo[0]->lineEdit()->setAcceptDrops(false);
     m_combo[0]->lineEdit()->installEventFilter(this);
 
-    m_combo[0]->addItems(app().ToneTable);
+    // The 261 tones sit in a plain string list: a combo's own item model
+    // would build an item object for each of them, a cost paid at every
+    // start-up for an editor that opens only when a tone is edited.
+    m_combo[0]->setModel(new QStringListModel(app().ToneTable, m_combo[0]));
 
     m_grid->installEventFilter(this);
     m_grid->viewport()->installEventFilter(this);
@@ -233,9 +300,6 @@ frmChannel::frmChannel(QWidget *parent)
     connect(m_grid, &QTableWidget::currentCellChanged, this, [this] { SyncGridCursor(); });
     connect(m_grid->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { commitAllOpen(); });
     connect(m_grid->horizontalScrollBar(), &QScrollBar::valueChanged, this, [this] { commitAllOpen(); });
-
-    m_grid->horizontalHeader()->setFixedHeight(
-        std::max(twipsToPixels(HeaderTwips), m_grid->horizontalHeader()->sizeHint().height()));
 
     RefreshChannelOP();
     RefreshChannel();
@@ -308,19 +372,22 @@ void frmChannel::RefreshChannelOP()
     const QColor fixedBackground = m_grid->palette().color(QPalette::Button);
     QFont numberFont = m_grid->font();
     numberFont.setPointSize(NumberPointSize);
-    for (int row = 0; row < rows; ++row) {
-        for (int column = 0; column < ColumnCount; ++column) {
-            if (!m_grid->item(row, column))
-                setCell(row, column, QString());
+    {
+        const QuietFill quiet(m_grid);
+        for (int row = 0; row < rows; ++row) {
+            for (int column = 0; column < ColumnCount; ++column) {
+                if (!m_grid->item(row, column))
+                    setCell(row, column, QString());
+            }
         }
-    }
-    for (int row = 1; row < rows; ++row) {
-        QTableWidgetItem *number = m_grid->item(row, ColNumber);
-        number->setText(QString::number(row));
-        number->setFont(numberFont);
-        number->setForeground(QColor(Qt::blue));
-        number->setBackground(fixedBackground);
-        number->setTextAlignment(Qt::AlignCenter);
+        for (int row = 1; row < rows; ++row) {
+            QTableWidgetItem *number = m_grid->item(row, ColNumber);
+            number->setText(QString::number(row));
+            number->setFont(numberFont);
+            number->setForeground(QColor(Qt::blue));
+            number->setBackground(fixedBackground);
+            number->setTextAlignment(Qt::AlignCenter);
+        }
     }
     // Row 0 carries the captions; the horizontal header shows them fixed
     // above the rows.
@@ -353,27 +420,39 @@ void frmChannel::SetupChannelGrid()
         header->setText(caption);
         header->setFont(headerFont);
         header->setForeground(HeaderColour);
-        header->setTextAlignment(Qt::AlignCenter);
+        // A long caption breaks between its words rather than widening its
+        // column past the window.
+        header->setTextAlignment(Qt::Alignment::fromInt(Qt::AlignCenter | Qt::TextWordWrap));
     }
     fitColumns();
 }
 
-// Column widths as laid out in twips, widened where a caption or a value word
-// of the current language would not fit, so no text is cut off.
+// Column widths as laid out in twips, widened where a value word of the
+// current language or a word of a caption would not fit, so no text is cut
+// off. A caption wider than its column goes onto two lines (the header grows
+// if they need more than row 0's height); a list column's combo may stand out
+// over its neighbour while it is open (see placeEditor), so the column only
+// has to fit its words.
 void frmChannel::fitColumns()
 {
     const int language = app().LanguageIndex;
-    const QFontMetrics headerMetrics(m_grid->horizontalHeader()->font());
+    QHeaderView *header = m_grid->horizontalHeader();
+    const QFontMetrics headerMetrics(header->font());
     const QFontMetrics cellMetrics(m_grid->font());
     QFont numberFont = m_grid->font();
     numberFont.setPointSize(NumberPointSize);
     const QFontMetrics numberMetrics(numberFont);
     constexpr int Padding = 14;
     constexpr int ComboArrow = 24;
+    const int headerMargin = header->style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, header);
+    const int headerPadding = 2 * headerMargin + 4;
 
+    int captionHeight = headerMetrics.height();
     for (int column = 0; column < ColumnCount; ++column) {
         int width = twipsToPixels(ColumnTwips[static_cast<std::size_t>(column)]);
-        width = std::max(width, headerMetrics.horizontalAdvance(headerText(column, language)) + Padding);
+        const QString caption = headerText(column, language);
+        for (const QString &word : caption.split(u' ', Qt::SkipEmptyParts))
+            width = std::max(width, headerMetrics.horizontalAdvance(word) + headerPadding);
         switch (column) {
         case ColNumber:
             width = std::max(width, numberMetrics.horizontalAdvance(QStringLiteral("128")) + Padding);
@@ -389,11 +468,24 @@ void frmChannel::fitColumns()
             break;
         default:
             for (const Triple *word : columnChoices(column))
-                width = std::max(width, cellMetrics.horizontalAdvance(word->in(language)) + Padding + ComboArrow);
+                width = std::max(width, cellMetrics.horizontalAdvance(word->in(language)) + Padding);
             break;
         }
         m_grid->setColumnWidth(column, width);
+        const QRect wrapped = headerMetrics.boundingRect(QRect(0, 0, width - headerPadding, 1000),
+                                                         Qt::AlignCenter | Qt::TextWordWrap, caption);
+        captionHeight = std::max(captionHeight, wrapped.height());
     }
+    // Row 0's height, or the captions' if they need more.
+    header->setFixedHeight(std::max(twipsToPixels(HeaderTwips), captionHeight + 2 * headerMargin));
+}
+
+int frmChannel::gridWidthLacking() const
+{
+    int columns = 0;
+    for (int column = 0; column < m_grid->columnCount(); ++column)
+        columns += m_grid->columnWidth(column);
+    return std::max(0, columns - m_grid->viewport()->width());
 }
 
 void frmChannel::RefreshChannel()
@@ -408,10 +500,9 @@ void frmChannel::RefreshData()
     discardOpenEditors();
     const int language = app().LanguageIndex;
     const int rows = lastRow();
-    m_grid->setUpdatesEnabled(false);
+    const QuietFill quiet(m_grid);
     for (int channel = 1; channel <= rows; ++channel)
         writeRow(channel, ReadChannelTexts(app().image, channel, language));
-    m_grid->setUpdatesEnabled(true);
 }
 
 void frmChannel::SaveData()
@@ -575,6 +666,21 @@ void frmChannel::placeEditor(QWidget *editor)
     editor->setGeometry(m_grid->visualRect(index));
 }
 
+// A list combo wider than its cell (its word plus the arrow) stands out to the
+// right, or to the left at the grid's edge, so its word is never cut off.
+void frmChannel::widenToContents(QComboBox *combo)
+{
+    QRect area = combo->geometry();
+    const int wanted = combo->sizeHint().width();
+    if (wanted <= area.width())
+        return;
+    area.setWidth(wanted);
+    const int overhang = area.right() - (m_grid->viewport()->width() - 1);
+    if (overhang > 0)
+        area.moveLeft(std::max(0, area.left() - overhang));
+    combo->setGeometry(area);
+}
+
 void frmChannel::ShowCellEditor()
 {
     commitAllOpen(); // an editor still open belongs to the previous cell
@@ -620,6 +726,7 @@ void frmChannel::ShowCellEditor()
         for (const Triple *word : columnChoices(m_editColumn))
             combo->addItem(word->in(language));
         combo->setCurrentIndex(combo->findText(m_savedCellText));
+        widenToContents(combo);
         combo->show();
         combo->setFocus(Qt::OtherFocusReason);
         break;

@@ -61,6 +61,9 @@ public:
     void commitOpenEditor();
 
     QTableWidget *grid() const;
+    // How many pixels the grid's viewport lacks to show every column whole
+    // (0 when they all fit).
+    int gridWidthLacking() const;
 
     // Text of a grid cell; "" outside the grid.
     QString cellText(int row, int column) const;
@@ -87,6 +90,7 @@ private:
 
     void forceEditableColumn();
     void placeEditor(QWidget *editor);
+    void widenToContents(QComboBox *combo);
     void hideEditor(QWidget *editor);
     void discardOpenEditors();
     bool isOpen(const QWidget *editor) const;

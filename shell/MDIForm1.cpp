@@ -22,9 +22,10 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
+#include <QShowEvent>
 #include <QSplitter>
 #include <QStatusBar>
-#include <QStyle>
 #include <QTime>
 #include <QTimer>
 #include <QToolBar>
@@ -253,23 +254,23 @@ void MDIForm1::buildToolBar()
     struct Button
     {
         const char16_t *key;
-        QStyle::StandardPixmap icon;
+        CommandIcon icon;
     };
     // Key and tool tip are the same English word in every language.
     const QList<QList<Button>> groups = {
-        {{u"New", QStyle::SP_FileIcon},
-         {u"Open", QStyle::SP_DialogOpenButton},
-         {u"Save", QStyle::SP_DialogSaveButton},
-         {u"Print", QStyle::SP_FileDialogContentsView}},
-        {{u"Read", QStyle::SP_ArrowDown}, {u"Write", QStyle::SP_ArrowUp}},
-        {{u"About", QStyle::SP_MessageBoxInformation}},
+        {{u"New", CommandIcon::New},
+         {u"Open", CommandIcon::Open},
+         {u"Save", CommandIcon::Save},
+         {u"Print", CommandIcon::Print}},
+        {{u"Read", CommandIcon::Read}, {u"Write", CommandIcon::Write}},
+        {{u"About", CommandIcon::About}},
     };
     for (const QList<Button> &group : groups) {
         if (group.constData() != groups.first().constData())
             m_toolBar->addSeparator();
         for (const Button &button : group) {
             const QString key = QString::fromUtf16(button.key);
-            QAction *action = m_toolBar->addAction(style()->standardIcon(button.icon), key);
+            QAction *action = m_toolBar->addAction(CommandIconFor(button.icon), key);
             action->setObjectName(key);
             action->setToolTip(key);
             m_toolBar->widgetForAction(action)->setObjectName(key);
@@ -305,10 +306,10 @@ void MDIForm1::buildTree()
     root->setIcon(0, AppIcon());
     auto *item1 = new QTreeWidgetItem(root);
     item1->setData(0, Qt::UserRole, u"Item1"_s);
-    item1->setIcon(0, style()->standardIcon(QStyle::SP_FileDialogDetailedView));
+    item1->setIcon(0, CommandIconFor(CommandIcon::ChannelList));
     auto *item2 = new QTreeWidgetItem(root);
     item2->setData(0, Qt::UserRole, u"Item2"_s);
-    item2->setIcon(0, style()->standardIcon(QStyle::SP_FileDialogInfoView));
+    item2->setIcon(0, CommandIconFor(CommandIcon::OptionalFeatures));
     m_tree->expandItem(root);
     m_tree->setCurrentItem(item1);
     connect(m_tree, &QTreeWidget::itemClicked, this, &MDIForm1::Tree0_NodeClick, Qt::UniqueConnection);
@@ -605,6 +606,29 @@ void MDIForm1::openMemoryMap()
 {
     // frmMemoryMap (raw image view, beside this window) opens here; the
     // channel list has already saved its grid.
+}
+
+void MDIForm1::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    if (m_shownOnce || event->spontaneous())
+        return;
+    m_shownOnce = true;
+    // The prescribed start-up width is the least the window opens with. If
+    // the channel list's columns (fitted to the language's captions and
+    // words, or to a larger desktop font) do not all fit in it, the window
+    // opens just wide enough to show them, as far as the screen allows. The
+    // layout is already done here and the window is not on the screen yet,
+    // so it appears once, at its final size.
+    if (!m_channels || isMaximized() || isFullScreen())
+        return;
+    const int lacking = m_channels->gridWidthLacking();
+    if (lacking <= 0)
+        return;
+    const int available = screen() ? screen()->availableGeometry().width() : width();
+    const int wanted = std::min(width() + lacking, available);
+    if (wanted > width())
+        resize(wanted, height());
 }
 
 void MDIForm1::closeEvent(QCloseEvent *event)

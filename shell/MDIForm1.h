@@ -105,6 +105,7 @@ private:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     std::unique_ptr<SettingsStore> m_ownedSettings;
@@ -118,6 +119,7 @@ private:
     QTimer *m_time = nullptr;
     QList<QLabel *> m_panels; // MSBar panels 1-5
     QList<std::pair<QAction *, Triple>> m_captions;
+    bool m_shownOnce = false;
 };
 
 } // namespace wr

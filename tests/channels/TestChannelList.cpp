@@ -559,6 +559,56 @@ private Q_SLOTS:
         QCOMPARE(open->geometry().topLeft(), cellRect.topLeft());
     }
 
+    void listComboShowsItsWordWhole_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<bool>("gridEdgeAtColumn"); // the grid ends where the column does
+
+        QTest::newRow("English BCL, room to the right") << int(English) << int(Bcl) << false;
+        QTest::newRow("English BCL at the grid's edge") << int(English) << int(Bcl) << true;
+        QTest::newRow("English W/N") << int(English) << int(Width) << false;
+        QTest::newRow("Simplified BCL at the grid's edge") << int(SimplifiedChinese) << int(Bcl) << true;
+        QTest::newRow("Traditional scan add") << int(TraditionalChinese) << int(Scan) << false;
+    }
+
+    // A list column is as wide as its words, not its words plus the combo's
+    // arrow; the open combo stands out of the cell instead, and stays inside
+    // the grid.
+    void listComboShowsItsWordWhole()
+    {
+        QFETCH(int, language);
+        QFETCH(int, column);
+        QFETCH(bool, gridEdgeAtColumn);
+        app().LanguageIndex = static_cast<quint8>(language);
+        app().ToneTable = BuildToneTable(language);
+        putChannel(5, {QStringLiteral("150.00000"), QStringLiteral("150.00000"), QStringLiteral("None"),
+                       QStringLiteral("None")});
+        openForm();
+        if (gridEdgeAtColumn) {
+            int columns = 0;
+            for (int c = 0; c <= column; ++c)
+                columns += grid()->columnWidth(c);
+            m_form->resize(m_form->width() - grid()->viewport()->width() + columns, m_form->height());
+            QTRY_COMPARE(grid()->viewport()->width(), columns);
+        }
+        enterCell(5, column);
+        QComboBox *open = combo(1);
+        QVERIFY(open->isVisible());
+        QVERIFY2(open->width() >= open->sizeHint().width(),
+                 qPrintable(QStringLiteral("%1 < %2").arg(open->width()).arg(open->sizeHint().width())));
+        for (int i = 0; i < open->count(); ++i) {
+            QVERIFY2(grid()->fontMetrics().horizontalAdvance(open->itemText(i)) < open->width(),
+                     qPrintable(open->itemText(i)));
+        }
+        const QRect cellRect = grid()->visualRect(grid()->model()->index(5, column));
+        QCOMPARE(open->geometry().top(), cellRect.top());
+        QVERIFY(grid()->viewport()->rect().contains(open->geometry()));
+        if (!gridEdgeAtColumn)
+            QCOMPARE(open->geometry().left(), cellRect.left());
+        QVERIFY(open->geometry().intersects(cellRect));
+    }
+
     void focusLeavingEditorCommits()
     {
         putChannel(2, {QStringLiteral("150.00000"), QStringLiteral("150.00000"), {}, {}});

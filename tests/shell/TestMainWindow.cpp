@@ -10,6 +10,9 @@
 #include "shell/QtTranslations.h"
 
 #include <QComboBox>
+#include <QHeaderView>
+#include <QScopeGuard>
+#include <QScreen>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -274,6 +277,68 @@ private Q_SLOTS:
         // A new channel's default bytes reach the image at once, so without
         // the snapshot the image stays modified.
         QCOMPARE(wr::app().image.IsModified(), !commits);
+    }
+
+    void wholeGridAtStartUp_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<int>("pointSize"); // the desktop's font; 0 keeps the usual one
+        QTest::newRow("English") << 0 << 0;
+        QTest::newRow("Simplified") << 1 << 0;
+        QTest::newRow("Traditional") << 2 << 0;
+        QTest::newRow("English, large desktop font") << 0 << 14;
+    }
+
+    // The window opens at the prescribed 894 x 763 pixels or, when the channel
+    // list's nine columns need more, as wide as they need and the screen
+    // allows. Every caption fits its column in at most the header's height.
+    void wholeGridAtStartUp()
+    {
+        QFETCH(int, language);
+        QFETCH(int, pointSize);
+        const QFont usual = QApplication::font();
+        if (pointSize > 0) {
+            QFont large = usual;
+            large.setPointSize(pointSize);
+            QApplication::setFont(large);
+        }
+        const auto restoreFont = qScopeGuard([&usual] { QApplication::setFont(usual); });
+        h->storeSetting(u"language"_s, QString::number(language));
+        wr::MDIForm1 &window = h->open();
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+
+        const int prescribed = (13410 + 7) / 15;
+        const int available = window.screen()->availableGeometry().width();
+        QCOMPARE(window.height(), (11440 + 7) / 15);
+        QVERIFY(window.width() >= prescribed);
+        QVERIFY(window.width() <= std::max(prescribed, available));
+        const int lacking = window.channelList()->gridWidthLacking();
+        // Either every column is whole, or the screen had no more width to give.
+        QVERIFY2(lacking == 0 || window.width() >= available,
+                 qPrintable(u"%1 px missing, window %2 of %3"_s.arg(lacking).arg(window.width()).arg(available)));
+        if (window.width() > prescribed && window.width() < available) {
+            // Widened just enough: a pixel less would cut the last column.
+            window.resize(window.width() - 1, window.height());
+            QTRY_COMPARE(window.channelList()->gridWidthLacking(), 1);
+        }
+        if (pointSize == 0) {
+            // With the usual font the nine columns fit the prescribed width
+            // in every language, on any screen.
+            QCOMPARE(lacking, 0);
+            QCOMPARE(window.width(), prescribed);
+        }
+
+        QTableWidget *grid = window.channelList()->grid();
+        QHeaderView *header = grid->horizontalHeader();
+        const QFontMetrics metrics(header->font());
+        for (int column = 0; column < grid->columnCount(); ++column) {
+            const QString caption = grid->horizontalHeaderItem(column)->text();
+            const QRect needed = metrics.boundingRect(QRect(0, 0, grid->columnWidth(column) - 8, 1000),
+                                                      Qt::AlignCenter | Qt::TextWordWrap, caption);
+            QVERIFY2(needed.width() <= grid->columnWidth(column) - 8, qPrintable(caption));
+            QVERIFY2(needed.height() <= header->height(), qPrintable(caption));
+        }
     }
 
     void treeAtStartUp()
