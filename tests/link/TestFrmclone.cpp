@@ -36,8 +36,8 @@ private Q_SLOTS:
 
     void captions_data();
     void captions();
-    void readFromRadio();
-    void unopenablePort();
+    void transfer_data();
+    void transfer();
     void closingMidReadKeepsRowsAndFreesPort();
 
 private:
@@ -70,85 +70,67 @@ void TestFrmclone::captions()
 
     frmclone form; // not shown: no transfer starts
     QCOMPARE(form.windowTitle(), caption);
-    auto *percent = form.findChild<QLabel *>(u"lblPercent"_s);
-    auto *bar = form.findChild<QProgressBar *>(u"prgPercent"_s);
-    QVERIFY(percent && bar);
-    QCOMPARE(percent->text(), label);
-    QCOMPARE(bar->minimum(), 0);
-    QCOMPARE(bar->maximum(), 188);
-
+    QCOMPARE(form.findChild<QLabel *>(u"lblPercent"_s)->text(), label);
+    QCOMPARE(form.findChild<QProgressBar *>(u"prgPercent"_s)->maximum(), 188);
     // WRPD6T_SCREENSHOTS=<folder> keeps a picture of each caption for review.
     const QString folder = qEnvironmentVariable("WRPD6T_SCREENSHOTS");
-    if (!folder.isEmpty()) {
-        bar->setValue(94);
-        form.adjustSize();
-        QDir().mkpath(folder);
+    if (!folder.isEmpty() && QDir().mkpath(folder))
         QVERIFY(form.grab().save(folder + u"/frmclone-%1-%2.png"_s.arg(language).arg(direction)));
-    }
 }
 
-void TestFrmclone::readFromRadio()
+void TestFrmclone::transfer_data()
 {
-    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s));
+    QTest::addColumn<int>("port");
+    QTest::addColumn<int>("result");
+    QTest::addColumn<QMessageBox::Icon>("icon");
+
+    QTest::newRow("read from the radio") << 200 << int{QDialog::Accepted} << QMessageBox::Information;
+    QTest::newRow("port that will not open") << 201 << int{QDialog::Rejected} << QMessageBox::Warning;
+}
+
+void TestFrmclone::transfer()
+{
+    QFETCH(int, port);
+    QFETCH(int, result);
+    QFETCH(QMessageBox::Icon, icon);
+    const bool reads = result == QDialog::Accepted;
+
+    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s)); // on COM200
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     test::fillPattern(line.radio.memory(), 9);
     AppState &state = app();
     state.LanguageIndex = 0;
     state.LinkDirection = 0;
-    state.PortNumber = 200;
-    const MemoryImage before = state.image;
-
-    frmclone form;
-    QSignalSpy completed(&form, &frmclone::readCompleted);
-    form.show();
-    QVERIFY(form.isModal());
-    QTRY_VERIFY_WITH_TIMEOUT(!form.isVisible(), 30000);
-
-    QCOMPARE(completed.size(), 1);
-    QCOMPARE(form.result(), int{QDialog::Accepted});
-    QCOMPARE(form.findChild<QProgressBar *>(u"prgPercent"_s)->value(), 188);
-    QCOMPARE(form.findChild<QLabel *>(u"lblPercent"_s)->text(), u"Completion percentage:  100%"_s);
-    const QList<MessageBox::Shown> shown = MessageBox::history();
-    QCOMPARE(shown.size(), 1);
-    QCOMPARE(shown.first().text, u"Reading completed!"_s);
-    QCOMPARE(shown.first().title, u"WR-PD6T"_s);
-    QCOMPARE(shown.first().icon, QMessageBox::Information);
-
-    const QList<int> moved = test::transferredRows(true);
-    for (int row = 0; row < MemoryImage::RowCount; ++row)
-        QCOMPARE(state.image.row(row), moved.contains(row) ? line.radio.memory().row(row) : before.row(row));
-    QVERIFY(!state.image.IsModified());
-    QCOMPARE(state.BandLimits, LoadBandLimits(line.radio.memory()));
-}
-
-void TestFrmclone::unopenablePort()
-{
-    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s)); // on COM200, not the chosen port
-    AppState &state = app();
-    state.LanguageIndex = 0;
-    state.LinkDirection = 0;
-    state.PortNumber = 201;
+    state.PortNumber = static_cast<quint8>(port);
     test::fillPattern(state.image, 10);
     state.image.TakeSnapshot();
     const MemoryImage before = state.image;
+    const BandLimitArray limitsBefore = state.BandLimits;
 
     frmclone form;
     QSignalSpy completed(&form, &frmclone::readCompleted);
     QSignalSpy portChanged(&form, &frmclone::portNumberChanged);
     form.show();
-    QTRY_VERIFY_WITH_TIMEOUT(!form.isVisible(), 5000);
+    QVERIFY(form.isModal());
+    QTRY_VERIFY_WITH_TIMEOUT(!form.isVisible(), 30000);
 
+    QCOMPARE(form.result(), result);
+    QCOMPARE(completed.size(), reads ? 1 : 0);
+    QCOMPARE(portChanged.size(), 0);
+    QCOMPARE(int{state.PortNumber}, port);
     const QList<MessageBox::Shown> shown = MessageBox::history();
     QCOMPARE(shown.size(), 1);
     QCOMPARE(shown.first().title, u"WR-PD6T"_s);
-    QCOMPARE(shown.first().icon, QMessageBox::Warning);
-    QVERIFY(!shown.first().text.isEmpty());
-    QCOMPARE(form.result(), int{QDialog::Rejected});
-    QCOMPARE(completed.size(), 0);
-    QCOMPARE(portChanged.size(), 0);
-    QVERIFY(state.image == before);
+    QCOMPARE(shown.first().icon, icon);
+    QVERIFY(reads ? shown.first().text == u"Reading completed!"_s : !shown.first().text.isEmpty());
+    if (reads)
+        QCOMPARE(form.findChild<QLabel *>(u"lblPercent"_s)->text(), u"Completion percentage:  100%"_s);
+
+    const QList<int> moved = reads ? test::transferredRows(true) : QList<int>{};
+    for (int row = 0; row < MemoryImage::RowCount; ++row)
+        QCOMPARE(state.image.row(row), moved.contains(row) ? line.radio.memory().row(row) : before.row(row));
     QVERIFY(!state.image.IsModified());
-    QCOMPARE(state.PortNumber, quint8{201});
+    QCOMPARE(state.BandLimits, reads ? LoadBandLimits(line.radio.memory()) : limitsBefore);
 }
 
 void TestFrmclone::closingMidReadKeepsRowsAndFreesPort()
@@ -165,13 +147,11 @@ void TestFrmclone::closingMidReadKeepsRowsAndFreesPort()
     const BandLimitArray limitsBefore = state.BandLimits;
 
     frmclone form;
-    QSignalSpy completed(&form, &frmclone::readCompleted);
     form.show();
     auto *bar = form.findChild<QProgressBar *>(u"prgPercent"_s);
     QTRY_VERIFY_WITH_TIMEOUT(bar->value() >= 20, 10000);
     QTest::keyClick(&form, Qt::Key_Escape);
-    QVERIFY(!form.isVisible());
-    QVERIFY(!form.isTransferring());
+    QVERIFY(!form.isVisible() && !form.isTransferring());
     const int rowsRead = bar->value();
     QVERIFY(rowsRead < 128);
 
@@ -180,9 +160,7 @@ void TestFrmclone::closingMidReadKeepsRowsAndFreesPort()
         QCOMPARE(state.image.row(row), row < rowsRead ? line.radio.memory().row(row) : before.row(row));
     QVERIFY(state.image.IsModified()); // no snapshot: the old data is what the image is compared with
     QCOMPARE(state.BandLimits, limitsBefore);
-    QCOMPARE(completed.size(), 0);
     QVERIFY(MessageBox::history().isEmpty());
-
     // The port is free again: nobody else could open it while the form held it.
     QSerialPort port(findPort(200)->devicePath);
     QVERIFY2(port.open(QIODevice::ReadWrite), qPrintable(port.errorString()));
