@@ -1,20 +1,23 @@
 #pragma once
 
 #include "TestSupport.h"
+#include "channels/ChannelRecord.h"
+#include "core/BandLimits.h"
 #include "core/SettingsStore.h"
+#include "file/DataFile.h"
 #include "shell/MDIForm1.h"
 #include "shell/MessageBox.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
+#include <QLabel>
 #include <QMenu>
 #include <QTest>
 #include <QTimer>
 
 #include <functional>
 #include <memory>
-#include <optional>
 
 namespace wr::test {
 
@@ -31,7 +34,6 @@ public:
         MessageBox::setAutoAnswer(true);
         FileDialog::reset();
     }
-
     ~ShellHarness()
     {
         MessageBox::reset();
@@ -42,7 +44,6 @@ public:
     {
         settings.SetKeyValue(SettingsStore::Root::LocalMachine, SettingsStore::keyPath(), name, value);
     }
-
     QString storedSetting(const QString &name) const
     {
         return settings.GetKeyValue(SettingsStore::Root::LocalMachine, SettingsStore::keyPath(), name);
@@ -60,6 +61,10 @@ public:
             return menu->menuAction();
         return window->findChild<QAction *>(name);
     }
+    QString panel(int number) const
+    {
+        return window->findChild<QLabel *>(QStringLiteral("MSBar_Panel%1").arg(number))->text();
+    }
 
     // Runs handler on the next modal dialog once it is up (the command that
     // opens it blocks in exec()).
@@ -76,6 +81,31 @@ public:
             handler(dialog);
         });
         poll->start();
+    }
+
+    // An image with channels first.. on <base + n % 30>.12500 MHz and the
+    // band limits a radio reports.
+    static QByteArray imageWithChannels(int first, int count, int baseMHz = 430)
+    {
+        MemoryImage image;
+        image.InitImage();
+        for (int channel = first; channel < first + count; ++channel) {
+            const QString rx = QStringLiteral("%1.12500").arg(baseMHz + channel % 30);
+            CreateChannel(image, channel);
+            SaveChannel(image, channel,
+                        {rx, rx, QStringLiteral("88.5"), QStringLiteral("D023N"), PowerText(true, 0),
+                         BandwidthText(true, 0), ScanAddText(true, 0), BclText(ChannelRecord::Bcl::Off, 0)});
+        }
+        WriteDefaultBandLimits(image);
+        return image.bytes();
+    }
+
+    static bool writeDataFile(const QString &path, const QByteArray &bytes)
+    {
+        MemoryImage image;
+        image.setBytes(bytes);
+        QString error;
+        return DataFile::Write(path, image, &error);
     }
 
     Fixture fixture;

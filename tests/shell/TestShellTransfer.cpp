@@ -1,19 +1,15 @@
 // Read and Write through the main window's menu against the virtual radio
-// on a pseudo-terminal: confirmations, the progress form, the refreshed
-// channel list, and the status bar following the port scan.
+// on a pseudo-terminal: the refreshed channel list, the radio's memory, and
+// the status bar following the port scan. Cancelled confirmations are in
+// TestMainWindow's shortcuts.
 #include "ShellHarness.h"
 
-#include "channels/ChannelRecord.h"
 #include "channels/frmChannel.h"
 #include "core/AppState.h"
-#include "file/DataFile.h"
 #include "link/PortCatalogue.h"
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QLabel>
-#include <QPointer>
 #include <QProcess>
 #include <QTableWidget>
 
@@ -60,27 +56,6 @@ private:
     QProcess m_process;
 };
 
-QByteArray imageWithChannels(int first, int count, int baseMHz)
-{
-    wr::MemoryImage image;
-    image.InitImage();
-    for (int channel = first; channel < first + count; ++channel) {
-        wr::ChannelTexts texts;
-        texts.rx = QStringLiteral("%1.02500").arg(baseMHz + channel % 30);
-        texts.tx = texts.rx;
-        texts.decode = u"100.0"_s;
-        texts.encode = u"D031N"_s;
-        texts.power = wr::PowerText(false, 0);
-        texts.bandwidth = wr::BandwidthText(false, 0);
-        texts.scanAdd = wr::ScanAddText(true, 0);
-        texts.bcl = wr::BclText(wr::ChannelRecord::Bcl::Off, 0);
-        wr::CreateChannel(image, channel);
-        wr::SaveChannel(image, channel, texts);
-    }
-    wr::WriteDefaultBandLimits(image);
-    return image.bytes();
-}
-
 QByteArray rows(const QByteArray &image, int first, int last)
 {
     return image.mid(first * 16, (last - first + 1) * 16);
@@ -95,21 +70,6 @@ class TestShellTransfer : public QObject
 private:
     std::optional<ShellHarness> h;
     QString m_dataHome;
-
-    QString panel(int number) const
-    {
-        return h->window->findChild<QLabel *>(u"MSBar_Panel"_s + QString::number(number))->text();
-    }
-
-    QString radioFile(const QString &name) const { return h->fixture.path(name); }
-
-    bool writeRadioMemory(const QString &path, const QByteArray &bytes)
-    {
-        wr::MemoryImage image;
-        image.setBytes(bytes);
-        QString error;
-        return wr::DataFile::Write(path, image, &error);
-    }
 
     // A transfer that hangs must not hang the suite: close the progress form.
     void watchdog()
@@ -151,9 +111,9 @@ private Q_SLOTS:
     {
         QFETCH(int, chosenPort);
         QFETCH(bool, silentRadioOnChosenPort);
-        const QByteArray radioMemory = imageWithChannels(1, 128, 400);
-        const QString memoryFile = radioFile(u"radio.tw"_s);
-        QVERIFY(writeRadioMemory(memoryFile, radioMemory));
+        const QByteArray radioMemory = ShellHarness::imageWithChannels(1, 128, 400);
+        const QString memoryFile = h->fixture.path(u"radio.tw"_s);
+        QVERIFY(ShellHarness::writeDataFile(memoryFile, radioMemory));
         VirtualRadio radio;
         QVERIFY(radio.start(200, m_dataHome, {u"--image"_s, memoryFile}));
         std::unique_ptr<VirtualRadio> silent;
@@ -163,7 +123,7 @@ private Q_SLOTS:
         }
         h->storeSetting(u"gbPort"_s, QString::number(chosenPort));
         h->open();
-        QCOMPARE(panel(1), u"COM"_s + QString::number(chosenPort));
+        QCOMPARE(h->panel(1), u"COM"_s + QString::number(chosenPort));
 
         wr::MessageBox::setNextAnswer(QMessageBox::Ok); // "Do you wish to continue?"
         watchdog();
@@ -182,21 +142,21 @@ private Q_SLOTS:
         QCOMPARE(rows(image, 416, 416), rows(radioMemory, 416, 416));
         QVERIFY(!wr::app().image.IsModified());
         QCOMPARE(wr::app().BandLimits[0], 136);
-        QCOMPARE(h->window->channelList()->grid()->item(1, 1)->text(), u"401.02500"_s);
+        QCOMPARE(h->window->channelList()->grid()->item(1, 1)->text(), u"401.12500"_s);
         // After a scan the port stays where the radio answered, and the
         // status bar says so.
         QCOMPARE(int(wr::app().PortNumber), 200);
-        QCOMPARE(panel(1), u"COM200"_s);
+        QCOMPARE(h->panel(1), u"COM200"_s);
     }
 
     void writeThroughMenu()
     {
-        const QString saved = radioFile(u"radio-after.tw"_s);
+        const QString saved = h->fixture.path(u"radio-after.tw"_s);
         VirtualRadio radio;
         QVERIFY(radio.start(200, m_dataHome, {u"--save"_s, saved}));
         h->storeSetting(u"gbPort"_s, u"200"_s);
         h->open();
-        wr::app().image.setBytes(imageWithChannels(1, 60, 430));
+        wr::app().image.setBytes(ShellHarness::imageWithChannels(1, 60));
         h->window->RefreshMainWindow();
         // A value still in the grid goes to the radio too: Write commits first.
         h->window->channelList()->setChannelRx(100, u"145.5"_s);
@@ -219,28 +179,6 @@ private Q_SLOTS:
         radioImage.setBytes(inRadio);
         QCOMPARE(wr::ReadChannelTexts(radioImage, 100, 0).rx, u"145.50000"_s);
         QCOMPARE(radioImage.ReadByte(0x0CD0), 0);
-    }
-
-    void cancelledConfirmation_data()
-    {
-        QTest::addColumn<QString>("item");
-        QTest::newRow("Read cancelled") << u"mnuRead"_s;
-        QTest::newRow("Write cancelled") << u"mnuWrite"_s;
-    }
-
-    void cancelledConfirmation()
-    {
-        QFETCH(QString, item);
-        h->storeSetting(u"gbPort"_s, u"200"_s);
-        h->open();
-        wr::app().LinkDirection = 5; // neither: shows whether the command set it
-        const QByteArray before = wr::app().image.bytes();
-        wr::MessageBox::setNextAnswer(QMessageBox::Cancel);
-        h->action(item)->trigger();
-        QCOMPARE(wr::MessageBox::history().size(), 1);
-        QCOMPARE(wr::app().LinkDirection, 5);
-        QVERIFY(!h->window->findChild<QDialog *>(u"frmclone"_s));
-        QCOMPARE(rows(wr::app().image.bytes(), 0, 127), rows(before, 0, 127));
     }
 };
 
