@@ -104,8 +104,7 @@ public:
     {
         MemoryImage image;
         image.setBytes(bytes);
-        QString error;
-        return DataFile::Write(path, image, &error);
+        return writeFile(path, DataFile::Encode(image).value_or(QByteArray()));
     }
 
     Fixture fixture;
