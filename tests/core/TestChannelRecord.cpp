@@ -21,8 +21,6 @@ private Q_SLOTS:
 
     void bitmapAddressing_data();
     void bitmapAddressing();
-    void flagFields_data();
-    void flagFields();
     void signallingFields_data();
     void signallingFields();
     void shownTexts_data();
@@ -69,34 +67,6 @@ void TestChannelRecord::bitmapAddressing()
             QVERIFY(ChannelRecord(image, other).scanSkipBit());
         }
     }
-}
-
-void TestChannelRecord::flagFields_data()
-{
-    QTest::addColumn<int>("flags");
-    QTest::addColumn<int>("bcl");
-    QTest::addColumn<bool>("high");
-    QTest::addColumn<bool>("scan");
-    QTest::addColumn<bool>("plus");
-    QTest::addColumn<bool>("minus");
-    QTest::addColumn<bool>("wide");
-    QTest::newRow("new channel") << 0x4C << 0 << true << true << false << false << true;
-    QTest::newRow("BCL 3 reads as Opt.Signal") << 0x03 << 2 << false << false << false << false << false;
-    QTest::newRow("carrier, shift +") << 0x11 << 1 << false << false << true << false << false;
-    QTest::newRow("all set") << 0xFF << 2 << true << true << true << true << true;
-}
-
-void TestChannelRecord::flagFields()
-{
-    QFETCH(int, flags);
-    ChannelRecord record(app().image, 20);
-    record.setChannelFlags(static_cast<quint8>(flags));
-    QTEST(int(record.bcl()), "bcl");
-    QTEST(record.highPower(), "high");
-    QTEST(record.scanAdd(), "scan");
-    QTEST(record.shiftPlus(), "plus");
-    QTEST(record.shiftMinus(), "minus");
-    QTEST(record.wide(), "wide");
 }
 
 void TestChannelRecord::signallingFields_data()

@@ -53,13 +53,9 @@ void TestCodecs::readFreq_data()
     QTest::newRow("transmit side") << QByteArray::fromHex("14650000") << tx << u"146.50000"_s;
     QTest::newRow("3.125 kHz step gets its 5 Hz back") << QByteArray::fromHex("13600312") << rx << u"136.00313"_s;
     QTest::newRow("6.25 kHz multiple unchanged") << QByteArray::fromHex("13600625") << rx << u"136.00625"_s;
-    QTest::newRow("12.5 kHz multiple") << QByteArray::fromHex("14612500") << rx << u"146.12500"_s;
     QTest::newRow("below 10 MHz") << QByteArray::fromHex("00500000") << rx << u"5.00000"_s;
     QTest::newRow("off-raster 10 Hz") << QByteArray::fromHex("13600001") << rx << u"136.00002"_s;
-    QTest::newRow("zero") << QByteArray::fromHex("00000000") << rx << u"0.00000"_s;
     QTest::newRow("FF in byte 0") << QByteArray::fromHex("FF602500") << rx << QString();
-    QTest::newRow("FF in byte 1") << QByteArray::fromHex("13FF2500") << rx << QString();
-    QTest::newRow("FF in byte 2") << QByteArray::fromHex("1360FF00") << rx << QString();
     QTest::newRow("FF in byte 3") << QByteArray::fromHex("136025FF") << tx << QString();
 }
 
@@ -123,18 +119,14 @@ void TestCodecs::normalise_data()
     QTest::newRow("both rasters round down, 5 kHz nearer") << u"136.0237"_s << u"136.02000"_s << u"136.02000"_s;
     QTest::newRow("6.25 kHz nearer") << u"136.019"_s << u"136.01875"_s << u"136.01875"_s;
     QTest::newRow("on 6.25 kHz raster") << u"146.0125"_s << u"146.01250"_s << u"146.01250"_s;
-    QTest::newRow("band 1 bottom") << u"136"_s << u"136.00000"_s << u"136.00000"_s;
     QTest::newRow("band 1 top") << u"174"_s << u"174.00000"_s << u"174.00000"_s;
     QTest::newRow("just above band 1") << u"174.001"_s << u"174.00000"_s << u"174.00000"_s;
-    QTest::newRow("band 2 bottom") << u"400"_s << u"400.00000"_s << u"400.00000"_s;
     QTest::newRow("transmit band reaches lower") << u"134"_s << u"174.00000"_s << u"134.00000"_s;
     QTest::newRow("carry into next MHz steps back") << u"136.999996"_s << u"136.99500"_s << u"136.99500"_s;
     QTest::newRow("carry at band 2 top") << u"489.999999"_s << u"489.99500"_s << u"489.99500"_s;
     QTest::newRow("5 Hz half rounds away then snaps") << u"136.000005"_s << u"136.00000"_s << u"136.00000"_s;
     QTest::newRow("leading number only") << u"145.5abc"_s << u"145.50000"_s << u"145.50000"_s;
-    QTest::newRow("single digit") << u"7"_s << u"174.00000"_s << u"174.00000"_s;
     QTest::newRow("empty") << QString() << u"174.00000"_s << u"174.00000"_s;
-    QTest::newRow("not a number") << u"."_s << u"174.00000"_s << u"174.00000"_s;
     QTest::newRow("negative") << u"-145"_s << u"174.00000"_s << u"174.00000"_s;
     QTest::newRow("huge") << u"999999999999999999999"_s << u"490.00000"_s << u"490.00000"_s;
 }
@@ -262,7 +254,6 @@ void TestCodecs::writeTone_data()
     QTest::newRow("D754I") << u"D754I"_s << 0x54 << 0xC7;
     QTest::newRow("D023N") << u"D023N"_s << 0x23 << 0x80;
     QTest::newRow("100.0") << u"100.0"_s << 0x00 << 0x10;
-    QTest::newRow("67.0") << u"67.0"_s << 0x70 << 0x06;
     QTest::newRow("259.9 typed") << u"259.9"_s << 0x99 << 0x25;
     QTest::newRow("empty") << QString() << 0xFF << 0xFF;
     QTest::newRow("None") << u"None"_s << 0xFF << 0xFF;

@@ -23,7 +23,6 @@ private Q_SLOTS:
     void writtenValuesReadBack();
     void valueNamesIgnoreCase();
     void storedNumberReadsAsDecimal();
-    void textEndsAtZeroCharacter();
     void unreadableOrUnwritableStore();
 
 private:
@@ -117,16 +116,6 @@ void TestSettings::storedNumberReadsAsDecimal()
     StartUp(state, store);
     QCOMPARE(state.LanguageIndex, 2);
     QCOMPARE(state.PortNumber, 1);
-}
-
-void TestSettings::textEndsAtZeroCharacter()
-{
-    SettingsStore store(iniFile());
-    const auto root = SettingsStore::Root::LocalMachine;
-    QVERIFY(store.SetKeyValue(root, SettingsStore::keyPath(), u"Model"_s, u"12"_s + QChar(u'\0') + u"99"_s));
-    QCOMPARE(store.GetKeyValue(root, SettingsStore::keyPath(), u"Model"_s), u"12"_s);
-    QVERIFY(store.SetKeyValue(root, SettingsStore::keyPath(), u"Model"_s, QString(5000, u'7')));
-    QCOMPARE(store.GetKeyValue(root, SettingsStore::keyPath(), u"Model"_s).size(), 1024);
 }
 
 void TestSettings::unreadableOrUnwritableStore()
