@@ -4,7 +4,10 @@
 
 namespace wr {
 
-const QString &Triple::in(int languageIndex) const
+namespace {
+
+const QString &pick(int languageIndex, const QString &english, const QString &simplified,
+                    const QString &traditional)
 {
     switch (languageIndex) {
     case SimplifiedChinese:
@@ -16,6 +19,18 @@ const QString &Triple::in(int languageIndex) const
     }
 }
 
+} // namespace
+
+QString ModelName()
+{
+    return QStringLiteral("WR-PD6T");
+}
+
+const QString &Triple::in(int languageIndex) const
+{
+    return pick(languageIndex, english, simplified, traditional);
+}
+
 bool Triple::matches(const QString &text) const
 {
     return text == english || text == simplified || text == traditional;
@@ -23,14 +38,7 @@ bool Triple::matches(const QString &text) const
 
 QString TextFor(const QString &english, const QString &simplified, const QString &traditional)
 {
-    switch (app().LanguageIndex) {
-    case SimplifiedChinese:
-        return simplified;
-    case TraditionalChinese:
-        return traditional;
-    default:
-        return english;
-    }
+    return pick(app().LanguageIndex, english, simplified, traditional);
 }
 
 QString TextFor(const Triple &text)

@@ -8,6 +8,10 @@ namespace wr {
 enum Language : quint8 { English = 0, SimplifiedChinese = 1, TraditionalChinese = 2 };
 constexpr int LanguageCount = 3;
 
+// The radio's model name: the window title, the tree's root and the title of
+// most message boxes, the same in every language.
+QString ModelName();
+
 // One user-visible text in the three interface languages.
 struct Triple
 {

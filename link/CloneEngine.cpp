@@ -90,11 +90,6 @@ const Triple &writeDone()
     return text;
 }
 
-QString modelTitle()
-{
-    return QStringLiteral("WR-PD6T");
-}
-
 Action make(Action::Kind kind, int value = 0)
 {
     Action action;
@@ -249,7 +244,7 @@ Actions CloneEngine::portFailed(const QString &errorText)
     m_reopenBeforeAsking = false;
     Action message = make(Action::ShowMessage);
     message.text = errorText;
-    message.title = modelTitle();
+    message.title = ModelName();
     message.icon = MessageIcon::Exclamation;
     Actions actions{make(Action::StopSendTimer), make(Action::StopTimeout), message};
     actions += unload();
@@ -461,7 +456,7 @@ Actions CloneEngine::finishTransfer()
 {
     Actions actions;
     Action message = make(Action::ShowMessage);
-    message.title = modelTitle();
+    message.title = ModelName();
     message.icon = MessageIcon::Information;
     if (m_direction == Direction::Read) {
         m_state.image.TakeSnapshot();

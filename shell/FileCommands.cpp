@@ -17,11 +17,6 @@ const QString &untitled()
     return name;
 }
 
-QString programTitle()
-{
-    return u"WR-PD6T"_s;
-}
-
 QString errorTitle()
 {
     return TextFor(u"Error"_s, u"错误"_s, u"錯誤"_s);
@@ -97,7 +92,7 @@ bool FileOpen(QWidget *parent)
         state.LoadBandLimits();
         return true;
     case DataFile::ReadStatus::WrongType:
-        MessageBox::show(parent, QMessageBox::Critical, programTitle(), incorrectFileType());
+        MessageBox::show(parent, QMessageBox::Critical, ModelName(), incorrectFileType());
         return false;
     case DataFile::ReadStatus::Damaged:
         MessageBox::show(parent, QMessageBox::Critical, errorTitle(), incorrectFileType());
@@ -135,7 +130,7 @@ bool WriteDataFile(QWidget *parent, const QString &path)
     QString error;
     if (DataFile::Write(path, app().image, &error))
         return true;
-    MessageBox::show(parent, QMessageBox::Warning, programTitle(), error);
+    MessageBox::show(parent, QMessageBox::Warning, ModelName(), error);
     return false;
 }
 

@@ -54,12 +54,6 @@ constexpr int TreePaneWidth = 158;
 // radio software clears it whenever the whole image is handed on.
 constexpr int CommitClearedAddress = 0x0CD0;
 
-const QString &programTitle()
-{
-    static const QString title = u"WR-PD6T"_s;
-    return title;
-}
-
 QString versionText()
 {
     return u"Version 1.03"_s;
@@ -88,7 +82,7 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
 {
     setObjectName(u"MDIForm1"_s);
     setWindowIcon(AppIcon());
-    setWindowTitle(programTitle());
+    setWindowTitle(ModelName());
 
     // The tree of editors sits in a plain panel on the left, beside the
     // document area that holds the channel list.
@@ -326,7 +320,7 @@ void MDIForm1::captionStep()
     for (QTreeWidgetItemIterator it(m_tree); *it; ++it) {
         const QString key = (*it)->data(0, Qt::UserRole).toString();
         if (key == u"Root")
-            (*it)->setText(0, programTitle());
+            (*it)->setText(0, ModelName());
         else if (key == u"Item1")
             (*it)->setText(0, item1.in(language));
         else if (key == u"Item2")
@@ -343,7 +337,7 @@ void MDIForm1::RefreshMainWindow()
     showPortPanel();
     m_panels[VersionPanel]->setText(versionText());
     m_panels[DatePanel]->setText(interfaceLocale().toString(QDate::currentDate(), QLocale::ShortFormat));
-    setWindowTitle(programTitle());
+    setWindowTitle(ModelName());
 }
 
 void MDIForm1::showPortPanel()
@@ -549,7 +543,7 @@ void MDIForm1::ReadCommand()
 {
     const QString text = TextFor(u"Read data from radio."_s, u"从对讲机读取数据。"_s, u"從對講機讀取數據。"_s) + u'\n'
         + TextFor(u"Do you wish to continue?"_s, u"是否继续？"_s, u"是否繼續？"_s);
-    if (MessageBox::show(this, QMessageBox::Question, programTitle(), text, QMessageBox::Ok | QMessageBox::Cancel,
+    if (MessageBox::show(this, QMessageBox::Question, ModelName(), text, QMessageBox::Ok | QMessageBox::Cancel,
                          QMessageBox::Ok)
         != QMessageBox::Ok)
         return;
@@ -561,7 +555,7 @@ void MDIForm1::WriteCommand()
 {
     const QString text = TextFor(u"Write data to radio."_s, u"向对讲机写入数据。"_s, u"向對講機寫入數據。"_s) + u'\n'
         + TextFor(u"Do you wish to continue?"_s, u"是否继续？"_s, u"是否繼續？"_s);
-    if (MessageBox::show(this, QMessageBox::Question, programTitle(), text, QMessageBox::Ok | QMessageBox::Cancel,
+    if (MessageBox::show(this, QMessageBox::Question, ModelName(), text, QMessageBox::Ok | QMessageBox::Cancel,
                          QMessageBox::Ok)
         != QMessageBox::Ok)
         return;

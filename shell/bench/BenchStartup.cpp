@@ -7,6 +7,7 @@
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
 #include "shell/MDIForm1.h"
+#include "FirstPaint.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -15,42 +16,6 @@
 
 #include <cstdio>
 #include <ctime>
-
-namespace {
-
-// Quits at the first paint of one widget.
-class FirstPaint : public QObject
-{
-public:
-    FirstPaint(QWidget *target, const QElapsedTimer &clock)
-        : m_target(target)
-        , m_clock(clock)
-    {
-    }
-
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        if (watched == m_target && event->type() == QEvent::Paint && !m_done) {
-            m_done = true;
-            // Milliseconds since main() and the wall clock in nanoseconds, so
-            // the script can also count the loading before main().
-            timespec now{};
-            clock_gettime(CLOCK_REALTIME, &now);
-            std::printf("%.2f %lld\n", static_cast<double>(m_clock.nsecsElapsed()) / 1e6,
-                        static_cast<long long>(now.tv_sec) * 1000000000LL + now.tv_nsec);
-            std::fflush(stdout);
-            QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
-        }
-        return false;
-    }
-
-private:
-    QWidget *m_target;
-    const QElapsedTimer &m_clock;
-    bool m_done = false;
-};
-
-} // namespace
 
 int main(int argc, char *argv[])
 {
