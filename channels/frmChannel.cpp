@@ -25,6 +25,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace wr {
 
@@ -133,6 +134,22 @@ QChar typedCharacter(const QKeyEvent *event)
     if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
         return {};
     return text.front();
+}
+
+// Keys both in-place editors treat alike. Returns whether to swallow a key
+// that types no character of its own (Backspace edits, arrows and Home move
+// the caret, pasting is refused because it would get around the character
+// rules, Ctrl or Alt with a character is swallowed); nullopt for a typed
+// character, which the editor's own rules decide.
+std::optional<bool> filterNonCharacterKey(const QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Backspace)
+        return false;
+    if (event->matches(QKeySequence::Paste))
+        return true;
+    if (typedCharacter(event).isNull())
+        return !event->text().isEmpty() && event->text().front().isPrint();
+    return std::nullopt;
 }
 
 // While the grid has the focus, one notch of the wheel pages the list up or
@@ -779,13 +796,9 @@ bool frmChannel::textEditorKeyPress(QKeyEvent *event)
         m_grid->setFocus(Qt::OtherFocusReason);
         return true;
     }
-    if (event->key() == Qt::Key_Backspace)
-        return false;
-    if (event->matches(QKeySequence::Paste))
-        return true;
+    if (const std::optional<bool> swallow = filterNonCharacterKey(event))
+        return *swallow;
     const QChar typed = typedCharacter(event);
-    if (typed.isNull())
-        return !event->text().isEmpty() && event->text().front().isPrint(); // Ctrl/Alt + a character
     return !(isAsciiDigit(typed) || typed == u'.' || typed == u',');
 }
 
@@ -821,13 +834,9 @@ bool frmChannel::comboKeyPress(int index, QKeyEvent *event)
             combo->setCurrentIndex(combo->findText(m_savedCellText));
         return true;
     }
-    if (event->key() == Qt::Key_Backspace)
-        return false;
-    if (event->matches(QKeySequence::Paste))
-        return true;
+    if (const std::optional<bool> swallow = filterNonCharacterKey(event))
+        return *swallow;
     const QChar typed = typedCharacter(event);
-    if (typed.isNull())
-        return !event->text().isEmpty() && event->text().front().isPrint();
 
     QLineEdit *edit = combo->lineEdit();
     const QString text = combo->currentText();
