@@ -4,7 +4,10 @@
 #include "channels/ChannelRecord.h"
 #include "core/BandLimits.h"
 #include "core/SettingsStore.h"
+#include "channels/frmChannel.h"
+#include "core/AppState.h"
 #include "file/DataFile.h"
+#include "link/PortCatalogue.h"
 #include "shell/MDIForm1.h"
 #include "shell/MessageBox.h"
 
@@ -13,6 +16,7 @@
 #include <QDialog>
 #include <QLabel>
 #include <QMenu>
+#include <QTableWidget>
 #include <QTest>
 #include <QTimer>
 
@@ -21,9 +25,10 @@
 
 namespace wr::test {
 
-// A main window on a settings file of the test's own, with the message box
-// and file dialog seams reset. Unexpected message boxes answer their default
-// button so a test never hangs on one; history() shows them all the same.
+// A main window on a settings file of the test's own, with the message box,
+// file dialog and port list seams reset. Unexpected message boxes answer
+// their default button so a test never hangs on one; history() shows them
+// all the same.
 class ShellHarness
 {
 public:
@@ -38,6 +43,8 @@ public:
     {
         MessageBox::reset();
         FileDialog::reset();
+        setSystemPortSource({});
+        setSerialPortsFolder({});
     }
 
     void storeSetting(const QString &name, const QString &value)
@@ -49,8 +56,11 @@ public:
         return settings.GetKeyValue(SettingsStore::Root::LocalMachine, SettingsStore::keyPath(), name);
     }
 
-    MDIForm1 &open()
+    // language < 0 leaves the setting unset.
+    MDIForm1 &open(int language = -1)
     {
+        if (language >= 0)
+            storeSetting(QStringLiteral("language"), QString::number(language));
         window = std::make_unique<MDIForm1>(&settings);
         return *window;
     }
@@ -60,6 +70,24 @@ public:
         if (auto *menu = window->findChild<QMenu *>(name))
             return menu->menuAction();
         return window->findChild<QAction *>(name);
+    }
+    void trigger(const QString &name) const { action(name)->trigger(); }
+    // A value typed into the grid only: the image does not know it yet.
+    void editRx(int channel, const QString &rx) const { window->channelList()->setChannelRx(channel, rx); }
+    QString gridRx(int channel) const { return window->channelList()->grid()->item(channel, 1)->text(); }
+    static QString rxOf(const QByteArray &image, int channel)
+    {
+        MemoryImage memory;
+        memory.setBytes(image);
+        return ReadChannelTexts(memory, channel, 0).rx;
+    }
+    static QString imageRx(int channel) { return rxOf(app().image.bytes(), channel); }
+    static QStringList shownTexts()
+    {
+        QStringList texts;
+        for (const MessageBox::Shown &box : MessageBox::history())
+            texts << box.text;
+        return texts;
     }
     QString panel(int number) const
     {

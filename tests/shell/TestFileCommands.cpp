@@ -2,12 +2,8 @@
 // the file names, and that a failure never changes the image or the files.
 #include "ShellHarness.h"
 
-#include "channels/frmChannel.h"
-#include "core/AppState.h"
-
 #include <QFile>
 #include <QRandomGenerator>
-#include <QTableWidget>
 
 #include <csignal>
 #include <optional>
@@ -18,36 +14,29 @@ using wr::test::ShellHarness;
 
 namespace {
 
-QString rxInFile(const QString &path, int channel)
+// Writes past the limit fail with EFBIG, which even root cannot override:
+// the way to make a save fail in the middle of writing.
+struct FileSizeLimit
 {
-    wr::MemoryImage image;
-    image.setBytes(wr::DataFile::Read(path).image);
-    return wr::ReadChannelTexts(image, channel, 0).rx;
-}
-
-// Lets writes past a size limit fail with EFBIG, which even root cannot
-// override: the way to make a save fail in the middle of writing.
-class FileSizeLimit
-{
-public:
+    rlimit saved{};
+    void (*handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
     explicit FileSizeLimit(rlim_t bytes)
     {
-        getrlimit(RLIMIT_FSIZE, &m_saved);
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-        rlimit limit = m_saved;
-        limit.rlim_cur = bytes;
+        getrlimit(RLIMIT_FSIZE, &saved);
+        const rlimit limit{bytes, saved.rlim_max};
         setrlimit(RLIMIT_FSIZE, &limit);
     }
     ~FileSizeLimit()
     {
-        setrlimit(RLIMIT_FSIZE, &m_saved);
-        std::signal(SIGXFSZ, m_handler);
+        setrlimit(RLIMIT_FSIZE, &saved);
+        std::signal(SIGXFSZ, handler);
     }
-
-private:
-    rlimit m_saved{};
-    void (*m_handler)(int) = nullptr;
 };
+
+QString rxInFile(const QString &path, int channel)
+{
+    return ShellHarness::rxOf(wr::DataFile::Read(path).image, channel);
+}
 
 } // namespace
 
@@ -58,19 +47,12 @@ class TestFileCommands : public QObject
 private:
     std::optional<ShellHarness> h;
 
-    void trigger(const QString &item) { h->action(item)->trigger(); }
-    // A value typed into the grid, not yet in the image.
-    void editInGrid(int channel, const QString &rx) { h->window->channelList()->setChannelRx(channel, rx); }
-    QString gridRx(int channel) const { return h->window->channelList()->grid()->item(channel, 1)->text(); }
-    QString imageRx(int channel) const { return wr::ReadChannelTexts(wr::app().image, channel, 0).rx; }
-
 private Q_SLOTS:
     void initTestCase() { wr::test::initTestProcess(); }
     void init()
     {
         h.emplace();
-        h->storeSetting(u"language"_s, u"0"_s);
-        h->open();
+        h->open(0);
     }
     void cleanup() { h.reset(); }
 
@@ -98,22 +80,18 @@ private Q_SLOTS:
         const QByteArray otherImage = ShellHarness::imageWithChannels(20, 5);
         QVERIFY(ShellHarness::writeDataFile(other, otherImage));
         if (modified)
-            editInGrid(1, u"145.5"_s); // in the grid only; Open still knows it as a change
+            h->editRx(1, u"145.5"_s); // in the grid only; Open still knows it as a change
         if (answer)
             wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
         if (saveName != u"-")
             wr::FileDialog::setNextFileName(saveName.isEmpty() ? QString() : h->fixture.path(saveName));
         if (opened)
             wr::FileDialog::setNextFileName(other);
-        trigger(u"mnuFile_Open"_s);
+        h->trigger(u"mnuFile_Open"_s);
 
-        QStringList asked;
-        for (const wr::MessageBox::Shown &box : wr::MessageBox::history()) {
-            asked << box.text;
-            QCOMPARE(box.icon, QMessageBox::Warning);
-            QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
-        }
-        QCOMPARE(asked, modified ? QStringList{u"File has been modified, save it now?"_s} : QStringList());
+        QCOMPARE(ShellHarness::shownTexts(), modified ? QStringList{u"File has been modified, save it now?"_s} : QStringList());
+        for (const wr::MessageBox::Shown &box : wr::MessageBox::history())
+            QVERIFY(box.icon == QMessageBox::Warning && box.buttons == (QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel));
         const QString saved = h->fixture.path(u"saved.tw"_s);
         const bool savedFirst = saveName == u"saved.tw";
         QCOMPARE(QFile::exists(saved), savedFirst);
@@ -122,35 +100,35 @@ private Q_SLOTS:
         QCOMPARE(wr::app().CurrentFileName, savedFirst ? saved : u"Untitled"_s);
         QCOMPARE(wr::app().image.IsModified(), !opened);
         QCOMPARE(wr::app().image.bytes() == otherImage, opened);
-        QCOMPARE(gridRx(20), opened ? u"450.12500"_s : QString());
-        QCOMPARE(gridRx(1), opened ? QString() : u"145.50000"_s);
+        QCOMPARE(h->gridRx(20), opened ? u"450.12500"_s : QString());
+        QCOMPARE(h->gridRx(1), opened ? QString() : u"145.50000"_s);
         if (!opened)
-            QCOMPARE(imageRx(1), u"145.50000"_s);
+            QCOMPARE(ShellHarness::imageRx(1), u"145.50000"_s);
     }
 
     // Save with "Untitled" asks for a name; after Open, Save goes to the
     // file last saved, without a dialog, and leaves the opened file alone.
     void saveGoesToTheLastSavedFile()
     {
-        editInGrid(5, u"146.0"_s);
+        h->editRx(5, u"146.0"_s);
         const QString saved = h->fixture.path(u"saved.tw"_s);
         wr::FileDialog::setNextFileName(saved);
-        trigger(u"mnuFile_Save"_s);
+        h->trigger(u"mnuFile_Save"_s);
         QCOMPARE(wr::app().CurrentFileName, saved);
         QCOMPARE(wr::DataFile::Read(saved).image, wr::app().image.bytes());
-        QCOMPARE(imageRx(5), u"146.00000"_s);
+        QCOMPARE(ShellHarness::imageRx(5), u"146.00000"_s);
         QVERIFY(!wr::app().image.IsModified());
 
         const QString opened = h->fixture.path(u"opened.tw"_s);
         QVERIFY(ShellHarness::writeDataFile(opened, ShellHarness::imageWithChannels(1, 3)));
         const QByteArray openedFile = wr::test::readFile(opened);
         wr::FileDialog::setNextFileName(opened);
-        trigger(u"mnuFile_Open"_s);
-        QCOMPARE(imageRx(2), u"432.12500"_s);
-        editInGrid(10, u"439.0"_s);
+        h->trigger(u"mnuFile_Open"_s);
+        QCOMPARE(ShellHarness::imageRx(2), u"432.12500"_s);
+        h->editRx(10, u"439.0"_s);
         const QString sentinel = h->fixture.path(u"sentinel.tw"_s);
         wr::FileDialog::setNextFileName(sentinel); // a dialog would take it
-        trigger(u"mnuFile_Save"_s);
+        h->trigger(u"mnuFile_Save"_s);
         QVERIFY(!QFile::exists(sentinel));
         QCOMPARE(wr::app().CurrentFileName, saved);
         QCOMPARE(rxInFile(saved, 10), u"439.00000"_s);
@@ -177,13 +155,13 @@ private Q_SLOTS:
         QFETCH(QString, title);
         const QString path = h->fixture.path(u"bad.tw"_s);
         QVERIFY(wr::test::writeFile(path, content));
-        editInGrid(3, u"145.0"_s);
+        h->editRx(3, u"145.0"_s);
         h->window->CommitStep();
-        editInGrid(4, u"146.0"_s); // modified again, but answered No below
+        h->editRx(4, u"146.0"_s); // modified again, but answered No below
         wr::app().BandLimits[0] = 140;
         wr::MessageBox::setNextAnswer(QMessageBox::No);
         wr::FileDialog::setNextFileName(path);
-        trigger(u"mnuFile_Open"_s);
+        h->trigger(u"mnuFile_Open"_s);
 
         const QList<wr::MessageBox::Shown> shown = wr::MessageBox::history();
         QCOMPARE(shown.size(), 2);
@@ -192,11 +170,11 @@ private Q_SLOTS:
         QCOMPARE(shown.at(1).text, u"Incorrect File Type."_s);
         // The image (with the grid's edit moved in), its snapshot state, the
         // band limits and the grid are as before.
-        QCOMPARE(imageRx(3), u"145.00000"_s);
-        QCOMPARE(imageRx(4), u"146.00000"_s);
+        QCOMPARE(ShellHarness::imageRx(3), u"145.00000"_s);
+        QCOMPARE(ShellHarness::imageRx(4), u"146.00000"_s);
         QVERIFY(wr::app().image.IsModified());
         QCOMPARE(wr::app().BandLimits[0], 140);
-        QCOMPARE(gridRx(4), u"146.00000"_s);
+        QCOMPARE(h->gridRx(4), u"146.00000"_s);
         QVERIFY(!QFile::exists(wr::app().AppFolder + u"tempzunk.dat"_s));
     }
 
@@ -221,7 +199,7 @@ private Q_SLOTS:
         wr::FileDialog::setNextFileName(path);
         {
             FileSizeLimit limit(1024);
-            trigger(u"mnuFile_SaveAs"_s);
+            h->trigger(u"mnuFile_SaveAs"_s);
         }
         const QList<wr::MessageBox::Shown> shown = wr::MessageBox::history();
         QCOMPARE(shown.size(), 1);
@@ -230,8 +208,8 @@ private Q_SLOTS:
         QVERIFY(!shown.first().text.isEmpty());
         QCOMPARE(wr::test::readFile(path), oldFile);
         QCOMPARE(wr::app().CurrentFileName, u"Untitled"_s); // the failed name is not taken
-        QVERIFY(!imageRx(100).isEmpty());
-        QVERIFY(imageRx(101).isEmpty());
+        QVERIFY(!ShellHarness::imageRx(100).isEmpty());
+        QVERIFY(ShellHarness::imageRx(101).isEmpty());
     }
 
     void fileNew_data()
@@ -251,7 +229,7 @@ private Q_SLOTS:
         wr::app().CurrentFileName = h->fixture.path(u"current.tw"_s);
         h->window->RefreshMainWindow();
         wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
-        trigger(u"mnuFile_New"_s);
+        h->trigger(u"mnuFile_New"_s);
         const QList<wr::MessageBox::Shown> shown = wr::MessageBox::history();
         QCOMPARE(shown.size(), 1);
         QCOMPARE(shown.first().title, u"Alert!"_s);
@@ -261,7 +239,7 @@ private Q_SLOTS:
         wr::MemoryImage fresh;
         fresh.InitImage();
         QCOMPARE(wr::app().image.bytes() == fresh.bytes(), cleared);
-        QCOMPARE(gridRx(1).isEmpty(), cleared);
+        QCOMPARE(h->gridRx(1).isEmpty(), cleared);
         QVERIFY(!wr::app().image.IsModified());
         QCOMPARE(wr::app().CurrentFileName, h->fixture.path(u"current.tw"_s));
     }
