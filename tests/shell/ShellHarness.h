@@ -16,6 +16,7 @@
 #include <QDialog>
 #include <QLabel>
 #include <QMenu>
+#include <QMetaEnum>
 #include <QTableWidget>
 #include <QTest>
 #include <QTimer>
@@ -82,12 +83,13 @@ public:
         return ReadChannelTexts(memory, channel, 0).rx;
     }
     static QString imageRx(int channel) { return rxOf(app().image.bytes(), channel); }
-    static QStringList shownTexts()
+    // "Icon|title|text" of every message box so far.
+    static QStringList shownBoxes()
     {
-        QStringList texts;
+        QStringList boxes;
         for (const MessageBox::Shown &box : MessageBox::history())
-            texts << box.text;
-        return texts;
+            boxes << QLatin1StringView(QMetaEnum::fromType<QMessageBox::Icon>().valueToKey(box.icon)) + u'|' + box.title + u'|' + box.text;
+        return boxes;
     }
     QString panel(int number) const
     {

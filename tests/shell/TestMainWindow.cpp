@@ -75,9 +75,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("key");
         QTest::addColumn<QString>("expectedText"); // the message the key leads to, empty = none
-        QTest::newRow("Ctrl+N asks before clearing") << int(Qt::Key_N) << u"All data will be cleared."_s;
-        QTest::newRow("Ctrl+R asks before reading") << int(Qt::Key_R) << u"Read data from radio.\nDo you wish to continue?"_s;
-        QTest::newRow("Ctrl+W asks before writing") << int(Qt::Key_W) << u"Write data to radio.\nDo you wish to continue?"_s;
+        QTest::newRow("Ctrl+N asks before clearing") << int(Qt::Key_N) << u"Warning|Alert!|All data will be cleared."_s;
+        QTest::newRow("Ctrl+R asks before reading") << int(Qt::Key_R) << u"Question|WR-PD6T|Read data from radio.\nDo you wish to continue?"_s;
+        QTest::newRow("Ctrl+W asks before writing") << int(Qt::Key_W) << u"Question|WR-PD6T|Write data to radio.\nDo you wish to continue?"_s;
         QTest::newRow("Ctrl+P of the hidden Print does nothing") << int(Qt::Key_P) << QString();
         QTest::newRow("Ctrl+V of the hidden Print View does nothing") << int(Qt::Key_V) << QString();
     }
@@ -94,7 +94,7 @@ private Q_SLOTS:
         wr::app().LinkDirection = 5; // neither: shows whether Read or Write set it
         wr::MessageBox::setNextAnswer(QMessageBox::Cancel);
         QTest::keyClick(h->window.get(), Qt::Key(key), Qt::ControlModifier);
-        QCOMPARE(ShellHarness::shownTexts(), expectedText.isEmpty() ? QStringList() : QStringList{expectedText});
+        QCOMPARE(ShellHarness::shownBoxes(), expectedText.isEmpty() ? QStringList() : QStringList{expectedText});
         QCOMPARE(wr::app().image.bytes(), before);
         QCOMPARE(wr::app().LinkDirection, 5);
     }
