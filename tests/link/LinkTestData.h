@@ -4,6 +4,8 @@
 
 #include <QList>
 
+#include <utility>
+
 namespace wr::test {
 
 // Rows the clone transfer moves: 0-127, 200-247 and 399-409 both ways, and
@@ -11,15 +13,10 @@ namespace wr::test {
 inline QList<int> transferredRows(bool read)
 {
     QList<int> rows;
-    for (int row = 0; row < 128; ++row)
-        rows.append(row);
-    for (int row = 200; row < 248; ++row)
-        rows.append(row);
-    for (int row = 399; row < 410; ++row)
-        rows.append(row);
-    if (read)
-        rows.append(416);
-    return rows;
+    for (auto [first, end] : {std::pair{0, 128}, std::pair{200, 248}, std::pair{399, 410}})
+        for (int row = first; row < end; ++row)
+            rows.append(row);
+    return read ? rows << 416 : rows;
 }
 
 // Fills an image with bytes that differ from row to row and from one seed to

@@ -1,4 +1,3 @@
-#include "LinkTestData.h"
 #include "TestSupport.h"
 
 #include "core/AppState.h"
@@ -8,7 +7,6 @@
 
 #include <QTest>
 
-#include <limits>
 #include <utility>
 
 using namespace wr;
@@ -21,140 +19,94 @@ Q_DECLARE_METATYPE(wr::sim::RadioFaults)
 
 namespace {
 
-// Runs a CloneEngine against virtual radios on numbered ports with a made-up
-// clock in milliseconds: timers, waits and answers (5 ms after each frame)
-// happen in time order, so a whole transfer, time-outs and port scan
-// included, takes a few milliseconds of real time.
-class FakeLink
+// Drives a CloneEngine against virtual radios on numbered ports with a made-up
+// millisecond clock: the earliest of the reply (5 ms after its frame), the
+// wait, the time-out and the send tick happens next, so a whole transfer,
+// time-outs and port scan included, takes a few milliseconds of real time.
+struct FakeLink
 {
-public:
-    explicit FakeLink(CloneEngine &engine) : m_engine(engine) {}
-
-    QMap<int, VirtualRadio *> radios;   // ports without one are silent but open
-    QMap<int, QString> refused;         // ports that will not open, with the reason
-    QSet<int> lostReplies;              // indexes of frames whose answer is lost
-    QList<bool> answers;                // to the lost-connection question; then Cancel
+    explicit FakeLink(CloneEngine &e) : engine(e) {}
+    CloneEngine &engine;
+    QMap<int, VirtualRadio *> radios; // ports without one are silent but open
+    QMap<int, QString> refused;       // ports that will not open, with the reason
+    QSet<int> lostReplies;            // indexes of frames whose answer is lost
+    bool retry = false;               // the first answer to the lost-connection question; then Cancel
 
     QList<QPair<int, QByteArray>> frames; // port, bytes
     QList<int> portChanges;
     QList<qint64> questionTimes;
     QList<Action> messages;
-    QString progressText;
-    int progressAtMessage = -1;
-    int readCompleted = 0;
+    int port = 0, threshold = 0;
     bool unloaded = false;
+    qint64 now = 0, due[4] = {-1, -1, -1, -1}; // reply, wait, time-out, send tick; -1 when idle
+    int every[4] = {};
+    QByteArray rx, pending;
 
-    int count(int port, const QByteArray &frame) const
-    {
-        return static_cast<int>(frames.count({port, frame}));
-    }
+    int count(int onPort, const QByteArray &frame) const { return int(frames.count({onPort, frame})); }
 
     void run()
     {
-        perform(m_engine.start());
+        perform(engine.start());
         while (!unloaded) {
-            qint64 next = std::numeric_limits<qint64>::max();
-            for (const Timer *timer : {&m_wait, &m_timeout, &m_send})
-                next = timer->active ? std::min(next, timer->due) : next;
-            if (!m_inFlight.isEmpty())
-                next = std::min(next, m_inFlight.first().first);
-            if (next == std::numeric_limits<qint64>::max())
+            int next = -1; // ties go to the lower index
+            for (int i = 0; i < 4; ++i)
+                next = due[i] >= 0 && (next < 0 || due[i] < due[next]) ? i : next;
+            if (next < 0)
                 return; // nothing left that could move the transfer on
-            m_now = std::max(m_now, next);
-            if (!m_inFlight.isEmpty() && m_inFlight.first().first <= m_now) {
-                m_rx += m_inFlight.takeFirst().second;
-            } else if (m_wait.active && m_wait.due <= m_now) {
-                m_wait.active = false;
-                perform(m_engine.waitElapsed());
-            } else if (m_timeout.active && m_timeout.due <= m_now) {
-                m_timeout.due = m_now + m_timeout.interval;
-                perform(m_engine.timeoutTick());
-            } else {
-                m_send.due = m_now + m_send.interval;
-                perform(m_engine.sendTick());
-            }
-            if (!unloaded && m_threshold > 0 && m_port != 0 && m_rx.size() >= m_threshold && !m_engine.waiting()
-                && !m_engine.asking())
-                perform(m_engine.dataWaiting());
+            now = std::max(now, due[next]);
+            due[next] = next < 2 ? -1 : now + every[next];
+            if (next == 0)
+                rx += std::exchange(pending, {});
+            else
+                perform(next == 1 ? engine.waitElapsed() : next == 2 ? engine.timeoutTick() : engine.sendTick());
+            if (!unloaded && threshold > 0 && port && rx.size() >= threshold && !engine.waiting() && !engine.asking())
+                perform(engine.dataWaiting());
         }
     }
-
-private:
-    struct Timer
-    {
-        bool active = false;
-        qint64 due = 0;
-        int interval = 0;
-    };
 
     void perform(const CloneEngine::Actions &actions)
     {
-        for (const Action &action : actions) {
+        for (const Action &a : actions) {
             if (unloaded)
                 return;
-            switch (action.kind) {
+            switch (a.kind) {
             case Action::OpenPort:
-                if (refused.contains(action.value)) {
-                    perform(m_engine.portFailed(refused.value(action.value)));
-                } else {
-                    m_port = action.value;
-                    perform(m_engine.portOpened());
-                }
+                port = refused.contains(a.value) ? 0 : a.value;
+                perform(port ? engine.portOpened() : engine.portFailed(refused.value(a.value)));
                 break;
-            case Action::ClosePort:
-                m_port = 0;
-                m_inFlight.clear();
-                [[fallthrough]];
-            case Action::DiscardBuffers:
-                m_rx.clear();
-                break;
+            case Action::ClosePort: port = 0; pending.clear(); due[0] = -1; [[fallthrough]];
+            case Action::DiscardBuffers: rx.clear(); break;
             case Action::Send: {
-                VirtualRadio *radio = radios.value(m_port);
-                const QByteArray answer = radio ? radio->receive(action.bytes) : QByteArray();
-                if (!answer.isEmpty() && !lostReplies.contains(static_cast<int>(frames.size())))
-                    m_inFlight.append({m_now + 5, answer});
-                frames.append({m_port, action.bytes});
+                VirtualRadio *radio = radios.value(port);
+                const QByteArray answer = radio ? radio->receive(a.bytes) : QByteArray();
+                if (!answer.isEmpty() && !lostReplies.contains(int(frames.size())))
+                    pending += answer, due[0] = now + 5;
+                frames.append({port, a.bytes});
                 break;
             }
-            case Action::SetThreshold: m_threshold = action.value; break;
-            case Action::StartSendTimer: m_send = {true, m_now + action.value, action.value}; break;
-            case Action::StopSendTimer: m_send.active = false; break;
-            case Action::StartTimeout: m_timeout = {true, m_now + action.value, action.value}; break;
-            case Action::StopTimeout: m_timeout.active = false; break;
-            case Action::Wait: m_wait = {true, m_now + action.value, action.value}; break;
-            case Action::ReadReply: perform(m_engine.replyRead(std::exchange(m_rx, {}))); break;
-            case Action::Progress:
-                m_progress = action.value;
-                progressText = action.text;
-                break;
-            case Action::PortChanged: portChanges.append(action.value); break;
+            case Action::SetThreshold: threshold = a.value; break;
+            case Action::StartSendTimer: due[3] = now + (every[3] = a.value); break;
+            case Action::StopSendTimer: due[3] = -1; break;
+            case Action::StartTimeout: due[2] = now + (every[2] = a.value); break;
+            case Action::StopTimeout: due[2] = -1; break;
+            case Action::Wait: due[1] = now + a.value; break;
+            case Action::ReadReply: perform(engine.replyRead(std::exchange(rx, {}))); break;
+            case Action::PortChanged: portChanges.append(a.value); break;
             case Action::AskLostConnection:
-                questionTimes.append(m_now);
-                perform(m_engine.answered(!answers.isEmpty() && answers.takeFirst()));
+                questionTimes.append(now);
+                perform(engine.answered(std::exchange(retry, false)));
                 break;
-            case Action::ShowMessage:
-                progressAtMessage = messages.isEmpty() ? m_progress : progressAtMessage;
-                messages.append(action);
-                break;
-            case Action::ReadCompleted: ++readCompleted; break;
+            case Action::ShowMessage: messages.append(a); break;
             case Action::Unload: unloaded = true; break;
+            default: break; // progress and refresh: what the form shows
             }
         }
     }
-
-    CloneEngine &m_engine;
-    qint64 m_now = 0;
-    Timer m_send, m_timeout, m_wait;
-    int m_port = 0;
-    int m_threshold = 0;
-    int m_progress = 0;
-    QByteArray m_rx;
-    QList<QPair<qint64, QByteArray>> m_inFlight;
 };
 
 int addressOf(const QByteArray &frame)
 {
-    return static_cast<quint8>(frame.at(1)) << 8 | static_cast<quint8>(frame.at(2));
+    return frame.size() < 4 ? -1 : quint8(frame.at(1)) << 8 | quint8(frame.at(2));
 }
 
 } // namespace
@@ -168,10 +120,8 @@ private Q_SLOTS:
     void init() { m_fixture = std::make_unique<test::Fixture>(); }
     void cleanup() { m_fixture.reset(); }
 
-    void completeTransfer_data();
-    void completeTransfer();
-    void faultyRadio_data();
-    void faultyRadio();
+    void transfer_data();
+    void transfer();
     void portScan_data();
     void portScan();
     void replyWhileRejectedChangesNothing();
@@ -180,98 +130,74 @@ private:
     std::unique_ptr<test::Fixture> m_fixture;
 };
 
-void TestCloneEngine::completeTransfer_data()
+void TestCloneEngine::transfer_data()
 {
     QTest::addColumn<bool>("read");
-    QTest::addColumn<int>("progress");
-    QTest::addColumn<QString>("label");
+    QTest::addColumn<RadioFaults>("faults");
+    QTest::addColumn<QList<int>>("lostReplies");
+    QTest::addColumn<bool>("retry");
+    QTest::addColumn<int>("progress"); // at the closing message; -1: the transfer failed
+    QTest::addColumn<int>("identityRequests");
 
-    QTest::newRow("read ends at 188") << true << 188 << u"Completion percentage:  100%"_s;
-    QTest::newRow("write ends at 187") << false << 187 << u"Completion percentage:  99%"_s;
+    RadioFaults wrongId, hangUp;
+    wrongId.wrongId = true;
+    hangUp.hangUpAfterRows = 10;
+    const QList<int> seven{4, 9, 30, 31, 32, 100, 150};
+    QTest::newRow("read ends at 188") << true << RadioFaults{} << QList<int>{} << false << 188 << 1;
+    QTest::newRow("write ends at 187") << false << RadioFaults{} << QList<int>{} << false << 187 << 1;
+    QTest::newRow("identification one off: 8 requests, no scan") << true << wrongId << QList<int>{} << false << -1 << 8;
+    // Each resend starts the bar over: 46 rows follow the last lost reply.
+    QTest::newRow("seven lost replies are resent") << true << RadioFaults{} << seven << false << 46 << 1;
+    QTest::newRow("eighth lost reply spends the budget") << true << RadioFaults{} << seven + QList<int>{170} << false
+                                                         << -1 << 1;
+    QTest::newRow("Retry starts over from PROGRAM") << true << hangUp << QList<int>{} << true << 188 << 2;
 }
 
-// Row contents are checked byte for byte end to end, over a pseudo-terminal.
-void TestCloneEngine::completeTransfer()
+void TestCloneEngine::transfer()
 {
     QFETCH(bool, read);
+    QFETCH(RadioFaults, faults);
+    QFETCH(QList<int>, lostReplies);
+    QFETCH(bool, retry);
     QFETCH(int, progress);
-    QFETCH(QString, label);
+    QFETCH(int, identityRequests);
+    const bool completes = progress > 0;
 
     AppState &state = app();
     state.LinkDirection = read ? 0 : 1;
     state.LanguageIndex = 0;
-    state.PortNumber = 3;
-    VirtualRadio radio;
-    CloneEngine engine(state, [] { return QStringList{u"COM3"_s}; });
-    FakeLink link(engine);
-    link.radios[3] = &radio;
-    link.run();
-
-    QVERIFY(link.unloaded && engine.Finished && link.questionTimes.isEmpty());
-    QCOMPARE(link.progressAtMessage, progress);
-    QCOMPARE(link.progressText, label);
-    QCOMPARE(link.readCompleted, read ? 1 : 0);
-    // One frame per step; the request after the row at 0x07F0 asks for 0x0C80.
-    QCOMPARE(link.frames.size(), 2 + progress + 1);
-    QCOMPARE(link.frames.last().second, QByteArray("END"));
-    const QByteArray jump = link.frames.at(2 + 128).second;
-    QCOMPARE(addressOf(link.frames.at(2 + 127).second), 0x07F0);
-    QCOMPARE(addressOf(jump), 0x0C80);
-    QCOMPARE(jump.size(), read ? 4 : 20);
-    QCOMPARE(jump.at(0), read ? 'R' : 'W');
-}
-
-void TestCloneEngine::faultyRadio_data()
-{
-    QTest::addColumn<RadioFaults>("faults");
-    QTest::addColumn<QList<int>>("lostReplies");
-    QTest::addColumn<bool>("retry");
-    QTest::addColumn<bool>("completes");
-    QTest::addColumn<int>("openingFrames");
-    QTest::addColumn<int>("identityRequests");
-
-    RadioFaults noisy, wrongId, hangUp;
-    noisy.noiseBeforeAck = true;
-    wrongId.wrongId = true;
-    hangUp.hangUpAfterRows = 10;
-    QTest::newRow("stray bytes before the ACK") << noisy << QList<int>{} << false << true << 1 << 1;
-    QTest::newRow("identification one off: 8 requests, no scan") << wrongId << QList<int>{} << false << false << 1 << 8;
-    QTest::newRow("eighth lost reply spends the budget")
-        << RadioFaults{} << QList<int>{4, 9, 30, 31, 32, 100, 150, 170} << false << false << 1 << 1;
-    QTest::newRow("seven lost replies are resent")
-        << RadioFaults{} << QList<int>{4, 9, 30, 31, 32, 100, 150} << false << true << 1 << 1;
-    QTest::newRow("Retry starts over from PROGRAM") << hangUp << QList<int>{} << true << true << 2 << 2;
-}
-
-void TestCloneEngine::faultyRadio()
-{
-    QFETCH(RadioFaults, faults);
-    QFETCH(QList<int>, lostReplies);
-    QFETCH(bool, retry);
-    QFETCH(bool, completes);
-    QFETCH(int, openingFrames);
-    QFETCH(int, identityRequests);
-
-    AppState &state = app();
-    state.LinkDirection = 0;
     state.PortNumber = 2;
     VirtualRadio radio(faults);
-    test::fillPattern(radio.memory(), 3);
     CloneEngine engine(state, [] { return QStringList{u"COM2"_s}; });
-    FakeLink link(engine);
+    FakeLink link{engine};
     link.radios[2] = &radio;
-    link.lostReplies = QSet<int>(lostReplies.begin(), lostReplies.end());
-    link.answers = {retry};
+    link.lostReplies = {lostReplies.begin(), lostReplies.end()};
+    link.retry = retry;
     link.run();
 
     QVERIFY(link.unloaded);
     QCOMPARE(engine.Finished, completes);
     QCOMPARE(link.questionTimes.size(), completes && !retry ? 0 : 1);
     QVERIFY(link.portChanges.isEmpty()); // the opening command was answered: no scan
-    QCOMPARE(link.count(2, "PROGRAM"), openingFrames);
+    QCOMPARE(link.count(2, "PROGRAM"), retry ? 2 : 1);
     QCOMPARE(link.count(2, QByteArray(1, 0x02)), identityRequests);
-    for (int row : test::transferredRows(true))
-        QVERIFY(!completes || state.image.row(row) == radio.memory().row(row));
+    QCOMPARE(link.messages.size(), completes ? 1 : 0); // "Reading completed!"
+    if (!completes)
+        return;
+    QCOMPARE(engine.progress(), progress);
+    if (lostReplies.isEmpty()) { // one frame per step of the last attempt
+        QCOMPARE(engine.progressText(), u"Completion percentage:  %1%"_s.arg(read ? 100 : 99));
+        QCOMPARE(link.frames.size() - (retry ? link.frames.indexOf({2, "PROGRAM"}, 1) : 0), 2 + progress + 1);
+    }
+    QCOMPARE(link.frames.last().second, QByteArray("END"));
+    // The request after the row at 0x07F0 asks for 0x0C80.
+    QList<int> addresses;
+    for (const auto &frame : std::as_const(link.frames))
+        addresses.append(addressOf(frame.second));
+    const QByteArray jump = link.frames.at(addresses.lastIndexOf(0x07F0) + 1).second;
+    QCOMPARE(addressOf(jump), 0x0C80);
+    QCOMPARE(jump.size(), read ? 4 : 20);
+    QCOMPARE(jump.at(0), read ? 'R' : 'W');
 }
 
 void TestCloneEngine::portScan_data()
@@ -280,19 +206,17 @@ void TestCloneEngine::portScan_data()
     QTest::addColumn<int>("radioPort");
     QTest::addColumn<int>("refusedPort");
     QTest::addColumn<QList<int>>("portChanges");
-    QTest::addColumn<int>("finalPort");
     QTest::addColumn<int>("openingFramesOnChosenPort");
 
     // The chosen port 5 opens, but nothing answers there; each port tried
     // gets the opening command 1 + 7 times.
     QTest::newRow("radio found on a listed port, which is kept")
-        << QStringList{u"COM1"_s, u"COM4"_s, u"COM5"_s} << 4 << 0 << QList<int>{1, 4} << 4 << 8;
+        << QStringList{u"COM1"_s, u"COM4"_s, u"COM5"_s} << 4 << 0 << QList<int>{1, 4} << 8;
     QTest::newRow("no radio: Cancel gives the chosen port back")
-        << QStringList{u"COM1"_s, u"COM5"_s} << 0 << 0 << QList<int>{1, 5, 5} << 5 << 16;
-    QTest::newRow("no port listed: straight to the question") << QStringList{QString()} << 0 << 0 << QList<int>{5}
-                                                              << 5 << 8;
+        << QStringList{u"COM1"_s, u"COM5"_s} << 0 << 0 << QList<int>{1, 5, 5} << 16;
+    QTest::newRow("no port listed: straight to the question") << QStringList{QString()} << 0 << 0 << QList<int>{5} << 8;
     QTest::newRow("a listed port that will not open ends it")
-        << QStringList{u"COM2"_s, u"COM1"_s} << 1 << 2 << QList<int>{2} << 2 << 8;
+        << QStringList{u"COM2"_s, u"COM1"_s} << 1 << 2 << QList<int>{2} << 8;
 }
 
 void TestCloneEngine::portScan()
@@ -301,7 +225,6 @@ void TestCloneEngine::portScan()
     QFETCH(int, radioPort);
     QFETCH(int, refusedPort);
     QFETCH(QList<int>, portChanges);
-    QFETCH(int, finalPort);
     QFETCH(int, openingFramesOnChosenPort);
 
     AppState &state = app();
@@ -309,13 +232,14 @@ void TestCloneEngine::portScan()
     state.PortNumber = 5;
     VirtualRadio radio;
     CloneEngine engine(state, [ports] { return ports; });
-    FakeLink link(engine);
+    FakeLink link{engine};
     link.radios[radioPort] = &radio;
     link.refused[refusedPort] = u"Permission denied"_s;
     link.run();
 
     QVERIFY(link.unloaded);
     QCOMPARE(link.portChanges, portChanges);
+    const int finalPort = radioPort == 4 ? 4 : refusedPort ? refusedPort : 5;
     QCOMPARE(int{state.PortNumber}, finalPort);
     QCOMPARE(engine.Finished, radioPort == finalPort);
     QCOMPARE(link.count(5, "PROGRAM"), openingFramesOnChosenPort);
@@ -332,6 +256,10 @@ void TestCloneEngine::portScan()
 void TestCloneEngine::replyWhileRejectedChangesNothing()
 {
     CloneEngine engine(app(), [] { return QStringList{QString()}; });
+    const auto has = [](const CloneEngine::Actions &actions, Action::Kind kind, int value, const QByteArray &bytes) {
+        return std::any_of(actions.begin(), actions.end(),
+                           [&](const Action &a) { return a.kind == kind && a.value == value && a.bytes == bytes; });
+    };
     engine.start();
     engine.portOpened();
     engine.sendTick(); // PROGRAM
@@ -339,11 +267,8 @@ void TestCloneEngine::replyWhileRejectedChangesNothing()
     engine.replyRead(QByteArray(1, 0x06));
     engine.sendTick(); // 02
     engine.waitElapsed();
-    const CloneEngine::Actions rejected = engine.replyRead("QAWPD6X");
+    QVERIFY(has(engine.replyRead("QAWPD6X"), Action::StartTimeout, 1, {}));
     QVERIFY(engine.Rejected);
-    QVERIFY(std::any_of(rejected.begin(), rejected.end(),
-                        [](const Action &a) { return a.kind == Action::StartTimeout && a.value == 1; }));
-
     // A late reply arriving now is not even read.
     QVERIFY(engine.dataWaiting().isEmpty());
     QCOMPARE(engine.Step, qint16{1});
@@ -351,9 +276,7 @@ void TestCloneEngine::replyWhileRejectedChangesNothing()
     engine.timeoutTick();
     QCOMPARE(engine.RetryCount, quint8{1});
     QVERIFY(!engine.Rejected);
-    const CloneEngine::Actions resend = engine.sendTick();
-    QVERIFY(std::any_of(resend.begin(), resend.end(),
-                        [](const Action &a) { return a.kind == Action::Send && a.bytes == QByteArray(1, 0x02); }));
+    QVERIFY(has(engine.sendTick(), Action::Send, 0, QByteArray(1, 0x02)));
 }
 
 QTEST_GUILESS_MAIN(TestCloneEngine)

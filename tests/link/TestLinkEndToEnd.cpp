@@ -39,9 +39,7 @@ void TestLinkEndToEnd::transfer_data()
 {
     QTest::addColumn<bool>("read");
     QTest::addColumn<RadioFaults>("faults");
-    QTest::addColumn<bool>("retry"); // the answer to the lost-connection question
-    QTest::addColumn<int>("rowsMoved"); // 188 read or 187 written when complete
-    QTest::addColumn<int>("questions");
+    QTest::addColumn<int>("rowsMoved"); // 188 read or 187 written when complete; else a question, answered Cancel
 
     RadioFaults silent, wrongId, noisy, drop, delay, hangUp, nak;
     silent.silent = true;
@@ -51,25 +49,20 @@ void TestLinkEndToEnd::transfer_data()
     delay.delayMs = 20;
     hangUp.hangUpAfterRows = 20;
     nak.nakWrites = true;
-    QTest::newRow("read") << true << RadioFaults{} << false << 188 << 0;
-    QTest::newRow("write") << false << RadioFaults{} << false << 187 << 0;
-    QTest::newRow("silent: scan, Cancel") << true << silent << false << 0 << 1;
-    QTest::newRow("wrong id: Cancel") << true << wrongId << false << 0 << 1;
-    QTest::newRow("noise before the ACK") << true << noisy << false << 188 << 0;
-    QTest::newRow("dropped reply is resent") << false << drop << false << 187 << 0;
-    QTest::newRow("late replies") << true << delay << false << 188 << 0;
-    QTest::newRow("hang-up, Cancel keeps 20 rows") << true << hangUp << false << 20 << 1;
-    QTest::newRow("hang-up, Retry completes") << true << hangUp << true << 188 << 1;
-    QTest::newRow("refused writes: radio untouched") << false << nak << false << 0 << 1;
+    QTest::newRow("read, noise before the ACK") << true << noisy << 188;
+    QTest::newRow("write, a dropped reply is resent") << false << drop << 187;
+    QTest::newRow("read, late replies") << true << delay << 188;
+    QTest::newRow("silent: scan, Cancel") << true << silent << 0;
+    QTest::newRow("wrong id: Cancel") << true << wrongId << 0;
+    QTest::newRow("hang-up, Cancel keeps 20 rows") << true << hangUp << 20;
+    QTest::newRow("refused writes: radio untouched") << false << nak << 0;
 }
 
 void TestLinkEndToEnd::transfer()
 {
     QFETCH(bool, read);
     QFETCH(RadioFaults, faults);
-    QFETCH(bool, retry);
     QFETCH(int, rowsMoved);
-    QFETCH(int, questions);
     const bool completes = rowsMoved >= 187;
 
     test::RadioOnPty line(m_fixture->path(u"serial-ports"_s), faults);
@@ -87,10 +80,7 @@ void TestLinkEndToEnd::transfer()
     CloneEngine engine(state);
     QStringList asked, shown;
     CloneDriver::Prompts prompts;
-    prompts.askRetry = [&](const QString &, const QString &text) {
-        asked.append(text);
-        return retry;
-    };
+    prompts.askRetry = [&](const QString &, const QString &text) { return asked.append(text), false; };
     prompts.showMessage = [&](CloneEngine::MessageIcon, const QString &, const QString &text) { shown.append(text); };
     CloneDriver driver(engine, prompts);
     QEventLoop loop;
@@ -102,7 +92,7 @@ void TestLinkEndToEnd::transfer()
 
     QVERIFY(!driver.isRunning());
     QCOMPARE(engine.Finished, completes);
-    QCOMPARE(asked.size(), questions);
+    QCOMPARE(asked.size(), completes ? 0 : 1);
     QCOMPARE(int{state.PortNumber}, 200);
     QCOMPARE(shown, completes ? QStringList{read ? u"Reading completed!"_s : u"Writing completed!"_s} : QStringList{});
     // Row by row: what moved is an exact copy, everything else is as it was.
