@@ -71,7 +71,6 @@ void TestFrmclone::transfer()
 
     frmclone form;
     QSignalSpy completed(&form, &frmclone::readCompleted);
-    QSignalSpy portChanged(&form, &frmclone::portNumberChanged);
     form.show();
     QVERIFY(form.isModal());
     QCOMPARE(form.windowTitle(), caption);
@@ -80,7 +79,6 @@ void TestFrmclone::transfer()
     QCOMPARE(form.result(), int{reads ? QDialog::Accepted : QDialog::Rejected});
     QCOMPARE(form.findChild<QLabel *>(u"lblPercent"_s)->text(), label);
     QCOMPARE(completed.size(), reads ? 1 : 0);
-    QCOMPARE(portChanged.size(), 0);
     QCOMPARE(int{state.PortNumber}, port);
     const QList<MessageBox::Shown> shown = MessageBox::history();
     QCOMPARE(shown.size(), 1);

@@ -58,8 +58,7 @@ void TestLinkTools::init()
     m_environment = QProcessEnvironment::systemEnvironment();
     m_environment.insert(u"XDG_DATA_HOME"_s, path(u"data"_s));
     test::fillPattern(m_radioImage, 11);
-    QString error;
-    QVERIFY(DataFile::Write(path(u"start.tw"_s), m_radioImage, &error));
+    QVERIFY(DataFile::Write(path(u"start.tw"_s), m_radioImage, nullptr));
 }
 
 QString TestLinkTools::startRadio(const QStringList &faults)
