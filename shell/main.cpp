@@ -9,7 +9,7 @@ int main(int argc, char *argv[])
     QApplication application(argc, argv);
     wr::InitApplicationIdentity();
     QApplication::setWindowIcon(wr::AppIcon());
-    QGuiApplication::setDesktopFileName(QStringLiteral("wrpd6t"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("io.github.wrpd6t.wrpd6t"));
 
     wr::MDIForm1 window;
     window.show();

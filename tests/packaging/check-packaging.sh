@@ -1,0 +1,99 @@
+#!/usr/bin/env bash
+# Checks of the desktop integration and the Debian package, one per CTest test:
+#   check-packaging.sh CHECK SOURCE_DIR BUILD_DIR
+# CHECK is desktop-entry, metainfo, mime, install or deb. Each works in a
+# temporary folder of its own and leaves the build folder as it was.
+set -euo pipefail
+check=$1 source=$2 build=$3
+id=io.github.wrpd6t.wrpd6t
+mime_type=application/x-wrpd6t-data
+tmp=$(mktemp -d)
+trap 'rm -rf "$tmp"' EXIT
+
+fail() { echo "FAIL: $*" >&2; exit 1; }
+
+# What an installation holds, relative to its prefix.
+installed_files() {
+    cat <<LIST
+bin/wrpd6t
+bin/wrpd6t-radio-sim
+bin/wrpd6t-tool
+share/applications/$id.desktop
+share/icons/hicolor/256x256/apps/$id.png
+share/icons/hicolor/48x48/apps/$id.png
+share/icons/hicolor/scalable/apps/$id.svg
+share/metainfo/$id.metainfo.xml
+share/mime/packages/$id.xml
+LIST
+}
+
+# Width and height of a PNG from its header.
+png_size() { od -An -tu1 -j16 -N8 "$1" | awk '{print $3*256+$4 "x" $7*256+$8}'; }
+
+# The pieces of an installed tree under $1/$2 (root, prefix) fit together:
+# the entry names the icon and MIME type that are installed, the AppStream
+# file launches the entry, the icons have their sizes, and the tool runs.
+check_tree() {
+    local root=$1 prefix=$2 data=$1$2/share
+    local entry=$data/applications/$id.desktop
+    grep -qx "Icon=$id" "$entry" || fail "the desktop entry does not name the icon $id"
+    grep -qx "Exec=wrpd6t %f" "$entry" || fail "the desktop entry does not pass the file to wrpd6t"
+    grep -qx "MimeType=$mime_type;" "$entry" || fail "the desktop entry does not take $mime_type"
+    grep -q "<mime-type type=\"$mime_type\">" "$data/mime/packages/$id.xml" || fail "the MIME package does not declare $mime_type"
+    grep -q "<launchable type=\"desktop-id\">$id.desktop</launchable>" "$data/metainfo/$id.metainfo.xml" \
+        || fail "the metainfo does not launch $id.desktop"
+    [ "$(png_size "$data/icons/hicolor/48x48/apps/$id.png")" = 48x48 ] || fail "the 48x48 icon has another size"
+    [ "$(png_size "$data/icons/hicolor/256x256/apps/$id.png")" = 256x256 ] || fail "the 256x256 icon has another size"
+    local version
+    version=$("$root$prefix/bin/wrpd6t-tool" --version)
+    [ "$version" = "wrpd6t-tool 1.03" ] || fail "the installed tool says '$version'"
+}
+
+case $check in
+desktop-entry)
+    desktop-file-validate "$source/packaging/$id.desktop"
+    ;;
+metainfo)
+    appstreamcli validate --no-net "$source/packaging/$id.metainfo.xml"
+    ;;
+mime)
+    mkdir "$tmp/packages"
+    cp "$source/packaging/$id.mime.xml" "$tmp/packages/$id.xml"
+    update-mime-database "$tmp" 2>/dev/null
+    grep -qx "50:$mime_type:\*\.tw" "$tmp/globs2" || fail "no *.tw glob in globs2: $(cat "$tmp/globs2")"
+    # Packed files have no fixed first bytes, so nothing may be told by content.
+    ! grep -q "$mime_type" "$tmp/magic" || fail "$mime_type has magic"
+    for lang in zh_CN zh_TW; do
+        grep -q "<comment xml:lang=\"$lang\">" "$tmp/$mime_type.xml" || fail "no $lang comment"
+    done
+    ;;
+install)
+    "${CMAKE:-cmake}" --install "$build" --prefix "$tmp/prefix" >/dev/null 2>&1 || fail "cmake --install failed"
+    (cd "$tmp/prefix" && find . -type f | sed 's|^\./||' | sort) > "$tmp/found"
+    # The install refreshes the prefix's MIME database and desktop index.
+    grep -qx "50:$mime_type:\*\.tw" "$tmp/prefix/share/mime/globs2" || fail "the install did not refresh the MIME database"
+    grep -qx "$mime_type=$id.desktop;" "$tmp/prefix/share/applications/mimeinfo.cache" \
+        || fail "the install did not refresh the desktop index"
+    grep -v -e '^share/mime/[^p]' -e '^share/applications/mimeinfo.cache$' "$tmp/found" > "$tmp/owned"
+    installed_files | diff -u - "$tmp/owned" || fail "unexpected installed files"
+    check_tree "$tmp/prefix" ""
+    ;;
+deb)
+    (cd "$build" && "${CPACK:-cpack}" -G DEB -B "$tmp/out" >/dev/null) || fail "cpack failed"
+    deb=$tmp/out/wrpd6t_1.03_$(dpkg --print-architecture).deb
+    [ -f "$deb" ] || fail "no $(basename "$deb"): $(ls "$tmp/out")"
+    [ "$(dpkg-deb -f "$deb" Section)" = hamradio ] || fail "section is not hamradio"
+    depends=$(dpkg-deb -f "$deb" Depends)
+    for library in libqt6widgets6 libqt6serialport6 libc6; do
+        [[ $depends == *"$library "* ]] || fail "Depends lacks $library: $depends"
+    done
+    # Only the program's own files: the databases are the triggers' business.
+    dpkg -c "$deb" | awk '$1 !~ /^d/ {print $6}' | sed 's|^\./usr/||' | sort > "$tmp/listed"
+    installed_files | diff -u - "$tmp/listed" || fail "unexpected files in the package"
+    dpkg-deb -x "$deb" "$tmp/root"
+    check_tree "$tmp/root" /usr
+    ;;
+*)
+    fail "unknown check $check"
+    ;;
+esac
