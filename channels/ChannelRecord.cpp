@@ -160,15 +160,19 @@ QString BclText(ChannelRecord::Bcl value, int languageIndex)
     return Words::Off().in(languageIndex);
 }
 
+bool ChannelInUse(const MemoryImage &image, int channel)
+{
+    return !ChannelRecord(image, channel).emptyBit() && !ReadFreq(image, Side::Rx, channel).isEmpty();
+}
+
 ChannelTexts ReadChannelTexts(const MemoryImage &image, int channel, int languageIndex)
 {
-    const ChannelRecord record(image, channel);
     ChannelTexts texts;
-    const QString rx = ReadFreq(image, Side::Rx, channel);
-    if (rx.isEmpty() || record.emptyBit())
+    if (!ChannelInUse(image, channel))
         return texts;
 
-    texts.rx = rx;
+    const ChannelRecord record(image, channel);
+    texts.rx = ReadFreq(image, Side::Rx, channel);
     texts.decode = ReadTone(image, Side::Rx, channel, languageIndex);
     texts.power = PowerText(record.highPower(), languageIndex);
     texts.bandwidth = BandwidthText(record.wide(), languageIndex);

@@ -104,8 +104,12 @@ struct ChannelTexts
     bool operator==(const ChannelTexts &) const = default;
 };
 
-// The texts of channel 1-128 as the channel list shows them in a language. A
-// channel with its empty bit set or any receive byte erased is empty.
+// Whether channel 1-128 is in use. A channel with its empty bit set or any
+// receive byte erased is empty, and the channel list shows an empty row.
+bool ChannelInUse(const MemoryImage &image, int channel);
+
+// The texts of channel 1-128 as the channel list shows them in a language;
+// all empty for a channel not in use.
 ChannelTexts ReadChannelTexts(const MemoryImage &image, int channel, int languageIndex);
 
 // The bytes a new channel gets at once, before its row is first saved:

@@ -3,6 +3,7 @@
 #include "TestSupport.h"
 
 #include "core/MemoryImage.h"
+#include "file/Backups.h"
 #include "file/DataFile.h"
 
 #include <QDir>
@@ -24,12 +25,16 @@ struct Run
     QString err;
 };
 
-// Runs the tool in folder; "@" in an argument stands for the folder.
+// Runs the tool in folder; "@" in an argument stands for the folder. The
+// tool's data folder is @/data/wrpd6t.
 Run runTool(QStringList arguments, const QString &folder)
 {
     QProcess process;
     arguments.replaceInStrings(u"@"_s, folder);
     process.setWorkingDirectory(folder);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"XDG_DATA_HOME"_s, folder + u"/data"_s);
+    process.setProcessEnvironment(environment);
     process.start(QStringLiteral(WRPD6T_TOOL_PATH), arguments);
     Run run;
     if (process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit)
@@ -66,6 +71,7 @@ private Q_SLOTS:
     void exitCodes_data();
     void exitCodes();
     void fileCommands();
+    void backups();
 
 private:
     std::unique_ptr<test::Fixture> m_fixture;
@@ -107,6 +113,10 @@ void TestTool::exitCodes_data()
     QTest::newRow("overview") << QStringList{u"--help"_s} << 0 << u"\n  unpack "_s;
     QTest::newRow("help of a command") << QStringList{u"pack"_s, u"--help"_s} << 0
                                        << u"Usage: wrpd6t-tool pack [options] IN.bin OUT.tw\n"_s;
+    QTest::newRow("help of backups names the folder") << QStringList{u"backups"_s, u"--help"_s} << 0
+                                                      << u"@/data/wrpd6t/backups"_s;
+    QTest::newRow("backups with an argument") << QStringList{u"backups"_s, u"@/channels.tw"_s} << 2
+                                              << u"too many arguments"_s;
     QTest::newRow("info of another program's file") << QStringList{u"info"_s, u"@/png.tw"_s} << 1
                                                     << u"@/png.tw: Incorrect File Type."_s;
     QTest::newRow("unpack of a truncated file") << QStringList{u"unpack"_s, u"@/truncated.tw"_s, u"@/out.bin"_s}
@@ -155,6 +165,27 @@ void TestTool::fileCommands()
     QCOMPARE(test::readFile(folder + u"/channels.bin"_s), DF::Container(imageWithChannels()));
     QCOMPARE(runTool({u"pack"_s, u"@/channels.bin"_s, u"@/repacked.tw"_s}, folder).exitCode, 0);
     QCOMPARE(test::readFile(folder + u"/repacked.tw"_s), test::readFile(folder + u"/channels.tw"_s));
+}
+
+void TestTool::backups()
+{
+    const QString folder = m_fixture->folder();
+    const QString backups = folder + u"/data/wrpd6t/backups"_s;
+    MemoryImage fresh;
+    fresh.InitImage();
+    const QDate day(2026, 11, 23);
+    QVERIFY(Backups::keep(backups, imageWithChannels(), BackupReason::Read, QDateTime(day, QTime(14, 15, 2))).status
+            == Backups::Status::Written);
+    QVERIFY(Backups::keep(backups, fresh, BackupReason::Exit, QDateTime(day, QTime(18, 0))).status
+            == Backups::Status::Written);
+    QVERIFY(test::writeFile(backups + u"/2026-11-24_090000-read.tw"_s, "damaged"));
+
+    const Run run = runTool({u"backups"_s}, folder);
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.out, u"Time\tReason\tChannels\tFile\n"
+                      "2026-11-24 09:00:00\tread\tunreadable\t@/2026-11-24_090000-read.tw\n"
+                      "2026-11-23 18:00:00\texit\t0\t@/2026-11-23_180000-exit.tw\n"
+                      "2026-11-23 14:15:02\tread\t2\t@/2026-11-23_141502-read.tw\n"_s.replace(u"@"_s, backups));
 }
 
 QTEST_GUILESS_MAIN(TestTool)

@@ -1,12 +1,14 @@
-// Subcommands on ".tw" data files: new, info, dump, unpack, pack.
+// Subcommands on ".tw" data files: new, info, dump, unpack, pack, backups.
 
 #include "Commands.h"
 
 #include "channels/ChannelRecord.h"
 #include "core/Language.h"
 #include "core/MemoryImage.h"
+#include "file/Backups.h"
 #include "file/DataFile.h"
 
+#include <QDir>
 #include <QFile>
 
 namespace wr::tool {
@@ -173,6 +175,37 @@ int runPack(const QStringList &arguments)
     return writeFile(line.arguments().at(1), *packed);
 }
 
+int runBackups(const QStringList &arguments)
+{
+    const QString folder = QDir::toNativeSeparators(Backups::defaultFolder());
+    CommandLine line(QStringLiteral("backups"),
+                     QStringLiteral("Lists the automatic backups in %1, newest first, tab-separated: when each "
+                                    "was kept, why (read: read from a radio; exit: the memory when the program "
+                                    "closed), how many channels are in use, and the data file.")
+                         .arg(folder));
+    if (const auto status = line.parse(arguments))
+        return *status;
+
+    out() << "Time\tReason\tChannels\tFile\n";
+    const QList<Backups::Entry> entries = Backups::list();
+    for (const Backups::Entry &entry : entries) {
+        const DataFile::ReadResult file = DataFile::Read(entry.path);
+        QString channels = QStringLiteral("unreadable");
+        if (file.status == DataFile::ReadStatus::Ok) {
+            MemoryImage image;
+            image.setBytes(file.image);
+            int inUse = 0;
+            for (int channel = 1; channel <= ChannelRecord::ChannelCount; ++channel)
+                inUse += ChannelInUse(image, channel) ? 1 : 0;
+            channels = QString::number(inUse);
+        }
+        out() << entry.time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) << '\t'
+              << Backups::reasonName(entry.reason) << '\t' << channels << '\t'
+              << QDir::toNativeSeparators(entry.path) << '\n';
+    }
+    return Success;
+}
+
 } // namespace
 
 QList<Command> fileCommands()
@@ -183,6 +216,7 @@ QList<Command> fileCommands()
         {QStringLiteral("dump"), QStringLiteral("print the memory image of a data file in hexadecimal"), runDump},
         {QStringLiteral("unpack"), QStringLiteral("write the unpacked container of a data file"), runUnpack},
         {QStringLiteral("pack"), QStringLiteral("pack a container into a data file"), runPack},
+        {QStringLiteral("backups"), QStringLiteral("list the automatic backups"), runBackups},
     };
 }
 

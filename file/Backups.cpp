@@ -1,0 +1,139 @@
+#include "file/Backups.h"
+
+#include "file/DataFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QStandardPaths>
+
+#include <algorithm>
+
+namespace wr::Backups {
+
+namespace {
+
+const QString StampFormat = QStringLiteral("yyyy-MM-dd_HHmmss");
+
+// A backup's name: the stamp, a sequence number from 2 on for the second and
+// later backups of one second, the reason.
+const QRegularExpression &namePattern()
+{
+    static const QRegularExpression pattern(
+        QStringLiteral(R"(^(\d{4}-\d\d-\d\d_\d{6})(?:_([2-9]|[1-9]\d{1,5}))?-(read|exit)\.tw$)"));
+    return pattern;
+}
+
+struct Named
+{
+    Entry entry;
+    QString stamp;
+    int sequence = 1;
+};
+
+// The backups of a folder, newest first.
+QList<Named> scan(const QString &folder)
+{
+    QList<Named> found;
+    const QDir dir(folder);
+    const QStringList names = dir.entryList({QStringLiteral("*.tw")}, QDir::Files);
+    for (const QString &name : names) {
+        const QRegularExpressionMatch match = namePattern().match(name);
+        if (!match.hasMatch())
+            continue;
+        Named named;
+        named.stamp = match.captured(1);
+        named.entry.time = QDateTime::fromString(named.stamp, StampFormat);
+        if (!named.entry.time.isValid())
+            continue;
+        named.sequence = match.hasCaptured(2) ? match.captured(2).toInt() : 1;
+        named.entry.reason = match.captured(3) == u"exit" ? BackupReason::Exit : BackupReason::Read;
+        named.entry.path = dir.filePath(name);
+        found.append(named);
+    }
+    std::sort(found.begin(), found.end(), [](const Named &a, const Named &b) {
+        return a.stamp != b.stamp ? a.stamp > b.stamp : a.sequence > b.sequence;
+    });
+    return found;
+}
+
+bool equalsImage(const QString &path, const MemoryImage &image)
+{
+    const DataFile::ReadResult file = DataFile::Read(path);
+    return file.status == DataFile::ReadStatus::Ok && file.image == image.bytes();
+}
+
+Result failure(const QString &errorString)
+{
+    Result result;
+    result.errorString = errorString;
+    return result;
+}
+
+} // namespace
+
+QString defaultFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/backups");
+}
+
+QString reasonName(BackupReason reason)
+{
+    return reason == BackupReason::Exit ? QStringLiteral("exit") : QStringLiteral("read");
+}
+
+Result keep(const MemoryImage &image, BackupReason reason)
+{
+    return keep(defaultFolder(), image, reason, QDateTime::currentDateTime());
+}
+
+Result keep(const QString &folder, const MemoryImage &image, BackupReason reason, const QDateTime &now)
+{
+    if (!QDir().mkpath(folder))
+        return failure(QStringLiteral("Cannot create the folder %1").arg(QDir::toNativeSeparators(folder)));
+
+    const QList<Named> existing = scan(folder);
+    // Closing the program after opening, reading or saving without a change
+    // would otherwise keep the same memory twice.
+    if (reason == BackupReason::Exit && !existing.isEmpty() && equalsImage(existing.first().entry.path, image)) {
+        Result result;
+        result.status = Status::Unchanged;
+        result.path = existing.first().entry.path;
+        return result;
+    }
+
+    const QString stamp = now.toString(StampFormat);
+    int sequence = 0;
+    for (const Named &named : existing) {
+        if (named.stamp == stamp)
+            sequence = std::max(sequence, named.sequence);
+    }
+    QString name = stamp;
+    if (sequence > 0)
+        name += u'_' + QString::number(sequence + 1);
+    name += u'-' + reasonName(reason) + QStringLiteral(".tw");
+
+    Result result;
+    result.path = QDir(folder).filePath(name);
+    if (!DataFile::Write(result.path, image, &result.errorString))
+        return failure(result.errorString);
+    result.status = Status::Written;
+
+    // A backup that cannot be deleted stays; the next backup tries again.
+    const QList<Named> kept = scan(folder);
+    for (qsizetype index = KeptCount; index < kept.size(); ++index)
+        QFile::remove(kept.at(index).entry.path);
+    return result;
+}
+
+QList<Entry> list(const QString &folder)
+{
+    QList<Entry> entries;
+    const QList<Named> found = scan(folder);
+    entries.reserve(found.size());
+    for (const Named &named : found)
+        entries.append(named.entry);
+    return entries;
+}
+
+} // namespace wr::Backups
