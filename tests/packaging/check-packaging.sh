@@ -30,14 +30,17 @@ LIST
 # Width and height of a PNG from its header.
 png_size() { od -An -tu1 -j16 -N8 "$1" | awk '{print $3*256+$4 "x" $7*256+$8}'; }
 
-# The pieces of an installed tree under $1/$2 (root, prefix) fit together:
-# the entry names the icon and MIME type that are installed, the AppStream
-# file launches the entry, the icons have their sizes, and the tool runs.
+# The pieces of an installed tree under $1$2 (root, prefix) fit together:
+# the entry names the icon and MIME type that are installed and starts the
+# installed program, the AppStream file launches the entry, the icons have
+# their sizes, the tool runs, and a desktop that reads only this tree's
+# databases takes .tw files for the MIME type and gives them to the entry.
 check_tree() {
     local root=$1 prefix=$2 data=$1$2/share
     local entry=$data/applications/$id.desktop
+    desktop-file-validate "$entry"
     grep -qx "Icon=$id" "$entry" || fail "the desktop entry does not name the icon $id"
-    grep -qx "Exec=wrpd6t %f" "$entry" || fail "the desktop entry does not pass the file to wrpd6t"
+    grep -qx "Exec=$prefix/bin/wrpd6t %f" "$entry" || fail "the desktop entry does not start $prefix/bin/wrpd6t"
     grep -qx "MimeType=$mime_type;" "$entry" || fail "the desktop entry does not take $mime_type"
     grep -q "<mime-type type=\"$mime_type\">" "$data/mime/packages/$id.xml" || fail "the MIME package does not declare $mime_type"
     grep -q "<launchable type=\"desktop-id\">$id.desktop</launchable>" "$data/metainfo/$id.metainfo.xml" \
@@ -47,6 +50,19 @@ check_tree() {
     local version
     version=$("$root$prefix/bin/wrpd6t-tool" --version)
     [ "$version" = "wrpd6t-tool 1.03" ] || fail "the installed tool says '$version'"
+
+    "$root$prefix/bin/wrpd6t-tool" new "$tmp/radio.tw"
+    local desktop=(env PATH=/nonexistent XDG_DATA_HOME="$data" XDG_DATA_DIRS=/nonexistent "$(command -v gio)")
+    "${desktop[@]}" info -a standard::content-type "$tmp/radio.tw" | grep -q "content-type: $mime_type$" \
+        || fail "a desktop does not take .tw files for $mime_type"
+    grep -qx "$mime_type=$id.desktop;" "$data/applications/mimeinfo.cache" \
+        || fail "the desktop index does not give $mime_type to $id.desktop"
+    # Desktops hide an entry whose program is missing, so this needs the
+    # program where the entry says, not in a scratch root.
+    if [ -z "$root" ]; then
+        "${desktop[@]}" mime "$mime_type" | grep -q "^Default application .*: $id.desktop$" \
+            || fail "a desktop does not open $mime_type with $id.desktop: $("${desktop[@]}" mime "$mime_type")"
+    fi
 }
 
 case $check in
@@ -70,13 +86,11 @@ mime)
 install)
     "${CMAKE:-cmake}" --install "$build" --prefix "$tmp/prefix" >/dev/null 2>&1 || fail "cmake --install failed"
     (cd "$tmp/prefix" && find . -type f | sed 's|^\./||' | sort) > "$tmp/found"
-    # The install refreshes the prefix's MIME database and desktop index.
-    grep -qx "50:$mime_type:\*\.tw" "$tmp/prefix/share/mime/globs2" || fail "the install did not refresh the MIME database"
-    grep -qx "$mime_type=$id.desktop;" "$tmp/prefix/share/applications/mimeinfo.cache" \
-        || fail "the install did not refresh the desktop index"
+    # The install refreshed the prefix's MIME database and desktop index,
+    # which check_tree reads.
     grep -v -e '^share/mime/[^p]' -e '^share/applications/mimeinfo.cache$' "$tmp/found" > "$tmp/owned"
     installed_files | diff -u - "$tmp/owned" || fail "unexpected installed files"
-    check_tree "$tmp/prefix" ""
+    check_tree "" "$tmp/prefix"
     ;;
 deb)
     (cd "$build" && "${CPACK:-cpack}" -G DEB -B "$tmp/out" >/dev/null) || fail "cpack failed"
@@ -90,7 +104,11 @@ deb)
     # Only the program's own files: the databases are the triggers' business.
     dpkg -c "$deb" | awk '$1 !~ /^d/ {print $6}' | sed 's|^\./usr/||' | sort > "$tmp/listed"
     installed_files | diff -u - "$tmp/listed" || fail "unexpected files in the package"
+    # Unpacked into a scratch root, with the databases refreshed as dpkg's
+    # triggers do on a real system.
     dpkg-deb -x "$deb" "$tmp/root"
+    update-mime-database "$tmp/root/usr/share/mime" 2>/dev/null
+    update-desktop-database "$tmp/root/usr/share/applications"
     check_tree "$tmp/root" /usr
     ;;
 *)
