@@ -183,14 +183,15 @@ void TestBackups::unwritableFolder()
 
 void TestBackups::defaultFolder()
 {
-    // The call the program makes: the application data folder, now.
-    const QString expected = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + u"/backups"_s;
-    QDir(expected).removeRecursively();
+    // The call the program makes: the application data folder (the test
+    // process's own, in test mode), now.
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    QDir(data).removeRecursively();
     const Backups::Result result = Backups::keep(imageMarked(1), BackupReason::Read);
     QCOMPARE(result.status, Backups::Status::Written);
-    QCOMPARE(QFileInfo(result.path).path(), expected);
+    QCOMPARE(QFileInfo(result.path).path(), data + u"/backups"_s);
     QVERIFY(qAbs(Backups::list().first().time.secsTo(QDateTime::currentDateTime())) < 60);
-    QVERIFY(QDir(expected).removeRecursively());
+    QVERIFY(QDir(data).removeRecursively());
 }
 
 QTEST_GUILESS_MAIN(TestBackups)
