@@ -10,10 +10,6 @@ namespace wr {
 
 class SettingsStore;
 
-// Which half of a channel record a codec works on: receive (decode tone) or
-// transmit (encode tone).
-enum class Side { Rx, Tx };
-
 // Process-wide state of the programming software. It exists once, lives on
 // the user-interface thread and is read and written directly by every form;
 // there is no other copy of the radio's data.

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "core/AppState.h"
+#include "core/BandLimits.h"
+#include "core/MemoryImage.h"
+#include "core/Side.h"
 
 #include <QString>
 #include <QStringView>

@@ -3,7 +3,7 @@
 #include "core/AppState.h"
 #include "core/Language.h"
 #include "file/DataFile.h"
-#include "shell/MessageBox.h"
+#include "ui/MessageBox.h"
 
 using namespace Qt::StringLiterals;
 

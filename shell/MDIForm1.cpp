@@ -7,7 +7,7 @@
 #include "shell/AppIcon.h"
 #include "shell/FileCommands.h"
 #include "shell/LanguageForm.h"
-#include "shell/MessageBox.h"
+#include "ui/MessageBox.h"
 #include "shell/QtTranslations.h"
 #include "shell/frmAbout.h"
 #include "shell/frmComPort.h"

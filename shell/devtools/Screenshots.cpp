@@ -7,7 +7,7 @@
 #include "link/frmclone.h"
 #include "shell/LanguageForm.h"
 #include "shell/MDIForm1.h"
-#include "shell/MessageBox.h"
+#include "ui/MessageBox.h"
 #include "shell/frmAbout.h"
 #include "shell/frmComPort.h"
 
