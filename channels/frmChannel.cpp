@@ -51,34 +51,30 @@ constexpr int twipsToPixels(int twips)
 // One notch of a standard mouse wheel.
 constexpr int WheelNotch = 120;
 
-const Triple &headerTriple(int column)
-{
-    static const std::array<Triple, frmChannel::ColumnCount> headers{{
-        {QStringLiteral("CH."), QStringLiteral("信道"), QStringLiteral("信道")},
-        {QStringLiteral("Rx Freq"), QStringLiteral("接收频率"), QStringLiteral("接收頻率")},
-        {QStringLiteral("Tx Freq"), QStringLiteral("发射频率"), QStringLiteral("發射頻率")},
-        {QStringLiteral("CTCSS/DCS Dec"), QStringLiteral("CTCSS/DCS 解码"), QStringLiteral("CTCSS/DCS 解碼")},
-        {QStringLiteral("CTCSS/DCS Enc"), QStringLiteral("CTCSS/DCS 编码"), QStringLiteral("CTCSS/DCS 編碼")},
-        {QStringLiteral("TX Power"), QStringLiteral("发射功率"), QStringLiteral("發射功率")},
-        {QStringLiteral("W/N"), QStringLiteral("宽/窄"), QStringLiteral("寬/窄")},
-        {QStringLiteral("Scan Add"), QStringLiteral("扫描添加"), QStringLiteral("掃描添加")},
-        {QStringLiteral("BCL"), QStringLiteral("繁忙锁定"), QStringLiteral("繁忙鎖定")},
-    }};
-    return headers.at(static_cast<std::size_t>(column));
-}
+constexpr std::array<Text, frmChannel::ColumnCount> Headers{{
+    {u"CH.", u"信道", u"信道"},
+    {u"Rx Freq", u"接收频率", u"接收頻率"},
+    {u"Tx Freq", u"发射频率", u"發射頻率"},
+    {u"CTCSS/DCS Dec", u"CTCSS/DCS 解码", u"CTCSS/DCS 解碼"},
+    {u"CTCSS/DCS Enc", u"CTCSS/DCS 编码", u"CTCSS/DCS 編碼"},
+    {u"TX Power", u"发射功率", u"發射功率"},
+    {u"W/N", u"宽/窄", u"寬/窄"},
+    {u"Scan Add", u"扫描添加", u"掃描添加"},
+    {u"BCL", u"繁忙锁定", u"繁忙鎖定"},
+}};
 
 // The words CboChannel1 offers in a list column, in the radio software's order.
-QList<const Triple *> columnChoices(int column)
+QList<Text> columnChoices(int column)
 {
     switch (column) {
     case frmChannel::ColPower:
-        return {&Words::High(), &Words::Low()};
+        return {Words::High, Words::Low};
     case frmChannel::ColBandwidth:
-        return {&Words::Wide(), &Words::Narrow()};
+        return {Words::Wide, Words::Narrow};
     case frmChannel::ColScanAdd:
-        return {&Words::Off(), &Words::On()};
+        return {Words::Off, Words::On};
     case frmChannel::ColBcl:
-        return {&Words::Off(), &Words::Carrier(), &Words::OptSignal()};
+        return {Words::Off, Words::Carrier, Words::OptSignal};
     default:
         return {};
     }
@@ -116,7 +112,7 @@ QString normaliseToneInput(const QString &text, int languageIndex)
         const QChar polarity = text.endsWith(u'I') ? u'I' : u'N';
         return u'D' + digits + polarity;
     }
-    return Words::None().in(languageIndex);
+    return Words::None.in(languageIndex);
 }
 
 bool isEnterKey(const QKeyEvent *event)
@@ -333,7 +329,7 @@ QString frmChannel::headerText(int column, int languageIndex)
 {
     if (column < 0 || column >= ColumnCount)
         return {};
-    return headerTriple(column).in(languageIndex);
+    return Headers[static_cast<std::size_t>(column)].in(languageIndex);
 }
 
 QString frmChannel::cellText(int row, int column) const
@@ -481,11 +477,11 @@ void frmChannel::fitColumns()
         case ColDecode:
         case ColEncode:
             width = std::max({width, cellMetrics.horizontalAdvance(QStringLiteral("D000N")) + Padding + ComboArrow,
-                              cellMetrics.horizontalAdvance(Words::None().in(language)) + Padding + ComboArrow});
+                              cellMetrics.horizontalAdvance(Words::None.in(language)) + Padding + ComboArrow});
             break;
         default:
-            for (const Triple *word : columnChoices(column))
-                width = std::max(width, cellMetrics.horizontalAdvance(word->in(language)) + Padding);
+            for (const Text &word : columnChoices(column))
+                width = std::max(width, cellMetrics.horizontalAdvance(word.in(language)) + Padding);
             break;
         }
         m_grid->setColumnWidth(column, width);
@@ -551,14 +547,14 @@ void frmChannel::setChannelRx(int channel, const QString &text)
     // A new channel: the transmit side follows the receive frequency, and the
     // record gets its defaults at once.
     const int language = app().LanguageIndex;
-    const QString none = Words::None().in(language);
+    const QString none = Words::None.in(language);
     setCell(channel, ColTx, NormaliseTxFreq(rx, app().BandLimits));
     setCell(channel, ColDecode, none);
     setCell(channel, ColEncode, none);
-    setCell(channel, ColPower, Words::High().in(language));
-    setCell(channel, ColBandwidth, Words::Wide().in(language));
-    setCell(channel, ColScanAdd, Words::On().in(language));
-    setCell(channel, ColBcl, Words::Off().in(language));
+    setCell(channel, ColPower, Words::High.in(language));
+    setCell(channel, ColBandwidth, Words::Wide.in(language));
+    setCell(channel, ColScanAdd, Words::On.in(language));
+    setCell(channel, ColBcl, Words::Off.in(language));
     CreateChannel(app().image, channel);
 }
 
@@ -573,7 +569,7 @@ void frmChannel::setChannelTx(int channel, const QString &text)
     }
     setCell(channel, ColTx, NormaliseTxFreq(text, app().BandLimits));
     if (cellText(channel, ColEncode).isEmpty())
-        setCell(channel, ColEncode, Words::None().in(app().LanguageIndex));
+        setCell(channel, ColEncode, Words::None.in(app().LanguageIndex));
 }
 
 bool frmChannel::isOpen(const QWidget *editor) const
@@ -726,7 +722,7 @@ void frmChannel::ShowCellEditor()
         if (m_savedCellText.isEmpty())
             break; // a tone of a channel without that side: nothing to edit
         if (combo->count() > 0)
-            combo->setItemText(0, Words::None().in(language));
+            combo->setItemText(0, Words::None.in(language));
         combo->setEditText(m_savedCellText);
         combo->lineEdit()->selectAll();
         combo->show();
@@ -740,8 +736,8 @@ void frmChannel::ShowCellEditor()
         QComboBox *combo = m_combo[1];
         placeEditor(combo);
         combo->clear();
-        for (const Triple *word : columnChoices(m_editColumn))
-            combo->addItem(word->in(language));
+        for (const Text &word : columnChoices(m_editColumn))
+            combo->addItem(word.in(language));
         combo->setCurrentIndex(combo->findText(m_savedCellText));
         widenToContents(combo);
         combo->show();

@@ -93,7 +93,7 @@ QStringList BuildToneTable(int languageIndex)
 {
     QStringList table;
     table.reserve(ToneTableSize);
-    table.append(Words::None().in(languageIndex));
+    table.append(Words::None.in(languageIndex));
     for (int tone : CtcssTones)
         table.append(ctcssText(tone));
     for (int code : DcsCodes)
@@ -105,7 +105,7 @@ QStringList BuildToneTable(int languageIndex)
 
 bool IsNoTone(QStringView text)
 {
-    return text.isEmpty() || Words::None().matches(text.toString());
+    return text.isEmpty() || Words::None.matches(text.toString());
 }
 
 QString ReadTone(const MemoryImage &image, Side side, int channel, int languageIndex)
@@ -115,7 +115,7 @@ QString ReadTone(const MemoryImage &image, Side side, int channel, int languageI
     const std::uint8_t low = image.ReadByte(row, at.low);
     const std::uint8_t high = image.ReadByte(row, at.high);
     if (low == 0xFF && high == 0xFF)
-        return Words::None().in(languageIndex);
+        return Words::None.in(languageIndex);
 
     const int value = spelledDecimal(high & 0x3F) * 100 + spelledDecimal(low);
     switch (high & KindMask) {

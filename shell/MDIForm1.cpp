@@ -54,6 +54,8 @@ constexpr int TreePaneWidth = 158;
 // radio software clears it whenever the whole image is handed on.
 constexpr int CommitClearedAddress = 0x0CD0;
 
+constexpr Text ContinueQuestion{u"Do you wish to continue?", u"是否继续？", u"是否繼續？"};
+
 QString versionText()
 {
     return u"Version 1.03"_s;
@@ -120,6 +122,11 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
 
 MDIForm1::~MDIForm1() = default;
 
+int MDIForm1::language() const
+{
+    return app().LanguageIndex;
+}
+
 void MDIForm1::Form_Load()
 {
     // Settings, the open-forms flags, the tone table, the grid sizes, the
@@ -133,24 +140,24 @@ void MDIForm1::Form_Load()
     showChannelList();
 }
 
-QMenu *MDIForm1::addMenu(const QString &name, Triple caption, bool shown)
+QMenu *MDIForm1::addMenu(const QString &name, Text caption, bool shown)
 {
-    QMenu *menu = menuBar()->addMenu(caption.english);
+    QMenu *menu = menuBar()->addMenu(caption.in(English));
     menu->setObjectName(name);
     menu->menuAction()->setVisible(shown);
-    m_captions.append({menu->menuAction(), std::move(caption)});
+    m_captions.append({menu->menuAction(), caption});
     return menu;
 }
 
-QAction *MDIForm1::addItem(QMenu *menu, const QString &name, Triple caption, const QKeySequence &shortcut, bool shown)
+QAction *MDIForm1::addItem(QMenu *menu, const QString &name, Text caption, const QKeySequence &shortcut, bool shown)
 {
-    QAction *action = menu->addAction(caption.english);
+    QAction *action = menu->addAction(caption.in(English));
     action->setObjectName(name);
     action->setShortcut(shortcut);
     // A hidden item is never shown, and Qt also switches its shortcut off,
     // so its key does nothing.
     action->setVisible(shown);
-    m_captions.append({action, std::move(caption)});
+    m_captions.append({action, caption});
     return action;
 }
 
@@ -164,74 +171,73 @@ void MDIForm1::addSeparator(QMenu *menu, const QString &name, bool shown)
 void MDIForm1::buildMenus()
 {
     menuBar()->setObjectName(u"MenuBar"_s);
-    const auto same = [](const QString &text) { return Triple{text, text, text}; };
     const auto ctrl = [](Qt::Key key) { return QKeySequence(Qt::CTRL | key); };
 
-    QMenu *file = addMenu(u"mnuFile"_s, {u"File(&F)"_s, u"文件(&F)"_s, u"文件(&F)"_s});
-    connect(addItem(file, u"mnuFile_New"_s, {u"&New"_s, u"新建(&N)"_s, u"新建(&N)"_s}, ctrl(Qt::Key_N)),
+    QMenu *file = addMenu(u"mnuFile"_s, {u"File(&F)", u"文件(&F)", u"文件(&F)"});
+    connect(addItem(file, u"mnuFile_New"_s, {u"&New", u"新建(&N)", u"新建(&N)"}, ctrl(Qt::Key_N)),
             &QAction::triggered, this, &MDIForm1::mnuFile_New_Click);
-    connect(addItem(file, u"mnuFile_Open"_s, {u"&Open"_s, u"打开(&O)"_s, u"打開(&O)"_s}, ctrl(Qt::Key_O)),
+    connect(addItem(file, u"mnuFile_Open"_s, {u"&Open", u"打开(&O)", u"打開(&O)"}, ctrl(Qt::Key_O)),
             &QAction::triggered, this, &MDIForm1::mnuFile_Open_Click);
-    connect(addItem(file, u"mnuFile_Save"_s, {u"&Save"_s, u"保存(&S)"_s, u"保存(&S)"_s}, ctrl(Qt::Key_S)),
+    connect(addItem(file, u"mnuFile_Save"_s, {u"&Save", u"保存(&S)", u"保存(&S)"}, ctrl(Qt::Key_S)),
             &QAction::triggered, this, &MDIForm1::mnuFile_Save_Click);
-    connect(addItem(file, u"mnuFile_SaveAs"_s, {u"Save &As"_s, u"另存为(&A)"_s, u"另存為(&A)"_s}, ctrl(Qt::Key_A)),
+    connect(addItem(file, u"mnuFile_SaveAs"_s, {u"Save &As", u"另存为(&A)", u"另存為(&A)"}, ctrl(Qt::Key_A)),
             &QAction::triggered, this, &MDIForm1::mnuFile_SaveAs_Click);
     addSeparator(file, u"mnuFile_Bar1"_s, false);
     // Printing does not exist; the two items stay hidden and do nothing.
-    addItem(file, u"mnuFile_Print"_s, {u"&Print"_s, u"打印(&P)"_s, u"打印(&P)"_s}, ctrl(Qt::Key_P), false);
-    addItem(file, u"mnuFile_PrintView"_s, {u"P&rint View"_s, u"打印预览(&R)"_s, u"打印預覽(&R)"_s}, ctrl(Qt::Key_V),
+    addItem(file, u"mnuFile_Print"_s, {u"&Print", u"打印(&P)", u"打印(&P)"}, ctrl(Qt::Key_P), false);
+    addItem(file, u"mnuFile_PrintView"_s, {u"P&rint View", u"打印预览(&R)", u"打印預覽(&R)"}, ctrl(Qt::Key_V),
             false);
     addSeparator(file, u"mnuFile_Bar2"_s, true);
-    connect(addItem(file, u"mnuFile_Exit"_s, {u"&Exit"_s, u"退出(&E)"_s, u"退出(&E)"_s}, ctrl(Qt::Key_X)),
+    connect(addItem(file, u"mnuFile_Exit"_s, {u"&Exit", u"退出(&E)", u"退出(&E)"}, ctrl(Qt::Key_X)),
             &QAction::triggered, this, &MDIForm1::mnuFile_Exit_Click);
 
-    QMenu *machine = addMenu(u"mnuMachine"_s, {u"Machine(&M)"_s, u"机型(&M)"_s, u"機型(&M)"_s}, false);
-    addItem(machine, u"mnuMachine_Info"_s, {u"Machine Info(&M)"_s, u"机型信息(&M)"_s, u"機型信息(&M)"_s});
+    QMenu *machine = addMenu(u"mnuMachine"_s, {u"Machine(&M)", u"机型(&M)", u"機型(&M)"}, false);
+    addItem(machine, u"mnuMachine_Info"_s, {u"Machine Info(&M)", u"机型信息(&M)", u"機型信息(&M)"});
 
-    QMenu *edit = addMenu(u"mnuEdit"_s, {u"Edit(&E)"_s, u"编辑(&E)"_s, u"編輯(&E)"_s});
-    connect(addItem(edit, u"mnuChannel_Info"_s, {u"Channel Info(&C)"_s, u"信道信息(&C)"_s, u"信道信息(&C)"_s}),
+    QMenu *edit = addMenu(u"mnuEdit"_s, {u"Edit(&E)", u"编辑(&E)", u"編輯(&E)"});
+    connect(addItem(edit, u"mnuChannel_Info"_s, {u"Channel Info(&C)", u"信道信息(&C)", u"信道信息(&C)"}),
             &QAction::triggered, this, &MDIForm1::mnuChannel_Info_Click);
     addSeparator(edit, u"mnuFile_Bar3"_s, true);
     connect(addItem(edit, u"mnuOptiom_Features"_s,
-                    {u"Optiom Features(&O)"_s, u"可选功能(&O)"_s, u"可選功能(&O)"_s}),
+                    {u"Optiom Features(&O)", u"可选功能(&O)", u"可選功能(&O)"}),
             &QAction::triggered, this, &MDIForm1::mnuOptiom_Features_Click);
     addSeparator(edit, u"mnuFile_Bar14"_s, false);
-    connect(addItem(edit, u"mnuVFO"_s, {u"Key Setting"_s, u"键定义"_s, u"鍵定義"_s}, {}, false),
+    connect(addItem(edit, u"mnuVFO"_s, {u"Key Setting", u"键定义", u"鍵定義"}, {}, false),
             &QAction::triggered, this, &MDIForm1::mnuVFO_Click);
     addSeparator(edit, u"mnuFile_Bar4"_s, false);
-    addItem(edit, u"mnuDTMF"_s, same(u"DTMF(&D)"_s), {}, false);
+    addItem(edit, u"mnuDTMF"_s, Text(u"DTMF(&D)"), {}, false);
     addSeparator(edit, u"mnuFile_Bar8"_s, false);
-    addItem(edit, u"mnuMSK"_s, same(u"MSK(&M)"_s), {}, false);
+    addItem(edit, u"mnuMSK"_s, Text(u"MSK(&M)"), {}, false);
     addSeparator(edit, u"mnuFile_Bar9"_s, false);
-    connect(addItem(edit, u"mnuScramble"_s, {u"Scramble(&S)"_s, u"扰频(&S)"_s, u"擾頻(&S)"_s}, {}, false),
+    connect(addItem(edit, u"mnuScramble"_s, {u"Scramble(&S)", u"扰频(&S)", u"擾頻(&S)"}, {}, false),
             &QAction::triggered, this, &MDIForm1::mnuScramble_Click);
     addSeparator(edit, u"mnuFile_Bar7"_s, false);
-    connect(addItem(edit, u"mnuRadio"_s, {u"Radio(&R)"_s, u"收音机(&R)"_s, u"收音機(&R)"_s}, {}, false),
+    connect(addItem(edit, u"mnuRadio"_s, {u"Radio(&R)", u"收音机(&R)", u"收音機(&R)"}, {}, false),
             &QAction::triggered, this, &MDIForm1::mnuRadio_Click);
 
-    QMenu *program = addMenu(u"mnuProgram"_s, {u"Program(&P)"_s, u"编程(&P)"_s, u"編程(&P)"_s});
+    QMenu *program = addMenu(u"mnuProgram"_s, {u"Program(&P)", u"编程(&P)", u"編程(&P)"});
     connect(addItem(program, u"mnuRead"_s,
-                    {u"Read Data From InterPhone(&R)"_s, u"从对讲机读取数据(&R)"_s, u"從對講機讀取數據(&R)"_s},
+                    {u"Read Data From InterPhone(&R)", u"从对讲机读取数据(&R)", u"從對講機讀取數據(&R)"},
                     ctrl(Qt::Key_R)),
             &QAction::triggered, this, &MDIForm1::mnuRead_Click);
     connect(addItem(program, u"mnuWrite"_s,
-                    {u"Write Data To InterPhone(&W)"_s, u"向对讲机写入数据(&W)"_s, u"向對講機寫入數據(&W)"_s},
+                    {u"Write Data To InterPhone(&W)", u"向对讲机写入数据(&W)", u"向對講機寫入數據(&W)"},
                     ctrl(Qt::Key_W)),
             &QAction::triggered, this, &MDIForm1::mnuWrite_Click);
 
-    QMenu *set = addMenu(u"mnuSet"_s, {u"Set(&S)"_s, u"设置(&S)"_s, u"設置(&S)"_s});
-    connect(addItem(set, u"mnuPort"_s, {u"Communication Port(&C)"_s, u"通信端口(&C)"_s, u"通信端口(&C)"_s}),
+    QMenu *set = addMenu(u"mnuSet"_s, {u"Set(&S)", u"设置(&S)", u"設置(&S)"});
+    connect(addItem(set, u"mnuPort"_s, {u"Communication Port(&C)", u"通信端口(&C)", u"通信端口(&C)"}),
             &QAction::triggered, this, &MDIForm1::mnuPort_Click);
     addSeparator(set, u"mnuFile_Bar5"_s, true);
-    connect(addItem(set, u"mnuLanguage"_s, {u"Language File Setup(&L)"_s, u"语言设置(&L)"_s, u"語言設置(&L)"_s}),
+    connect(addItem(set, u"mnuLanguage"_s, {u"Language File Setup(&L)", u"语言设置(&L)", u"語言設置(&L)"}),
             &QAction::triggered, this, &MDIForm1::mnuLanguage_Click);
-    addItem(set, u"mnuChange_Password"_s, {u"Change Password(&Y)"_s, u"更改密码(&Y)"_s, u"更改密碼(&Y)"_s}, {}, false);
+    addItem(set, u"mnuChange_Password"_s, {u"Change Password(&Y)", u"更改密码(&Y)", u"更改密碼(&Y)"}, {}, false);
     addSeparator(set, u"mnuFile_Bar6"_s, false);
-    addItem(set, u"mnuGet_Password"_s, {u"Get Password(&Z)"_s, u"获取读写密码(&Z)"_s, u"獲取讀寫密碼(&Z)"_s}, {},
+    addItem(set, u"mnuGet_Password"_s, {u"Get Password(&Z)", u"获取读写密码(&Z)", u"獲取讀寫密碼(&Z)"}, {},
             false);
 
-    QMenu *help = addMenu(u"mnuHelp"_s, {u"About(&A)"_s, u"关于(&A)"_s, u"關於(&A)"_s});
-    connect(addItem(help, u"mnuHelp_About"_s, {u"About(&A)"_s, u"关于(&A)"_s, u"關於(&A)"_s}), &QAction::triggered,
+    QMenu *help = addMenu(u"mnuHelp"_s, {u"About(&A)", u"关于(&A)", u"關於(&A)"});
+    connect(addItem(help, u"mnuHelp_About"_s, {u"About(&A)", u"关于(&A)", u"關於(&A)"}), &QAction::triggered,
             this, &MDIForm1::mnuHelp_About_Click);
 }
 
@@ -315,8 +321,8 @@ void MDIForm1::captionStep()
     for (const auto &[action, caption] : std::as_const(m_captions))
         action->setText(caption.in(language));
 
-    const Triple item1{u"CH Information"_s, u"信道信息"_s, u"信道信息"_s};
-    const Triple item2{u"Optiom Features"_s, u"可选功能"_s, u"可選功能"_s};
+    constexpr Text item1{u"CH Information", u"信道信息", u"信道信息"};
+    constexpr Text item2{u"Optiom Features", u"可选功能", u"可選功能"};
     for (QTreeWidgetItemIterator it(m_tree); *it; ++it) {
         const QString key = (*it)->data(0, Qt::UserRole).toString();
         if (key == u"Root")
@@ -486,8 +492,9 @@ void MDIForm1::mnuWrite_Click()
 void MDIForm1::mnuPort_Click()
 {
     CommitChannelEdit();
-    frmComPort form(this);
-    form.exec();
+    frmComPort form(app().PortNumber, app().LanguageIndex, this);
+    if (form.exec() == QDialog::Accepted)
+        app().PortNumber = form.portNumber();
     showPortPanel();
 }
 
@@ -495,15 +502,16 @@ void MDIForm1::mnuLanguage_Click()
 {
     CommitChannelEdit();
     CommitStep();
-    LanguageForm form(this);
-    form.exec();
+    LanguageForm form(app().LanguageIndex, this);
+    if (form.exec() == QDialog::Accepted)
+        app().LanguageIndex = static_cast<quint8>(form.chosenLanguage());
     RefreshMainWindow();
 }
 
 void MDIForm1::mnuHelp_About_Click()
 {
     CommitChannelEdit();
-    frmAbout form(this);
+    frmAbout form(app().LanguageIndex, this);
     form.exec();
 }
 
@@ -541,8 +549,8 @@ void MDIForm1::Tree0_NodeClick(QTreeWidgetItem *node)
 
 void MDIForm1::ReadCommand()
 {
-    const QString text = TextFor(u"Read data from radio."_s, u"从对讲机读取数据。"_s, u"從對講機讀取數據。"_s) + u'\n'
-        + TextFor(u"Do you wish to continue?"_s, u"是否继续？"_s, u"是否繼續？"_s);
+    const QString text = Text(u"Read data from radio.", u"从对讲机读取数据。", u"從對講機讀取數據。").in(language())
+        + u'\n' + ContinueQuestion.in(language());
     if (MessageBox::show(this, QMessageBox::Question, ModelName(), text, QMessageBox::Ok | QMessageBox::Cancel,
                          QMessageBox::Ok)
         != QMessageBox::Ok)
@@ -553,8 +561,8 @@ void MDIForm1::ReadCommand()
 
 void MDIForm1::WriteCommand()
 {
-    const QString text = TextFor(u"Write data to radio."_s, u"向对讲机写入数据。"_s, u"向對講機寫入數據。"_s) + u'\n'
-        + TextFor(u"Do you wish to continue?"_s, u"是否继续？"_s, u"是否繼續？"_s);
+    const QString text = Text(u"Write data to radio.", u"向对讲机写入数据。", u"向對講機寫入數據。").in(language())
+        + u'\n' + ContinueQuestion.in(language());
     if (MessageBox::show(this, QMessageBox::Question, ModelName(), text, QMessageBox::Ok | QMessageBox::Cancel,
                          QMessageBox::Ok)
         != QMessageBox::Ok)

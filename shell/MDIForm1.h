@@ -58,6 +58,8 @@ public:
     frmChannel *channelList() const;
 
 private:
+    // The interface language of the application state.
+    int language() const;
     void Form_Load();
     void buildMenus();
     void buildToolBar();
@@ -67,8 +69,8 @@ private:
     void showPortPanel();
     void Time_Timer();
 
-    QMenu *addMenu(const QString &name, Triple caption, bool shown = true);
-    QAction *addItem(QMenu *menu, const QString &name, Triple caption, const QKeySequence &shortcut = {},
+    QMenu *addMenu(const QString &name, Text caption, bool shown = true);
+    QAction *addItem(QMenu *menu, const QString &name, Text caption, const QKeySequence &shortcut = {},
                      bool shown = true);
     void addSeparator(QMenu *menu, const QString &name, bool shown);
 
@@ -118,7 +120,7 @@ private:
     QToolBar *m_toolBar = nullptr;
     QTimer *m_time = nullptr;
     QList<QLabel *> m_panels; // MSBar panels 1-5
-    QList<std::pair<QAction *, Triple>> m_captions;
+    QList<std::pair<QAction *, Text>> m_captions;
     bool m_shownOnce = false;
 };
 

@@ -74,11 +74,11 @@ int main(int argc, char *argv[])
         window.RefreshMainWindow();
         save(&window, folder, QStringLiteral("main-window-") + tag);
 
-        wr::frmComPort port(&window);
+        wr::frmComPort port(wr::app().PortNumber, language, &window);
         save(&port, folder, QStringLiteral("port-dialog-") + tag);
-        wr::LanguageForm languageForm(&window);
+        wr::LanguageForm languageForm(language, &window);
         save(&languageForm, folder, QStringLiteral("language-form-") + tag);
-        wr::frmAbout about(&window);
+        wr::frmAbout about(language, &window);
         save(&about, folder, QStringLiteral("about-box-") + tag);
 
         wr::app().LinkDirection = 0;

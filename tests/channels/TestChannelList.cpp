@@ -365,16 +365,16 @@ private Q_SLOTS:
         QCOMPARE(grid()->horizontalHeaderItem(Dec)->text(), words.section(u'|', 0, 0));
         QCOMPARE(QStringList{cell(0, Dec)} + rowCells(4).mid(2), words.split(u'|'));
         clickCell(4, Power);
-        QCOMPARE(combo(1)->itemText(0), Words::High().in(language));
+        QCOMPARE(combo(1)->itemText(0), Words::High.in(language));
         combo(1)->setCurrentIndex(0);
         QTest::keyClick(combo(1), Qt::Key_Return);
-        QCOMPARE(cell(4, Power), Words::High().in(language));
+        QCOMPARE(cell(4, Power), Words::High.in(language));
 
-        grid()->item(6, Power)->setText(Words::Low().in((language + 1) % 3));
-        grid()->item(6, Width)->setText(Words::Narrow().in((language + 2) % 3));
-        grid()->item(6, Scan)->setText(Words::Off().in((language + 1) % 3));
-        grid()->item(6, Bcl)->setText(Words::OptSignal().in((language + 2) % 3));
-        grid()->item(6, Dec)->setText(Words::None().in((language + 1) % 3));
+        grid()->item(6, Power)->setText(Words::Low.in((language + 1) % 3));
+        grid()->item(6, Width)->setText(Words::Narrow.in((language + 2) % 3));
+        grid()->item(6, Scan)->setText(Words::Off.in((language + 1) % 3));
+        grid()->item(6, Bcl)->setText(Words::OptSignal.in((language + 2) % 3));
+        grid()->item(6, Dec)->setText(Words::None.in((language + 1) % 3));
         m_form->SaveData();
         QCOMPARE(recordBytes(4).mid(8).toHex(), QByteArray("ffff238000008582"));
         QCOMPARE(recordBytes(6).mid(8).toHex(), QByteArray("ffffffff0000023f"));
