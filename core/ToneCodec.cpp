@@ -1,6 +1,7 @@
 #include "core/ToneCodec.h"
 
 #include "core/FrequencyCodec.h"
+#include "core/ImageFields.h"
 #include "core/Language.h"
 
 #include <algorithm>
@@ -37,17 +38,6 @@ QString ctcssText(int tenthsHz)
 QString dcsText(int code, QChar polarity)
 {
     return QStringLiteral("D%1%2").arg(code, 3, 10, QChar(u'0')).arg(polarity);
-}
-
-// A byte read as the decimal number its hexadecimal digits spell: BCD 0x23
-// is 23; a stray letter ends the number (0x2A is 2, 0xA2 is 0).
-int spelledDecimal(std::uint8_t byte)
-{
-    const int high = byte >> 4;
-    const int low = byte & 0x0F;
-    if (high > 9)
-        return 0;
-    return low > 9 ? high : high * 10 + low;
 }
 
 int hexDigit(QChar c)
@@ -117,7 +107,7 @@ QString ReadTone(const MemoryImage &image, Side side, int channel, int languageI
     if (low == 0xFF && high == 0xFF)
         return Words::None.in(languageIndex);
 
-    const int value = spelledDecimal(high & 0x3F) * 100 + spelledDecimal(low);
+    const int value = BcdByteValue(high & 0x3F) * 100 + BcdByteValue(low);
     switch (high & KindMask) {
     case Ctcss:
         return ctcssText(value);
