@@ -384,7 +384,7 @@ frmChannel *MDIForm1::channelList() const
 void MDIForm1::showChannelList()
 {
     if (!m_channels) {
-        auto *form = new frmChannel;
+        auto *form = new frmChannel(app());
         m_channelWindow = m_mdiArea->addSubWindow(form);
         m_channelWindow->setAttribute(Qt::WA_DeleteOnClose);
         m_channelWindow->setWindowIcon(AppIcon());
@@ -616,6 +616,13 @@ void MDIForm1::showEvent(QShowEvent *event)
     if (m_shownOnce || event->spontaneous())
         return;
     m_shownOnce = true;
+    // The tree pane is as wide as its captions; the channel grid needs the
+    // width more.
+    if (auto *split = qobject_cast<QSplitter *>(centralWidget())) {
+        const QAbstractItemView *items = m_tree; // where sizeHintForColumn is public
+        const int tree = items->sizeHintForColumn(0) + 2 * m_tree->frameWidth();
+        split->setSizes({tree, split->width() - tree - split->handleWidth()});
+    }
     // The prescribed start-up width is the least the window opens with. If
     // the channel list's columns (fitted to the language's captions and
     // words, or to a larger desktop font) do not all fit in it, the window

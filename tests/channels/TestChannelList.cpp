@@ -64,7 +64,7 @@ private:
 
     void openForm()
     {
-        m_form = std::make_unique<frmChannel>();
+        m_form = std::make_unique<frmChannel>(app());
         m_form->show();
         m_form->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
@@ -326,6 +326,69 @@ private Q_SLOTS:
         grid()->verticalScrollBar()->setValue(grid()->verticalScrollBar()->maximum());
         QVERIFY(text()->isHidden());
         QCOMPARE(cell(3, Rx), u"147.00000"_s);
+    }
+
+    // Each editor lies exactly over its cell (the list editors once grew or
+    // shrank to their words), in every language; CTest runs this at 150 %
+    // scale too.
+    void editorsCoverTheirCells_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::newRow("English") << int(English);
+        QTest::newRow("Simplified") << int(SimplifiedChinese);
+        QTest::newRow("Traditional") << int(TraditionalChinese);
+    }
+
+    void editorsCoverTheirCells()
+    {
+        QFETCH(int, language);
+        app().LanguageIndex = quint8(language);
+        putChannel(12, u"150.00000"_s, u"150.00000"_s, u"D023N"_s, u"67.0"_s);
+        openForm();
+        for (int column = Rx; column <= Bcl; ++column) {
+            enterCell(12, column);
+            QWidget *editor = editorOf(column);
+            QVERIFY(editor->isVisible());
+            QTest::qWait(40); // a combo box adjusts its size on a timer
+            QCOMPARE(editor->geometry(), grid()->visualRect(grid()->model()->index(12, column)));
+            QTest::keyClick(editor, Qt::Key_Return);
+        }
+    }
+
+    // The keys that open a combo box's list open it; the list closed, the
+    // editor is still there with the focus, and Enter commits it.
+    void comboListKeys_data()
+    {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        QTest::newRow("Alt+Down in the tone editor") << int(Dec) << int(Qt::Key_Down) << int(Qt::AltModifier);
+        QTest::newRow("F4 in the tone editor") << int(Dec) << int(Qt::Key_F4) << int(Qt::NoModifier);
+        QTest::newRow("Alt+Down in a list editor") << int(Width) << int(Qt::Key_Down) << int(Qt::AltModifier);
+        QTest::newRow("F4 in a list editor") << int(Width) << int(Qt::Key_F4) << int(Qt::NoModifier);
+    }
+
+    void comboListKeys()
+    {
+        QFETCH(int, column);
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        putChannel(12, u"150.00000"_s, u"150.00000"_s, u"D023N"_s, u"67.0"_s);
+        openForm();
+        enterCell(12, column);
+        auto *combo = static_cast<QComboBox *>(editorOf(column));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+        QTRY_VERIFY(combo->view()->isVisible());
+        QTest::keyClick(combo->view(), Qt::Key_Down);
+        const QString picked = combo->view()->currentIndex().data().toString();
+        QVERIFY(picked != cell(12, column));
+        QTest::keyClick(combo->view(), Qt::Key_Return);
+        QTRY_VERIFY(!combo->view()->isVisible());
+        QVERIFY(combo->isVisible());
+        QVERIFY(combo == QApplication::focusWidget() || combo->isAncestorOf(QApplication::focusWidget()));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QVERIFY(combo->isHidden() && grid()->hasFocus());
+        QCOMPARE(cell(12, column), picked);
     }
 
     void emptyBitShowsEmptyChannel()
