@@ -105,6 +105,7 @@ class TestCellEditor : public QObject
     Q_OBJECT
 
 private:
+    std::optional<test::Fixture> m_fixture;
     std::unique_ptr<QWidget> m_window;
     QTableView *m_view = nullptr;
     QLineEdit *m_outside = nullptr;
@@ -131,6 +132,7 @@ private Q_SLOTS:
 
     void init()
     {
+        m_fixture.emplace();
         m_window = std::make_unique<QWidget>();
         m_model = new QStandardItemModel(40, 4, m_window.get());
         for (int row = 0; row < 40; ++row) {
@@ -160,6 +162,7 @@ private Q_SLOTS:
     {
         m_window.reset();
         m_rules.reset();
+        m_fixture.reset();
     }
 
     void opens_data()
