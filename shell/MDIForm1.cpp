@@ -10,6 +10,7 @@
 #include "shell/QtTranslations.h"
 #include "shell/frmAbout.h"
 #include "shell/frmComPort.h"
+#include "ui/InterfaceFont.h"
 #include "ui/MessageBox.h"
 #include "ui/Twips.h"
 
@@ -25,6 +26,8 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QShowEvent>
+#include <QStyle>
+#include <QWindow>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTime>
@@ -372,7 +375,8 @@ void MDIForm1::captionStep()
 
 void MDIForm1::RefreshMainWindow()
 {
-    InstallQtTranslations(app().LanguageIndex);
+    InstallQtTranslations(language());
+    UseInterfaceFont(language());
     captionStep();
     if (m_channels)
         m_channels->RefreshChannel();
@@ -435,6 +439,8 @@ void MDIForm1::showChannelList()
         // Bit 0 of the open-forms flags follows the channel list's life.
         app().FormOpenFlags |= AppState::ChannelListOpen;
         connect(form, &QObject::destroyed, this, [] { app().FormOpenFlags &= ~AppState::ChannelListOpen; });
+        // Restored from maximised, the list comes back at its opening size.
+        m_channelWindow->resize(frmChannel::OpeningSize);
         m_channelWindow->showMaximized();
     }
     m_channelWindow->show();
@@ -576,28 +582,37 @@ void MDIForm1::showEvent(QShowEvent *event)
     if (m_shownOnce || event->spontaneous())
         return;
     m_shownOnce = true;
-    // The tree pane is as wide as its captions; the channel grid needs the
-    // width more.
+    // The layout is done here and the window is not on the screen yet, so
+    // it appears once, at its final size.
+    fitToScreen();
+}
+
+// The window opens at its prescribed size, the tree pane as wide as its
+// captions. It grows wider when the channel list's columns (fitted to the
+// language's words or a larger desktop font) do not all fit, and never
+// opens larger than the screen's available area, frame included.
+void MDIForm1::fitToScreen()
+{
     if (auto *split = qobject_cast<QSplitter *>(centralWidget())) {
         const QAbstractItemView *items = m_tree; // where sizeHintForColumn is public
         const int tree = items->sizeHintForColumn(0) + 2 * m_tree->frameWidth();
         split->setSizes({tree, split->width() - tree - split->handleWidth()});
     }
-    // The prescribed start-up width is the least the window opens with. If
-    // the channel list's columns (fitted to the language's captions and
-    // words, or to a larger desktop font) do not all fit in it, the window
-    // opens just wide enough to show them, as far as the screen allows. The
-    // layout is already done here and the window is not on the screen yet,
-    // so it appears once, at its final size.
-    if (!m_channels || isMaximized() || isFullScreen())
+    if (!screen() || isMaximized() || isFullScreen())
         return;
-    const int lacking = m_channels->gridWidthLacking();
-    if (lacking <= 0)
-        return;
-    const int available = screen() ? screen()->availableGeometry().width() : width();
-    const int wanted = std::min(width() + lacking, available);
-    if (wanted > width())
-        resize(wanted, height());
+    QMargins frame = windowHandle() ? windowHandle()->frameMargins() : QMargins();
+    if (frame.isNull()) {
+        // Not framed by the window manager yet: allow for a title bar.
+        const int border = style()->pixelMetric(QStyle::PM_DefaultFrameWidth) + 2;
+        frame = QMargins(border, style()->pixelMetric(QStyle::PM_TitleBarHeight) + border, border, border);
+    }
+    const QSize room = screen()->availableGeometry().size() - QSize(frame.left() + frame.right(), frame.top() + frame.bottom());
+    QSize wanted = size();
+    if (m_channels)
+        wanted.rwidth() += m_channels->gridWidthLacking();
+    wanted = wanted.boundedTo(room);
+    if (wanted != size())
+        resize(wanted);
 }
 
 void MDIForm1::closeEvent(QCloseEvent *event)

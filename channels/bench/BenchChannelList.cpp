@@ -12,6 +12,7 @@
 #include "core/FrequencyCodec.h"
 #include "core/Language.h"
 #include "core/ToneCodec.h"
+#include "ui/InterfaceFont.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -73,6 +74,7 @@ int shots(const QString &folder)
         app().ToneTable = BuildToneTable(language);
         app().image.InitImage();
         fillImage(app().image, 0);
+        UseInterfaceFont(language);
         frmChannel form(app());
         form.show();
         QCoreApplication::processEvents();
