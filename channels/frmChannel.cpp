@@ -31,8 +31,14 @@ namespace wr {
 
 namespace {
 
-// Column widths and the header row's height, in twips.
-constexpr std::array<int, frmChannel::ColumnCount> ColumnTwips{750, 1250, 1250, 1300, 1300, 1200, 900, 1250, 1250};
+// Column widths and the header row's height as laid out.
+constexpr std::array<int, frmChannel::ColumnCount> ColumnWidths = [] {
+    constexpr std::array<int, frmChannel::ColumnCount> twips{750, 1250, 1250, 1300, 1300, 1200, 900, 1250, 1250};
+    std::array<int, frmChannel::ColumnCount> pixels{};
+    for (std::size_t column = 0; column < twips.size(); ++column)
+        pixels[column] = twipsToPixels(twips[column]);
+    return pixels;
+}();
 constexpr int HeaderHeight = twipsToPixels(500);
 
 constexpr int HeaderPointSize = 10;
@@ -385,7 +391,7 @@ void frmChannel::SetupChannelGrid()
     fitColumns();
 }
 
-// Column widths as laid out in twips, widened where a value of the current
+// Column widths as laid out, widened where a value of the current
 // language or a word of a caption would not fit, so no text is cut off and
 // each editor shows its text whole over its cell. A caption wider than its
 // column goes onto two lines (the header grows if they need more than row
@@ -404,7 +410,7 @@ void frmChannel::fitColumns()
 
     int captionHeight = headerMetrics.height();
     for (int column = 0; column < ColumnCount; ++column) {
-        int width = twipsToPixels(ColumnTwips[static_cast<std::size_t>(column)]);
+        int width = ColumnWidths[static_cast<std::size_t>(column)];
         const QString caption = headerText(column, language());
         for (const QString &word : caption.split(u' ', Qt::SkipEmptyParts))
             width = std::max(width, headerMetrics.horizontalAdvance(word) + headerPadding);

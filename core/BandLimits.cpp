@@ -20,8 +20,8 @@ BandLimitArray LoadBandLimits(const MemoryImage &image)
 {
     BandLimitArray limits{};
     for (int i = 0; i < 8; ++i) {
-        const int high = BcdByteValue(image.ReadByte(BandLimitsRow, 2 * i));
-        const int low = BcdByteValue(image.ReadByte(BandLimitsRow, 2 * i + 1));
+        const int high = bcdByteValue(image.ReadByte(BandLimitsRow, 2 * i));
+        const int low = bcdByteValue(image.ReadByte(BandLimitsRow, 2 * i + 1));
         // H * 10 + L / 10 in whole MHz, a half rounded up: 13 65 is 136.5 -> 137.
         limits[static_cast<std::size_t>(i)] = static_cast<qint16>(high * 10 + (low + 5) / 10);
     }

@@ -2,7 +2,7 @@
 
 namespace wr {
 
-int BcdByteValue(std::uint8_t byte)
+int bcdByteValue(std::uint8_t byte)
 {
     const int high = byte >> 4;
     const int low = byte & 0x0F;
@@ -90,7 +90,7 @@ void ListField::store(MemoryImage &image, int position) const
     bits->write(image, storedOf ? storedOf(code) : code);
 }
 
-FieldValues LoadFields(const MemoryImage &image, const FieldTable &table)
+FieldValues loadFields(const MemoryImage &image, const FieldTable &table)
 {
     FieldValues values;
     for (const ListField &list : table.lists)
@@ -100,7 +100,7 @@ FieldValues LoadFields(const MemoryImage &image, const FieldTable &table)
     return values;
 }
 
-void StoreFields(MemoryImage &image, const FieldTable &table, const FieldValues &values)
+void storeFields(MemoryImage &image, const FieldTable &table, const FieldValues &values)
 {
     for (const int address : table.rebuiltBytes)
         image.WriteByte(address, 0);

@@ -16,7 +16,7 @@ namespace wr {
 // A byte read as the decimal number its two hexadecimal digits spell, the way
 // the radio stores BCD: 0x23 is 23, a digit above 9 ends the number (0x2A is
 // 2; 0xA2 and 0xFF are 0).
-int BcdByteValue(std::uint8_t byte);
+int bcdByteValue(std::uint8_t byte);
 
 // `width` bits of the byte at image `address`, from bit `shift` up (bit 0 is
 // the least significant): BitField{0x0CEA, 4, 4} is the high nibble of 0x0CEA.
@@ -122,8 +122,8 @@ struct FieldValues
     bool operator==(const FieldValues &) const = default;
 };
 
-FieldValues LoadFields(const MemoryImage &image, const FieldTable &table);
+FieldValues loadFields(const MemoryImage &image, const FieldTable &table);
 // Clears the rebuilt bytes, then stores every list and check box.
-void StoreFields(MemoryImage &image, const FieldTable &table, const FieldValues &values);
+void storeFields(MemoryImage &image, const FieldTable &table, const FieldValues &values);
 
 } // namespace wr

@@ -52,8 +52,7 @@ int hexDigit(QChar c)
     return -1;
 }
 
-// Characters read as hexadecimal digits the way the radio software does with
-// "&H" + text: the leading hexadecimal digits, nothing gives 0.
+// The value of the leading hexadecimal digits of a text; no digit gives 0.
 int hexValue(QStringView digits)
 {
     int value = 0;
@@ -107,7 +106,7 @@ QString ReadTone(const MemoryImage &image, Side side, int channel, int languageI
     if (low == 0xFF && high == 0xFF)
         return Words::None.in(languageIndex);
 
-    const int value = BcdByteValue(high & 0x3F) * 100 + BcdByteValue(low);
+    const int value = bcdByteValue(high & 0x3F) * 100 + bcdByteValue(low);
     switch (high & KindMask) {
     case Ctcss:
         return ctcssText(value);

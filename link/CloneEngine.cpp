@@ -59,7 +59,7 @@ Action make(Action::Kind kind, int value = 0)
 }
 
 // The number made by the characters after the first three of a port name
-// (COM7 gives 7), read as the radio software did: leading digits only.
+// (COM7 gives 7): leading digits only.
 quint8 portNumberOf(const QString &name)
 {
     int number = 0;

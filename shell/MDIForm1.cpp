@@ -48,8 +48,9 @@ namespace {
 constexpr QSize StartUpSize = twipsToPixels(13410, 11440);
 constexpr int TreePaneWidth = 158; // until the tree's captions are known
 
-// Image address 0x0CD0 (row 205, byte 0) holds 0x20 in a fresh image; the
-// radio software clears it whenever the whole image is handed on.
+// Image address 0x0CD0 (row 205, byte 0) holds 0x20 in a fresh image and is
+// cleared whenever the whole image is handed on; what it means to the radio
+// is not known, and it travels with row 205.
 constexpr int CommitClearedAddress = 0x0CD0;
 
 constexpr Text ContinueQuestion{u"Do you wish to continue?", u"是否继续？", u"是否繼續？"};
@@ -376,7 +377,7 @@ void MDIForm1::captionStep()
 void MDIForm1::RefreshMainWindow()
 {
     InstallQtTranslations(language());
-    UseInterfaceFont(language());
+    useInterfaceFont(language());
     captionStep();
     if (m_channels)
         m_channels->RefreshChannel();

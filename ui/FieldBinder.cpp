@@ -73,7 +73,7 @@ void FieldBinder::caption(int languageIndex)
 
 void FieldBinder::load(const MemoryImage &image)
 {
-    const FieldValues values = LoadFields(image, m_table);
+    const FieldValues values = loadFields(image, m_table);
     for (qsizetype i = 0; i < m_lists.size(); ++i) {
         if (QComboBox *combo = m_lists.at(i))
             combo->setCurrentIndex(values.positions.at(i));
@@ -84,7 +84,7 @@ void FieldBinder::load(const MemoryImage &image)
     }
 }
 
-// As StoreFields, but a control the form lacks stores nothing.
+// As storeFields, but a control the form lacks stores nothing.
 void FieldBinder::store(MemoryImage &image) const
 {
     for (const int address : m_table.rebuiltBytes)

@@ -8,7 +8,7 @@
 
 namespace wr {
 
-void UseInterfaceFont(int languageIndex)
+void useInterfaceFont(int languageIndex)
 {
     // The platform's family, as it was before the first call added a face.
     static const QString platformFamily = QApplication::font().family();

@@ -8,6 +8,6 @@ namespace wr {
 // Left to itself, font fallback picks the face the system's locale prefers,
 // so on a system that is not set to Chinese some characters take Japanese
 // shapes. Latin text keeps the platform's own family.
-void UseInterfaceFont(int languageIndex);
+void useInterfaceFont(int languageIndex);
 
 } // namespace wr

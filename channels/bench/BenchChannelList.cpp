@@ -74,7 +74,7 @@ int shots(const QString &folder)
         app().ToneTable = BuildToneTable(language);
         app().image.InitImage();
         fillImage(app().image, 0);
-        UseInterfaceFont(language);
+        useInterfaceFont(language);
         frmChannel form(app());
         form.show();
         QCoreApplication::processEvents();

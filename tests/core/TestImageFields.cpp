@@ -91,7 +91,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, bytes);
         QFETCH(QList<int>, positions);
         QFETCH(QList<bool>, checked);
-        QCOMPARE(LoadFields(imageWith(bytes), Table), (FieldValues{positions, checked}));
+        QCOMPARE(loadFields(imageWith(bytes), Table), (FieldValues{positions, checked}));
     }
 
     void store_data()
@@ -119,7 +119,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, after);
         MemoryImage image = imageWith(before);
         const MemoryImage untouched = image;
-        StoreFields(image, Table, {positions, checked});
+        storeFields(image, Table, {positions, checked});
         QCOMPARE(image.bytes().mid(Base, after.size()).toHex(), after.toHex());
         QCOMPARE(image.bytes().left(Base), untouched.bytes().left(Base));
         QCOMPARE(image.bytes().mid(Base + after.size()), untouched.bytes().mid(Base + after.size()));

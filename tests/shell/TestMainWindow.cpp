@@ -190,7 +190,7 @@ private Q_SLOTS:
             wr::MDIForm1 &window = h->open(language);
             window.show();
             QVERIFY(QTest::qWaitForWindowExposed(&window));
-            QCOMPARE(window.size(), QSize((13410 + 7) / 15, (11440 + 7) / 15));
+            QCOMPARE(window.size(), wr::twipsToPixels(13410, 11440));
             QCOMPARE(window.channelList()->gridWidthLacking(), 0);
         }
     }
