@@ -355,42 +355,6 @@ private Q_SLOTS:
         }
     }
 
-    // The keys that open a combo box's list open it; the list closed, the
-    // editor is still there with the focus, and Enter commits it.
-    void comboListKeys_data()
-    {
-        QTest::addColumn<int>("column");
-        QTest::addColumn<int>("key");
-        QTest::addColumn<int>("modifiers");
-        QTest::newRow("Alt+Down in the tone editor") << int(Dec) << int(Qt::Key_Down) << int(Qt::AltModifier);
-        QTest::newRow("F4 in the tone editor") << int(Dec) << int(Qt::Key_F4) << int(Qt::NoModifier);
-        QTest::newRow("Alt+Down in a list editor") << int(Width) << int(Qt::Key_Down) << int(Qt::AltModifier);
-        QTest::newRow("F4 in a list editor") << int(Width) << int(Qt::Key_F4) << int(Qt::NoModifier);
-    }
-
-    void comboListKeys()
-    {
-        QFETCH(int, column);
-        QFETCH(int, key);
-        QFETCH(int, modifiers);
-        putChannel(12, u"150.00000"_s, u"150.00000"_s, u"D023N"_s, u"67.0"_s);
-        openForm();
-        enterCell(12, column);
-        auto *combo = static_cast<QComboBox *>(editorOf(column));
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
-        QTRY_VERIFY(combo->view()->isVisible());
-        QTest::keyClick(combo->view(), Qt::Key_Down);
-        const QString picked = combo->view()->currentIndex().data().toString();
-        QVERIFY(picked != cell(12, column));
-        QTest::keyClick(combo->view(), Qt::Key_Return);
-        QTRY_VERIFY(!combo->view()->isVisible());
-        QVERIFY(combo->isVisible());
-        QVERIFY(combo == QApplication::focusWidget() || combo->isAncestorOf(QApplication::focusWidget()));
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-        QVERIFY(combo->isHidden() && grid()->hasFocus());
-        QCOMPARE(cell(12, column), picked);
-    }
-
     void emptyBitShowsEmptyChannel()
     {
         putChannel(90, u"150.00000"_s, u"155.00000"_s, u"67.0"_s, u"67.0"_s, 0xCC, 0x40);
