@@ -1,6 +1,8 @@
 // Renders the shell's windows in the three interface languages to PNG files,
-// for checking the layouts by eye:
-//   QT_QPA_PLATFORM=offscreen wrpd6t-screenshots OUTPUT_FOLDER
+// for checking the layouts by eye. The offscreen platform's own screen is
+// 800 x 800 pixels, too small for the main window's prescribed size:
+//   QT_QPA_PLATFORM=offscreen:configfile=tests/shell/screens/large.json wrpd6t-screenshots OUTPUT_FOLDER
+// (QT_SCALE_FACTOR=1.5 for 150 %).
 #include "channels/ChannelRecord.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
