@@ -234,7 +234,8 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_grid);
 
-    m_editor = new CellEditor(m_grid, *this);
+    CellEditRules &rules = *this;
+    m_editor = std::make_unique<CellEditor>(m_grid, rules);
     m_text = new QLineEdit;
     m_text->setObjectName(QStringLiteral("TxtChannel"));
     m_editor->addEditor(m_text);

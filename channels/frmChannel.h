@@ -7,6 +7,8 @@
 #include <QString>
 #include <QWidget>
 
+#include <memory>
+
 class QComboBox;
 class QLineEdit;
 class QTableWidget;
@@ -108,7 +110,7 @@ private:
     QTableWidget *m_grid = nullptr;
     QLineEdit *m_text = nullptr;     // TxtChannel
     QComboBox *m_combo[2] = {};      // CboChannel0 (tones), CboChannel1 (list columns)
-    CellEditor *m_editor = nullptr;
+    std::unique_ptr<CellEditor> m_editor; // goes before the grid and the rules it calls
     QObject *m_wheelPager = nullptr; // installed on the grid while it has the focus
 };
 

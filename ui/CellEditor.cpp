@@ -76,19 +76,19 @@ CellEditRules::Scroll CellEditRules::onScroll() const
 }
 
 CellEditor::CellEditor(QAbstractItemView *view, CellEditRules &rules)
-    : QObject(view)
-    , m_view(view)
+    : m_view(view)
+    , m_viewport(view->viewport())
     , m_rules(rules)
 {
     view->installEventFilter(this);
-    view->viewport()->installEventFilter(this);
+    m_viewport->installEventFilter(this);
     for (QScrollBar *bar : {view->verticalScrollBar(), view->horizontalScrollBar()})
         connect(bar, &QScrollBar::valueChanged, this, &CellEditor::scrolled);
 }
 
 void CellEditor::addEditor(QWidget *editor)
 {
-    editor->setParent(m_view->viewport());
+    editor->setParent(m_viewport);
     editor->hide();
     editor->setAcceptDrops(false);
     editor->setAttribute(Qt::WA_InputMethodEnabled, false);
@@ -301,7 +301,7 @@ bool CellEditor::eventFilter(QObject *watched, QEvent *event)
             return viewKeyPress(static_cast<QKeyEvent *>(event));
         return false;
     }
-    if (watched == m_view->viewport()) {
+    if (watched == m_viewport) {
         if (type == QEvent::MouseButtonRelease) {
             const auto *mouse = static_cast<QMouseEvent *>(event);
             if (mouse->button() == Qt::LeftButton && m_view->indexAt(mouse->position().toPoint()).isValid())

@@ -72,6 +72,10 @@ public:
 // Keys with Ctrl or Alt are left to the window's shortcuts while an editor
 // is open, so menu commands run wherever the focus is; only Enter and Esc
 // are kept from them.
+//
+// It watches the view and its editors and calls the rules for as long as it
+// lives, so its owner holds it (a member, for instance) and destroys it
+// before the view and the rules go.
 class CellEditor : public QObject
 {
     Q_OBJECT
@@ -116,6 +120,7 @@ private:
     bool ownsFocusWidget() const;
 
     QAbstractItemView *m_view;
+    QWidget *m_viewport;
     CellEditRules &m_rules;
     QPointer<QWidget> m_editor;
     QPersistentModelIndex m_cell;

@@ -108,7 +108,7 @@ private:
     QLineEdit *m_outside = nullptr;
     QStandardItemModel *m_model = nullptr;
     std::unique_ptr<Rules> m_rules;
-    CellEditor *m_editor = nullptr;
+    std::unique_ptr<CellEditor> m_editor;
 
     QString text(int row, int column) const { return m_model->index(row, column).data().toString(); }
     QWidget *editor(const QString &name) const { return m_window->findChild<QWidget *>(name); }
@@ -146,7 +146,7 @@ private Q_SLOTS:
         layout->addWidget(m_view);
         layout->addWidget(m_outside);
         m_rules = std::make_unique<Rules>();
-        m_editor = new CellEditor(m_view, *m_rules);
+        m_editor = std::make_unique<CellEditor>(m_view, *m_rules);
         for (QWidget *widget : {static_cast<QWidget *>(m_rules->hex), static_cast<QWidget *>(m_rules->list),
                                 static_cast<QWidget *>(m_rules->editable)})
             m_editor->addEditor(widget);
@@ -157,6 +157,7 @@ private Q_SLOTS:
 
     void cleanup()
     {
+        m_editor.reset();
         m_window.reset();
         m_rules.reset();
         m_fixture.reset();
