@@ -6,16 +6,14 @@
 #include "core/ToneCodec.h"
 
 #include <QAbstractItemView>
-#include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QFocusEvent>
+#include <QCoreApplication>
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
-#include <QScrollBar>
 #include <QStyle>
 #include <QStyleOptionHeader>
 #include <QStringListModel>
