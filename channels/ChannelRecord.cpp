@@ -134,30 +134,30 @@ void ChannelRecord::erase()
 
 QString PowerText(bool high, int languageIndex)
 {
-    return (high ? Words::High() : Words::Low()).in(languageIndex);
+    return (high ? Words::High : Words::Low).in(languageIndex);
 }
 
 QString BandwidthText(bool wide, int languageIndex)
 {
-    return (wide ? Words::Wide() : Words::Narrow()).in(languageIndex);
+    return (wide ? Words::Wide : Words::Narrow).in(languageIndex);
 }
 
 QString ScanAddText(bool on, int languageIndex)
 {
-    return (on ? Words::On() : Words::Off()).in(languageIndex);
+    return (on ? Words::On : Words::Off).in(languageIndex);
 }
 
 QString BclText(ChannelRecord::Bcl value, int languageIndex)
 {
     switch (value) {
     case ChannelRecord::Bcl::Carrier:
-        return Words::Carrier().in(languageIndex);
+        return Words::Carrier.in(languageIndex);
     case ChannelRecord::Bcl::OptSignal:
-        return Words::OptSignal().in(languageIndex);
+        return Words::OptSignal.in(languageIndex);
     case ChannelRecord::Bcl::Off:
         break;
     }
-    return Words::Off().in(languageIndex);
+    return Words::Off.in(languageIndex);
 }
 
 bool ChannelInUse(const MemoryImage &image, int channel)
@@ -211,27 +211,27 @@ void SaveChannel(MemoryImage &image, int channel, const ChannelTexts &texts)
     WriteTone(image, Side::Rx, channel, texts.decode);
     WriteTone(image, Side::Tx, channel, texts.encode);
 
-    if (Words::High().matches(texts.power))
+    if (Words::High.matches(texts.power))
         record.setHighPower(true);
-    else if (Words::Low().matches(texts.power))
+    else if (Words::Low.matches(texts.power))
         record.setHighPower(false);
 
-    if (Words::Wide().matches(texts.bandwidth))
+    if (Words::Wide.matches(texts.bandwidth))
         record.setWide(true);
-    else if (Words::Narrow().matches(texts.bandwidth))
+    else if (Words::Narrow.matches(texts.bandwidth))
         record.setWide(false);
 
-    if (Words::On().matches(texts.scanAdd)) {
+    if (Words::On.matches(texts.scanAdd)) {
         record.setScanAdd(true);
         record.setScanSkipBit(false);
-    } else if (Words::Off().matches(texts.scanAdd)) {
+    } else if (Words::Off.matches(texts.scanAdd)) {
         record.setScanAdd(false);
         record.setScanSkipBit(true);
     }
 
-    if (Words::Carrier().matches(texts.bcl))
+    if (Words::Carrier.matches(texts.bcl))
         record.setBcl(ChannelRecord::Bcl::Carrier);
-    else if (Words::OptSignal().matches(texts.bcl))
+    else if (Words::OptSignal.matches(texts.bcl))
         record.setBcl(ChannelRecord::Bcl::OptSignal);
     else
         record.setBcl(ChannelRecord::Bcl::Off);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/AppState.h"
+#include "core/MemoryImage.h"
 
 #include <QString>
 

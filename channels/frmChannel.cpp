@@ -6,16 +6,14 @@
 #include "core/ToneCodec.h"
 
 #include <QAbstractItemView>
-#include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QFocusEvent>
+#include <QCoreApplication>
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
-#include <QScrollBar>
 #include <QStyle>
 #include <QStyleOptionHeader>
 #include <QStringListModel>
@@ -31,54 +29,47 @@ namespace wr {
 
 namespace {
 
-// Sizes of the list as the radio software lays it out, in twips (1/1440 inch,
-// 15 twips a pixel at 96 dpi).
-constexpr int TwipsPerPixel = 15;
-constexpr std::array<int, frmChannel::ColumnCount> ColumnTwips{750, 1250, 1250, 1300, 1300, 1200, 900, 1250, 1250};
-constexpr int HeaderTwips = 500;
-constexpr int WindowWidthTwips = 14910;
-constexpr int WindowHeightTwips = 9800;
+// Column widths and the header row's height as laid out.
+constexpr std::array<int, frmChannel::ColumnCount> ColumnWidths = [] {
+    constexpr std::array<int, frmChannel::ColumnCount> twips{750, 1250, 1250, 1300, 1300, 1200, 900, 1250, 1250};
+    std::array<int, frmChannel::ColumnCount> pixels{};
+    for (std::size_t column = 0; column < twips.size(); ++column)
+        pixels[column] = twipsToPixels(twips[column]);
+    return pixels;
+}();
+constexpr int HeaderHeight = twipsToPixels(500);
 
 constexpr int HeaderPointSize = 10;
 constexpr int NumberPointSize = 12;
 const QColor HeaderColour(19, 58, 149);
 
-constexpr int twipsToPixels(int twips)
-{
-    return (twips + TwipsPerPixel / 2) / TwipsPerPixel;
-}
-
 // One notch of a standard mouse wheel.
 constexpr int WheelNotch = 120;
 
-const Triple &headerTriple(int column)
-{
-    static const std::array<Triple, frmChannel::ColumnCount> headers{{
-        {QStringLiteral("CH."), QStringLiteral("信道"), QStringLiteral("信道")},
-        {QStringLiteral("Rx Freq"), QStringLiteral("接收频率"), QStringLiteral("接收頻率")},
-        {QStringLiteral("Tx Freq"), QStringLiteral("发射频率"), QStringLiteral("發射頻率")},
-        {QStringLiteral("CTCSS/DCS Dec"), QStringLiteral("CTCSS/DCS 解码"), QStringLiteral("CTCSS/DCS 解碼")},
-        {QStringLiteral("CTCSS/DCS Enc"), QStringLiteral("CTCSS/DCS 编码"), QStringLiteral("CTCSS/DCS 編碼")},
-        {QStringLiteral("TX Power"), QStringLiteral("发射功率"), QStringLiteral("發射功率")},
-        {QStringLiteral("W/N"), QStringLiteral("宽/窄"), QStringLiteral("寬/窄")},
-        {QStringLiteral("Scan Add"), QStringLiteral("扫描添加"), QStringLiteral("掃描添加")},
-        {QStringLiteral("BCL"), QStringLiteral("繁忙锁定"), QStringLiteral("繁忙鎖定")},
-    }};
-    return headers.at(static_cast<std::size_t>(column));
-}
+constexpr std::array<Text, frmChannel::ColumnCount> Headers{{
+    {u"CH.", u"信道", u"信道"},
+    {u"Rx Freq", u"接收频率", u"接收頻率"},
+    {u"Tx Freq", u"发射频率", u"發射頻率"},
+    {u"CTCSS/DCS Dec", u"CTCSS/DCS 解码", u"CTCSS/DCS 解碼"},
+    {u"CTCSS/DCS Enc", u"CTCSS/DCS 编码", u"CTCSS/DCS 編碼"},
+    {u"TX Power", u"发射功率", u"發射功率"},
+    {u"W/N", u"宽/窄", u"寬/窄"},
+    {u"Scan Add", u"扫描添加", u"掃描添加"},
+    {u"BCL", u"繁忙锁定", u"繁忙鎖定"},
+}};
 
-// The words CboChannel1 offers in a list column, in the radio software's order.
-QList<const Triple *> columnChoices(int column)
+// The words CboChannel1 offers in a list column, Off first where there is one.
+QList<Text> columnChoices(int column)
 {
     switch (column) {
     case frmChannel::ColPower:
-        return {&Words::High(), &Words::Low()};
+        return {Words::High, Words::Low};
     case frmChannel::ColBandwidth:
-        return {&Words::Wide(), &Words::Narrow()};
+        return {Words::Wide, Words::Narrow};
     case frmChannel::ColScanAdd:
-        return {&Words::Off(), &Words::On()};
+        return {Words::Off, Words::On};
     case frmChannel::ColBcl:
-        return {&Words::Off(), &Words::Carrier(), &Words::OptSignal()};
+        return {Words::Off, Words::Carrier, Words::OptSignal};
     default:
         return {};
     }
@@ -116,40 +107,7 @@ QString normaliseToneInput(const QString &text, int languageIndex)
         const QChar polarity = text.endsWith(u'I') ? u'I' : u'N';
         return u'D' + digits + polarity;
     }
-    return Words::None().in(languageIndex);
-}
-
-bool isEnterKey(const QKeyEvent *event)
-{
-    return event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-}
-
-// The printable character of a key press, or a null QChar for keys that only
-// move or edit (arrows, Delete, function keys) and for control characters.
-QChar typedCharacter(const QKeyEvent *event)
-{
-    const QString text = event->text();
-    if (text.size() != 1 || !text.front().isPrint())
-        return {};
-    if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
-        return {};
-    return text.front();
-}
-
-// Keys both in-place editors treat alike. Returns whether to swallow a key
-// that types no character of its own (Backspace edits, arrows and Home move
-// the caret, pasting is refused because it would get around the character
-// rules, Ctrl or Alt with a character is swallowed); nullopt for a typed
-// character, which the editor's own rules decide.
-std::optional<bool> filterNonCharacterKey(const QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Backspace)
-        return false;
-    if (event->matches(QKeySequence::Paste))
-        return true;
-    if (typedCharacter(event).isNull())
-        return !event->text().isEmpty() && event->text().front().isPrint();
-    return std::nullopt;
+    return Words::None.in(languageIndex);
 }
 
 // While the grid has the focus, one notch of the wheel pages the list up or
@@ -247,11 +205,12 @@ private:
 
 } // namespace
 
-frmChannel::frmChannel(QWidget *parent)
+frmChannel::frmChannel(AppState &state, QWidget *parent)
     : QWidget(parent)
+    , m_state(state)
 {
     setObjectName(QStringLiteral("frmChannel"));
-    resize(twipsToPixels(WindowWidthTwips), twipsToPixels(WindowHeightTwips));
+    resize(OpeningSize);
 
     m_grid = new QTableWidget(this);
     m_grid->setObjectName(QStringLiteral("ChannelGrid"));
@@ -273,13 +232,14 @@ frmChannel::frmChannel(QWidget *parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_grid);
 
-    // The in-place editors live on the grid's viewport, over the current cell.
-    m_text = new QLineEdit(m_grid->viewport());
+    CellEditRules &rules = *this;
+    m_editor = std::make_unique<CellEditor>(m_grid, rules);
+    m_text = new QLineEdit;
     m_text->setObjectName(QStringLiteral("TxtChannel"));
+    m_editor->addEditor(m_text);
     for (int index = 0; index < 2; ++index) {
-        auto *combo = new QComboBox(m_grid->viewport());
-        combo->setObjectName(QStringLiteral("CboChannel%1").arg(index));
-        m_combo[index] = combo;
+        m_combo[index] = new QComboBox;
+        m_combo[index]->setObjectName(QStringLiteral("CboChannel%1").arg(index));
     }
     // Tones may be typed (CboChannel0); the list columns offer their words
     // only (CboChannel1).
@@ -287,36 +247,18 @@ frmChannel::frmChannel(QWidget *parent)
     m_combo[0]->setInsertPolicy(QComboBox::NoInsert);
     m_combo[0]->setCompleter(nullptr);
     m_combo[0]->setMaxVisibleItems(16);
-    // Its words change with the column, and so does the width it needs.
-    m_combo[1]->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-
-    // Only the key filters put text into an editor: no pasting, dropping or
-    // input-method composition.
-    for (QWidget *editor : {static_cast<QWidget *>(m_text), static_cast<QWidget *>(m_combo[0]),
-                            static_cast<QWidget *>(m_combo[1])}) {
-        editor->hide();
-        editor->setAttribute(Qt::WA_InputMethodEnabled, false);
-        editor->setContextMenuPolicy(Qt::NoContextMenu);
-        editor->setAcceptDrops(false);
-        editor->installEventFilter(this);
-    }
-    m_text->setAttribute(Qt::WA_InputMethodEnabled, false);
-    m_combo[0]->lineEdit()->setAttribute(Qt::WA_InputMethodEnabled, false);
-    m_combo[0]->lineEdit()->setAcceptDrops(false);
-    m_combo[0]->lineEdit()->installEventFilter(this);
-
     // The 261 tones sit in a plain string list: a combo's own item model
     // would build an item object for each of them, a cost paid at every
-    // start-up for an editor that opens only when a tone is edited.
-    m_combo[0]->setModel(new QStringListModel(app().ToneTable, m_combo[0]));
+    // start-up for an editor that opens only when a tone is edited. Entry 0,
+    // the no-tone word, follows the language when the editor opens.
+    m_combo[0]->setModel(new QStringListModel(BuildToneTable(language()), m_combo[0]));
+    for (QComboBox *combo : m_combo)
+        m_editor->addEditor(combo);
 
     m_grid->installEventFilter(this);
     m_grid->viewport()->installEventFilter(this);
     m_wheelPager = new WheelPager(m_grid);
-
     connect(m_grid, &QTableWidget::currentCellChanged, this, [this] { SyncGridCursor(); });
-    connect(m_grid->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { commitAllOpen(); });
-    connect(m_grid->horizontalScrollBar(), &QScrollBar::valueChanged, this, [this] { commitAllOpen(); });
 
     RefreshChannelOP();
     RefreshChannel();
@@ -329,11 +271,16 @@ QTableWidget *frmChannel::grid() const
     return m_grid;
 }
 
+int frmChannel::language() const
+{
+    return m_state.LanguageIndex;
+}
+
 QString frmChannel::headerText(int column, int languageIndex)
 {
     if (column < 0 || column >= ColumnCount)
         return {};
-    return headerTriple(column).in(languageIndex);
+    return Headers[static_cast<std::size_t>(column)].in(languageIndex);
 }
 
 QString frmChannel::cellText(int row, int column) const
@@ -379,10 +326,10 @@ void frmChannel::writeRow(int row, const ChannelTexts &texts)
 
 void frmChannel::RefreshChannelOP()
 {
-    discardOpenEditors();
+    m_editor->cancel();
     // The list always has its 128 channel rows; a stored count outside that
     // would leave channels out of reach.
-    const int rows = std::clamp(int(app().ChannelGridRows), 2, int(RowCount));
+    const int rows = std::clamp(int(m_state.ChannelGridRows), 2, int(RowCount));
     m_grid->setRowCount(rows);
     m_grid->setColumnCount(ColumnCount);
 
@@ -415,8 +362,8 @@ void frmChannel::RefreshChannelOP()
     m_grid->verticalHeader()->setDefaultSectionSize(rowHeight);
 
     m_grid->setCurrentCell(1, ColRx);
-    app().ChannelCursor = 1;
-    app().GridColumn = 1;
+    m_state.ChannelCursor = 1;
+    m_state.GridColumn = 1;
 }
 
 void frmChannel::SetupChannelGrid()
@@ -425,9 +372,8 @@ void frmChannel::SetupChannelGrid()
     QFont headerFont = m_grid->font();
     headerFont.setPointSize(HeaderPointSize);
     m_grid->horizontalHeader()->setFont(headerFont);
-    const int language = app().LanguageIndex;
     for (int column = 0; column < ColumnCount; ++column) {
-        const QString caption = headerText(column, language);
+        const QString caption = headerText(column, language());
         setCell(0, column, caption);
         QTableWidgetItem *header = m_grid->horizontalHeaderItem(column);
         if (!header) {
@@ -444,15 +390,13 @@ void frmChannel::SetupChannelGrid()
     fitColumns();
 }
 
-// Column widths as laid out in twips, widened where a value word of the
-// current language or a word of a caption would not fit, so no text is cut
-// off. A caption wider than its column goes onto two lines (the header grows
-// if they need more than row 0's height); a list column's combo may stand out
-// over its neighbour while it is open (see placeEditor), so the column only
-// has to fit its words.
+// Column widths as laid out, widened where a value of the current
+// language or a word of a caption would not fit, so no text is cut off and
+// each editor shows its text whole over its cell. A caption wider than its
+// column goes onto two lines (the header grows if they need more than row
+// 0's height).
 void frmChannel::fitColumns()
 {
-    const int language = app().LanguageIndex;
     QHeaderView *header = m_grid->horizontalHeader();
     const QFontMetrics headerMetrics(header->font());
     const QFontMetrics cellMetrics(m_grid->font());
@@ -460,14 +404,13 @@ void frmChannel::fitColumns()
     numberFont.setPointSize(NumberPointSize);
     const QFontMetrics numberMetrics(numberFont);
     constexpr int Padding = 14;
-    constexpr int ComboArrow = 24;
     const int headerMargin = header->style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, header);
     const int headerPadding = 2 * headerMargin + 4;
 
     int captionHeight = headerMetrics.height();
     for (int column = 0; column < ColumnCount; ++column) {
-        int width = twipsToPixels(ColumnTwips[static_cast<std::size_t>(column)]);
-        const QString caption = headerText(column, language);
+        int width = ColumnWidths[static_cast<std::size_t>(column)];
+        const QString caption = headerText(column, language());
         for (const QString &word : caption.split(u' ', Qt::SkipEmptyParts))
             width = std::max(width, headerMetrics.horizontalAdvance(word) + headerPadding);
         switch (column) {
@@ -480,13 +423,16 @@ void frmChannel::fitColumns()
             break;
         case ColDecode:
         case ColEncode:
-            width = std::max({width, cellMetrics.horizontalAdvance(QStringLiteral("D000N")) + Padding + ComboArrow,
-                              cellMetrics.horizontalAdvance(Words::None().in(language)) + Padding + ComboArrow});
+            width = std::max(width, CellEditor::comboWidthFor(m_combo[0], {QStringLiteral("D000N"),
+                                                                           Words::None.in(language())}));
             break;
-        default:
-            for (const Triple *word : columnChoices(column))
-                width = std::max(width, cellMetrics.horizontalAdvance(word->in(language)) + Padding);
+        default: {
+            QStringList words;
+            for (const Text &word : columnChoices(column))
+                words.append(word.in(language()));
+            width = std::max(width, CellEditor::comboWidthFor(m_combo[1], words));
             break;
+        }
         }
         m_grid->setColumnWidth(column, width);
         const QRect wrapped = headerMetrics.boundingRect(QRect(0, 0, width - headerPadding, 1000),
@@ -494,7 +440,7 @@ void frmChannel::fitColumns()
         captionHeight = std::max(captionHeight, wrapped.height());
     }
     // Row 0's height, or the captions' if they need more.
-    header->setFixedHeight(std::max(twipsToPixels(HeaderTwips), captionHeight + 2 * headerMargin));
+    header->setFixedHeight(std::max(HeaderHeight, captionHeight + 2 * headerMargin));
 }
 
 int frmChannel::gridWidthLacking() const
@@ -514,25 +460,19 @@ void frmChannel::RefreshChannel()
 void frmChannel::RefreshData()
 {
     // The image is the truth now; an editor still open belongs to the old data.
-    discardOpenEditors();
-    const int language = app().LanguageIndex;
+    m_editor->cancel();
     const int rows = lastRow();
     const QuietFill quiet(m_grid);
     for (int channel = 1; channel <= rows; ++channel)
-        writeRow(channel, ReadChannelTexts(app().image, channel, language));
+        writeRow(channel, ReadChannelTexts(m_state.image, channel, language()));
 }
 
 void frmChannel::SaveData()
 {
-    if (isOpen(m_text))
-        TxtChannel_Validate();
-    for (int index = 0; index < 2; ++index) {
-        if (isOpen(m_combo[index]))
-            CboChannel_Validate(index);
-    }
+    m_editor->commit();
     const int rows = lastRow();
     for (int channel = 1; channel <= rows; ++channel)
-        SaveChannel(app().image, channel, rowTexts(channel));
+        SaveChannel(m_state.image, channel, rowTexts(channel));
 }
 
 void frmChannel::setChannelRx(int channel, const QString &text)
@@ -543,23 +483,22 @@ void frmChannel::setChannelRx(int channel, const QString &text)
         writeRow(channel, ChannelTexts{});
         return;
     }
-    const QString rx = NormaliseRxFreq(text, app().BandLimits);
+    const QString rx = NormaliseRxFreq(text, m_state.BandLimits);
     setCell(channel, ColRx, rx);
     if (!cellText(channel, ColEncode).isEmpty())
         return;
 
     // A new channel: the transmit side follows the receive frequency, and the
     // record gets its defaults at once.
-    const int language = app().LanguageIndex;
-    const QString none = Words::None().in(language);
-    setCell(channel, ColTx, NormaliseTxFreq(rx, app().BandLimits));
+    const QString none = Words::None.in(language());
+    setCell(channel, ColTx, NormaliseTxFreq(rx, m_state.BandLimits));
     setCell(channel, ColDecode, none);
     setCell(channel, ColEncode, none);
-    setCell(channel, ColPower, Words::High().in(language));
-    setCell(channel, ColBandwidth, Words::Wide().in(language));
-    setCell(channel, ColScanAdd, Words::On().in(language));
-    setCell(channel, ColBcl, Words::Off().in(language));
-    CreateChannel(app().image, channel);
+    setCell(channel, ColPower, Words::High.in(language()));
+    setCell(channel, ColBandwidth, Words::Wide.in(language()));
+    setCell(channel, ColScanAdd, Words::On.in(language()));
+    setCell(channel, ColBcl, Words::Off.in(language()));
+    CreateChannel(m_state.image, channel);
 }
 
 void frmChannel::setChannelTx(int channel, const QString &text)
@@ -571,242 +510,158 @@ void frmChannel::setChannelTx(int channel, const QString &text)
         setCell(channel, ColEncode, QString());
         return;
     }
-    setCell(channel, ColTx, NormaliseTxFreq(text, app().BandLimits));
+    setCell(channel, ColTx, NormaliseTxFreq(text, m_state.BandLimits));
     if (cellText(channel, ColEncode).isEmpty())
-        setCell(channel, ColEncode, Words::None().in(app().LanguageIndex));
-}
-
-bool frmChannel::isOpen(const QWidget *editor) const
-{
-    return !editor->isHidden();
-}
-
-void frmChannel::hideEditor(QWidget *editor)
-{
-    const bool hadFocus = editor->hasFocus() || editor->isAncestorOf(QApplication::focusWidget());
-    const bool wasCommitting = m_committing;
-    m_committing = true;
-    if (hadFocus)
-        m_grid->setFocus(Qt::OtherFocusReason);
-    editor->hide();
-    m_committing = wasCommitting;
-}
-
-void frmChannel::discardOpenEditors()
-{
-    for (QWidget *editor : {static_cast<QWidget *>(m_text), static_cast<QWidget *>(m_combo[0]),
-                            static_cast<QWidget *>(m_combo[1])}) {
-        if (isOpen(editor))
-            hideEditor(editor);
-    }
+        setCell(channel, ColEncode, Words::None.in(language()));
 }
 
 void frmChannel::TxtChannel_Validate()
 {
-    if (!isOpen(m_text) || m_committing)
-        return;
-    m_committing = true;
-    const QString text = m_text->text();
-    hideEditor(m_text);
-    if (m_editColumn == ColRx)
-        setChannelRx(m_editRow, text);
-    else if (m_editColumn == ColTx)
-        setChannelTx(m_editRow, text);
-    m_committing = false;
+    if (m_editor->openEditor() == m_text)
+        m_editor->commit();
 }
 
 void frmChannel::CboChannel_Validate(int index)
 {
-    if (index < 0 || index > 1 || !isOpen(m_combo[index]) || m_committing)
-        return;
-    m_committing = true;
-    QComboBox *combo = m_combo[index];
-    QString text;
-    if (index == 0)
-        text = normaliseToneInput(combo->currentText(), app().LanguageIndex);
-    else
-        text = combo->currentIndex() >= 0 ? combo->currentText() : m_savedCellText;
-    if (m_editRow >= 1 && m_editRow <= lastRow() && m_editColumn > ColNumber && m_editColumn < ColumnCount)
-        setCell(m_editRow, m_editColumn, text);
-    hideEditor(combo);
-    m_committing = false;
+    if (index >= 0 && index < 2 && m_editor->openEditor() == m_combo[index])
+        m_editor->commit();
 }
 
 void frmChannel::commitOpenEditor()
 {
-    if (isOpen(m_text))
-        TxtChannel_Validate();
-    else if (isOpen(m_combo[0]))
-        CboChannel_Validate(0);
-    else if (isOpen(m_combo[1]))
-        CboChannel_Validate(1);
+    m_editor->commit();
     m_grid->setFocus(Qt::OtherFocusReason);
-}
-
-void frmChannel::commitAllOpen()
-{
-    if (m_committing)
-        return;
-    if (isOpen(m_text))
-        TxtChannel_Validate();
-    for (int index = 0; index < 2; ++index) {
-        if (isOpen(m_combo[index]))
-            CboChannel_Validate(index);
-    }
 }
 
 void frmChannel::SyncGridCursor()
 {
-    app().ChannelCursor = static_cast<quint8>(std::max(0, m_grid->currentRow()));
-    app().GridColumn = static_cast<quint8>(std::max(0, m_grid->currentColumn()));
+    m_state.ChannelCursor = static_cast<quint8>(std::max(0, m_grid->currentRow()));
+    m_state.GridColumn = static_cast<quint8>(std::max(0, m_grid->currentColumn()));
 }
 
 // An empty row can only be started by its receive frequency, and the encode
 // tone of a row without a transmit frequency is reached through that
 // frequency.
-void frmChannel::forceEditableColumn()
+QModelIndex frmChannel::editableCell(const QModelIndex &cell) const
 {
-    const int row = m_grid->currentRow();
+    const int row = cell.row();
     if (row < 1)
-        return;
+        return cell;
     if (cellText(row, ColRx).isEmpty())
-        m_grid->setCurrentCell(row, ColRx);
-    else if (m_grid->currentColumn() == ColEncode && cellText(row, ColTx).isEmpty())
-        m_grid->setCurrentCell(row, ColTx);
-    SyncGridCursor();
+        return cell.siblingAtColumn(ColRx);
+    if (cell.column() == ColEncode && cellText(row, ColTx).isEmpty())
+        return cell.siblingAtColumn(ColTx);
+    return cell;
 }
 
-void frmChannel::placeEditor(QWidget *editor)
+QWidget *frmChannel::editorFor(const QModelIndex &cell, const QString &text)
 {
-    const QModelIndex index = m_grid->model()->index(m_editRow, m_editColumn);
-    m_grid->scrollTo(index);
-    editor->setGeometry(m_grid->visualRect(index));
-}
-
-// A list combo wider than its cell (its word plus the arrow) stands out to the
-// right, or to the left at the grid's edge, so its word is never cut off.
-void frmChannel::widenToContents(QComboBox *combo)
-{
-    QRect area = combo->geometry();
-    const int wanted = combo->sizeHint().width();
-    if (wanted <= area.width())
-        return;
-    area.setWidth(wanted);
-    const int overhang = area.right() - (m_grid->viewport()->width() - 1);
-    if (overhang > 0)
-        area.moveLeft(std::max(0, area.left() - overhang));
-    combo->setGeometry(area);
-}
-
-void frmChannel::ShowCellEditor()
-{
-    commitAllOpen(); // an editor still open belongs to the previous cell
-    SyncGridCursor();
-    m_editRow = app().ChannelCursor;
-    m_editColumn = app().GridColumn;
-    if (m_editRow < 1 || m_editRow > lastRow())
-        return;
-    m_savedCellText = cellText(m_editRow, m_editColumn);
-    const int language = app().LanguageIndex;
-
-    switch (m_editColumn) {
+    if (cell.row() < 1 || cell.row() > lastRow())
+        return nullptr;
+    switch (cell.column()) {
     case ColRx:
     case ColTx:
-        placeEditor(m_text);
         m_text->setMaxLength(9);
-        m_text->setText(m_savedCellText);
-        m_text->selectAll();
-        m_text->show();
-        m_text->setFocus(Qt::OtherFocusReason);
-        break;
+        m_text->setText(text);
+        return m_text;
     case ColDecode:
-    case ColEncode: {
-        QComboBox *combo = m_combo[0];
-        placeEditor(combo);
-        if (m_savedCellText.isEmpty())
-            break; // a tone of a channel without that side: nothing to edit
-        if (combo->count() > 0)
-            combo->setItemText(0, Words::None().in(language));
-        combo->setEditText(m_savedCellText);
-        combo->lineEdit()->selectAll();
-        combo->show();
-        combo->setFocus(Qt::OtherFocusReason);
-        break;
-    }
+    case ColEncode:
+        if (text.isEmpty())
+            return nullptr; // a tone of a channel without that side: nothing to edit
+        if (m_combo[0]->count() > 0)
+            m_combo[0]->setItemText(0, Words::None.in(language()));
+        m_combo[0]->setEditText(text);
+        return m_combo[0];
     case ColPower:
     case ColBandwidth:
     case ColScanAdd:
-    case ColBcl: {
-        QComboBox *combo = m_combo[1];
-        placeEditor(combo);
-        combo->clear();
-        for (const Triple *word : columnChoices(m_editColumn))
-            combo->addItem(word->in(language));
-        combo->setCurrentIndex(combo->findText(m_savedCellText));
-        widenToContents(combo);
-        combo->show();
-        combo->setFocus(Qt::OtherFocusReason);
-        break;
-    }
+    case ColBcl:
+        m_combo[1]->clear();
+        for (const Text &word : columnChoices(cell.column()))
+            m_combo[1]->addItem(word.in(language()));
+        m_combo[1]->setCurrentIndex(m_combo[1]->findText(text));
+        return m_combo[1];
     default:
-        break;
+        return nullptr;
     }
 }
 
-bool frmChannel::gridKeyPress(QKeyEvent *event)
+// A digit or point typed on a frequency cell opens its editor holding it.
+std::optional<QChar> frmChannel::startingCharacter(const QModelIndex &cell, QChar typed) const
 {
-    const QChar typed = typedCharacter(event);
-    const bool enter = isEnterKey(event);
-    const bool editKey = event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Escape;
-    if (typed.isNull() && !enter && !editKey)
-        return false; // moving around the grid
+    if ((cell.column() == ColRx || cell.column() == ColTx) && (isAsciiDigit(typed) || typed == u'.'))
+        return typed;
+    return std::nullopt;
+}
 
-    forceEditableColumn();
-    const int column = app().GridColumn;
+// Frequencies take digits, the point and the comma. Tones take what can
+// still become "88.5" or "D023N": up to five characters of a number with one
+// point, or D and three digits, then N or I; a list takes no typing at all.
+std::optional<QChar> frmChannel::acceptedCharacter(const TypedKey &key) const
+{
+    const QChar typed = key.typed;
+    if (key.editor == m_text) {
+        if (isAsciiDigit(typed) || typed == u'.' || typed == u',')
+            return typed;
+        return std::nullopt;
+    }
+    if (key.editor != m_combo[0])
+        return std::nullopt;
+
+    const QString &text = key.text;
+    const bool dcs = text.startsWith(u'D');
+    if (isAsciiDigit(typed)) {
+        if (key.wholeSelected || text.size() < (dcs ? 4 : 5))
+            return typed;
+        return std::nullopt;
+    }
+    if (typed == u'D' || typed == u'd') {
+        if (text.isEmpty() || key.wholeSelected)
+            return QChar(u'D');
+        return std::nullopt;
+    }
+    if (typed == u'.') {
+        if (text.isEmpty() || text.size() >= 4 || text.contains(u'.'))
+            return std::nullopt;
+        return typed;
+    }
+    if (typed == u'N' || typed == u'n' || typed == u'I' || typed == u'i') {
+        if (dcs && text.size() == 4)
+            return typed.toUpper();
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+void frmChannel::commit(const QModelIndex &cell, QWidget *editor, const QString &text)
+{
+    const int row = cell.row();
+    const int column = cell.column();
+    if (row < 1 || row > lastRow())
+        return;
+    if (editor == m_text) {
+        if (column == ColRx)
+            setChannelRx(row, text);
+        else if (column == ColTx)
+            setChannelTx(row, text);
+    } else if (editor == m_combo[0]) {
+        setCell(row, column, normaliseToneInput(text, language()));
+    } else {
+        setCell(row, column, text);
+    }
+}
+
+// Enter in a frequency moves one column right. Enter in a list moves on
+// along the row and from the last column to the next row, the last row
+// wrapping to the first; the decode tone of a row without a transmit side
+// skips the empty encode tone.
+QModelIndex frmChannel::cellAfterEnter(const QModelIndex &cell)
+{
+    int row = cell.row();
+    int column = cell.column();
     if (column == ColRx || column == ColTx) {
-        if (enter) {
-            ShowCellEditor();
-        } else if (isAsciiDigit(typed) || typed == u'.') {
-            ShowCellEditor();
-            if (isOpen(m_text)) {
-                m_text->setText(QString(typed));
-                m_text->setCursorPosition(1);
-            }
-        }
-    } else if (enter) {
-        ShowCellEditor();
-    }
-    return true;
-}
-
-bool frmChannel::textEditorKeyPress(QKeyEvent *event)
-{
-    if (isEnterKey(event)) {
-        TxtChannel_Validate();
-        m_grid->setFocus(Qt::OtherFocusReason);
-        const int row = m_grid->currentRow();
-        const int column = std::min(m_grid->currentColumn() + 1, ColumnCount - 1);
-        m_grid->setCurrentCell(row, column);
-        SyncGridCursor();
-        return true;
-    }
-    if (event->key() == Qt::Key_Escape) {
-        setCell(m_editRow, m_editColumn, m_savedCellText);
-        hideEditor(m_text);
-        m_grid->setFocus(Qt::OtherFocusReason);
-        return true;
-    }
-    if (const std::optional<bool> swallow = filterNonCharacterKey(event))
-        return *swallow;
-    const QChar typed = typedCharacter(event);
-    return !(isAsciiDigit(typed) || typed == u'.' || typed == u',');
-}
-
-void frmChannel::advanceAfterCombo()
-{
-    int row = m_grid->currentRow();
-    int column = m_grid->currentColumn();
-    if (column == ColDecode && cellText(row, ColEncode).isEmpty()) {
+        ++column;
+    } else if (column == ColDecode && cellText(row, ColEncode).isEmpty()) {
         column = ColPower;
     } else if (column >= ColumnCount - 1) {
         column = ColRx;
@@ -814,125 +669,31 @@ void frmChannel::advanceAfterCombo()
     } else {
         ++column;
     }
-    m_grid->setCurrentCell(row, column);
-    SyncGridCursor();
+    return cell.siblingAtRow(row).siblingAtColumn(column);
 }
 
-bool frmChannel::comboKeyPress(int index, QKeyEvent *event)
+// Esc closes the frequency editor; in a list it only puts the cell's text
+// back and the list stays open.
+CellEditRules::Escape frmChannel::onEscape(QWidget *editor) const
 {
-    QComboBox *combo = m_combo[index];
-    if (isEnterKey(event)) {
-        CboChannel_Validate(index);
-        m_grid->setFocus(Qt::OtherFocusReason);
-        advanceAfterCombo();
-        return true;
-    }
-    if (event->key() == Qt::Key_Escape) {
-        if (combo->isEditable())
-            combo->setEditText(m_savedCellText);
-        else
-            combo->setCurrentIndex(combo->findText(m_savedCellText));
-        return true;
-    }
-    if (const std::optional<bool> swallow = filterNonCharacterKey(event))
-        return *swallow;
-    const QChar typed = typedCharacter(event);
-
-    QLineEdit *edit = combo->lineEdit();
-    const QString text = combo->currentText();
-    // A list combo has no caret: its text counts as wholly selected.
-    const bool wholeSelected = !edit || (!text.isEmpty() && edit->selectedText() == text);
-    const bool dcs = text.startsWith(u'D');
-    auto insertUpper = [edit](QChar c) {
-        if (edit)
-            edit->insert(QString(c.toUpper()));
-    };
-
-    if (isAsciiDigit(typed)) {
-        if (wholeSelected)
-            return false;
-        return dcs ? text.size() >= 4 : text.size() >= 5;
-    }
-    if (typed == u'D' || typed == u'd') {
-        if (text.isEmpty() || wholeSelected)
-            insertUpper(typed);
-        return true;
-    }
-    if (typed == u'.')
-        return text.isEmpty() || text.size() >= 4 || text.contains(u'.');
-    if (typed == u'N' || typed == u'n' || typed == u'I' || typed == u'i') {
-        if (dcs && text.size() == 4)
-            insertUpper(typed);
-        return true;
-    }
-    return true;
+    return editor == m_text ? Escape::Close : Escape::RevertText;
 }
 
 bool frmChannel::eventFilter(QObject *watched, QEvent *event)
 {
     const QEvent::Type type = event->type();
-
     if (watched == m_grid) {
-        if (type == QEvent::KeyPress)
-            return gridKeyPress(static_cast<QKeyEvent *>(event));
         if (type == QEvent::FocusIn)
             m_grid->viewport()->installEventFilter(m_wheelPager);
         else if (type == QEvent::FocusOut)
             m_grid->viewport()->removeEventFilter(m_wheelPager);
-        return false;
-    }
-
-    if (watched == m_grid->viewport()) {
-        if (type == QEvent::MouseButtonRelease) {
-            const auto *mouse = static_cast<QMouseEvent *>(event);
-            const auto gesture = Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier;
-            if (mouse->button() == Qt::RightButton && (mouse->modifiers() & gesture) == gesture) {
-                commitOpenEditor();
-                SaveData();
-                Q_EMIT memoryMapRequested();
-                return true;
-            }
-            if (mouse->button() == Qt::LeftButton && m_grid->indexAt(mouse->position().toPoint()).isValid()) {
-                forceEditableColumn();
-                SyncGridCursor();
-                ShowCellEditor();
-            }
-        }
-        return false;
-    }
-
-    QComboBox *comboWatched = nullptr;
-    int comboIndex = -1;
-    for (int index = 0; index < 2; ++index) {
-        if (watched == m_combo[index] || (m_combo[index]->lineEdit() && watched == m_combo[index]->lineEdit())) {
-            comboWatched = m_combo[index];
-            comboIndex = index;
-        }
-    }
-
-    if (type == QEvent::KeyPress) {
-        auto *key = static_cast<QKeyEvent *>(event);
-        if (watched == m_text)
-            return textEditorKeyPress(key);
-        if (comboWatched)
-            return comboKeyPress(comboIndex, key);
-    } else if (type == QEvent::FocusOut) {
-        // Focus leaving an editor commits it, like a click elsewhere in the
-        // list; a combo's own drop-down and a switch to another window do not.
-        const auto reason = static_cast<QFocusEvent *>(event)->reason();
-        if (m_committing || reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason)
-            return false;
-        if (watched == m_text)
-            TxtChannel_Validate();
-        else if (comboWatched && !comboWatched->isAncestorOf(QApplication::focusWidget())
-                 && comboWatched != QApplication::focusWidget())
-            CboChannel_Validate(comboIndex);
-    } else if (type == QEvent::ShortcutOverride && (watched == m_text || comboWatched)) {
-        // Enter and Esc belong to the editor, not to a default button or a
-        // window shortcut.
-        auto *key = static_cast<QKeyEvent *>(event);
-        if (isEnterKey(key) || key->key() == Qt::Key_Escape) {
-            event->accept();
+    } else if (watched == m_grid->viewport() && type == QEvent::MouseButtonRelease) {
+        const auto *mouse = static_cast<QMouseEvent *>(event);
+        const auto gesture = Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier;
+        if (mouse->button() == Qt::RightButton && (mouse->modifiers() & gesture) == gesture) {
+            commitOpenEditor();
+            SaveData();
+            Q_EMIT memoryMapRequested();
             return true;
         }
     }

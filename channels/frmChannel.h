@@ -1,20 +1,27 @@
 #pragma once
 
 #include "channels/ChannelRecord.h"
+#include "ui/CellEditor.h"
+#include "ui/Twips.h"
 
 #include <QString>
 #include <QWidget>
 
+#include <memory>
+
 class QComboBox;
-class QKeyEvent;
 class QLineEdit;
 class QTableWidget;
 
 namespace wr {
 
+struct AppState;
+
 // The channel list: 128 channels in a grid edited in place. The grid is the
 // working copy between RefreshData (image -> grid) and SaveData (grid ->
-// image); only a new channel's default bytes reach the image at once.
+// image); only a new channel's default bytes reach the image at once. It
+// works on the image, language, band limits and cursor of the state it is
+// given.
 //
 // Grid layout: 129 rows x 9 columns, so that cell (n, column) is channel n.
 // Row 0 is the header row; it keeps the column captions as cell texts but is
@@ -24,7 +31,7 @@ namespace wr {
 //   column  0    1        2        3           4           5      6     7         8
 //           CH.  Rx Freq  Tx Freq  Dec. tone   Enc. tone   Power  W/N   Scan Add  BCL
 //   editor  -    TxtChannel        CboChannel0             CboChannel1 (the column's choices)
-class frmChannel : public QWidget
+class frmChannel : public QWidget, private CellEditRules
 {
     Q_OBJECT
 
@@ -42,8 +49,10 @@ public:
     };
     static constexpr int ColumnCount = 9;
     static constexpr int RowCount = 1 + ChannelRecord::ChannelCount;
+    // The window's size when it opens, frame included.
+    static constexpr QSize OpeningSize = twipsToPixels(14910, 9800);
 
-    explicit frmChannel(QWidget *parent = nullptr);
+    explicit frmChannel(AppState &state, QWidget *parent = nullptr);
     ~frmChannel() override;
 
     void RefreshChannelOP();
@@ -55,9 +64,8 @@ public:
     void TxtChannel_Validate();
     void CboChannel_Validate(int index);
 
-    // Commits whichever in-place editor is open (text editor first, then the
-    // combos) and gives the focus back to the grid. The main window runs it
-    // before every command.
+    // Commits whichever in-place editor is open and gives the focus back to
+    // the grid. The main window runs it before every command.
     void commitOpenEditor();
 
     QTableWidget *grid() const;
@@ -79,38 +87,31 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    // How the grid is edited in place.
+    QModelIndex editableCell(const QModelIndex &cell) const override;
+    QWidget *editorFor(const QModelIndex &cell, const QString &text) override;
+    std::optional<QChar> startingCharacter(const QModelIndex &cell, QChar typed) const override;
+    std::optional<QChar> acceptedCharacter(const TypedKey &key) const override;
+    void commit(const QModelIndex &cell, QWidget *editor, const QString &text) override;
+    QModelIndex cellAfterEnter(const QModelIndex &cell) override;
+    Escape onEscape(QWidget *editor) const override;
+
     void SetupChannelGrid();
-    void ShowCellEditor();
     void SyncGridCursor();
 
+    int language() const;
     void setCell(int row, int column, const QString &text);
     ChannelTexts rowTexts(int row) const;
     void writeRow(int row, const ChannelTexts &texts);
     int lastRow() const;
-
-    void forceEditableColumn();
-    void placeEditor(QWidget *editor);
-    void widenToContents(QComboBox *combo);
-    void hideEditor(QWidget *editor);
-    void discardOpenEditors();
-    bool isOpen(const QWidget *editor) const;
-    void commitAllOpen(); // every open editor, as scrolling does
     void fitColumns();
 
-    bool gridKeyPress(QKeyEvent *event);
-    bool textEditorKeyPress(QKeyEvent *event);
-    bool comboKeyPress(int index, QKeyEvent *event);
-    void advanceAfterCombo();
-
+    AppState &m_state;
     QTableWidget *m_grid = nullptr;
     QLineEdit *m_text = nullptr;     // TxtChannel
     QComboBox *m_combo[2] = {};      // CboChannel0 (tones), CboChannel1 (list columns)
+    std::unique_ptr<CellEditor> m_editor; // goes before the grid and the rules it calls
     QObject *m_wheelPager = nullptr; // installed on the grid while it has the focus
-
-    QString m_savedCellText; // the cell's text when its editor opened; Esc puts it back
-    int m_editRow = 0;       // cell under the open editor
-    int m_editColumn = 0;
-    bool m_committing = false; // a validate in progress: ignore the focus it moves
 };
 
 } // namespace wr

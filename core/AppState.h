@@ -10,10 +10,6 @@ namespace wr {
 
 class SettingsStore;
 
-// Which half of a channel record a codec works on: receive (decode tone) or
-// transmit (encode tone).
-enum class Side { Rx, Tx };
-
 // Process-wide state of the programming software. It exists once, lives on
 // the user-interface thread and is read and written directly by every form;
 // there is no other copy of the radio's data.
@@ -46,9 +42,10 @@ struct AppState
 // The one instance of the process. Tests reset it with `app() = AppState{}`.
 AppState &app();
 
-// The start-up steps that need no window, in the radio software's order:
-// settings, tone table, grid sizes and file name, band limit defaults, then a
-// fresh image with its snapshot.
+// The start-up steps that need no window, in this order: settings, tone
+// table, grid sizes and file name, band limit defaults, then a fresh image
+// with its snapshot (the defaults are worked out before the fresh image
+// erases row 416 again).
 void StartUp(AppState &state, const SettingsStore &settings);
 
 // Names the program for QStandardPaths and QSettings ("wrpd6t", no

@@ -129,8 +129,9 @@ QString normalise(QStringView text, qint64 lower1, qint64 upper1, qint64 lower2,
     const qint64 distanceB = qAbs(f - b * FinePerTenHz);
     qint64 chosen = distanceB < distanceA ? b : a;
 
-    // Rounding to 10 Hz can carry a typed 136.999996 into 137.00000; the
-    // radio software steps such a result back by 5 kHz.
+    // Rounding to 10 Hz can carry a typed 136.999996 into 137.00000; such a
+    // result is stepped back by 5 kHz, so that files and radios programmed
+    // by other programs read the same frequency.
     if (chosen == (floorDiv(f, FinePerMHz) + 1) * TenHzPerMHz)
         chosen -= 500;
     return freq::formatTenHz(chosen);

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "core/AppState.h"
+#include "core/BandLimits.h"
+#include "core/MemoryImage.h"
+#include "core/Side.h"
 
 #include <QString>
 #include <QStringView>
@@ -44,7 +46,7 @@ QString formatTenHz(qint64 tenHz);
 // allowed; anything else makes it fail.
 std::optional<qint64> parseDecimal(QStringView text, int scale, QChar decimalPoint = u'.');
 // The leading number of a text ("145.5abc" gives 145.5, "abc" gives 0), in
-// units of 10^-scale, as the radio software's numeric parse reads a setting.
+// units of 10^-scale: how a stored setting or a typed tone is read.
 qint64 leadingNumber(QStringView text, int scale);
 } // namespace freq
 

@@ -1,6 +1,10 @@
 #pragma once
 
 #include <QString>
+#include <QStringView>
+
+#include <array>
+#include <cstddef>
 
 namespace wr {
 
@@ -12,35 +16,57 @@ constexpr int LanguageCount = 3;
 // most message boxes, the same in every language.
 QString ModelName();
 
-// One user-visible text in the three interface languages.
-struct Triple
+// One user-visible text in the three interface languages. A Text is built
+// from string literals only, so it can be a compile-time constant and tables
+// of fields can hold their texts:
+//
+//   constexpr Text Squelch{u"Squelch Level", u"静噪等级", u"靜噪等級"};
+//   constexpr Text Volume1{u"1"}; // the same in every language
+class Text
 {
-    QString english;
-    QString simplified;
-    QString traditional;
+public:
+    template <std::size_t N>
+    constexpr Text(const char16_t (&all)[N])
+        : Text(all, all, all)
+    {
+    }
+    template <std::size_t E, std::size_t S, std::size_t T>
+    constexpr Text(const char16_t (&english)[E], const char16_t (&simplified)[S], const char16_t (&traditional)[T])
+        : m_texts{QStringView(english, E - 1), QStringView(simplified, S - 1), QStringView(traditional, T - 1)}
+    {
+    }
 
-    // The member for a language index; anything out of range reads as English.
-    const QString &in(int languageIndex) const;
-    // True when text equals any of the three forms.
-    bool matches(const QString &text) const;
+    // The text in a language; an index out of range reads as English. The
+    // string shares the literal's storage.
+    QString in(int languageIndex) const;
+    constexpr QStringView view(int languageIndex) const
+    {
+        return m_texts[languageIndex > English && languageIndex < LanguageCount ? std::size_t(languageIndex) : 0];
+    }
+    // True when text equals the text of any of the three languages.
+    bool matches(QStringView text) const;
+
+private:
+    std::array<QStringView, LanguageCount> m_texts;
 };
 
-// The text of the current language (LanguageIndex of the application state).
-QString TextFor(const QString &english, const QString &simplified, const QString &traditional);
-QString TextFor(const Triple &text);
-
-// Value words shared by the channel list and the feature forms. A value
-// written back is recognised in any of the three languages.
+// Words shared by several forms. A value word written back is recognised in
+// any of the three languages.
 namespace Words {
-const Triple &High();
-const Triple &Low();
-const Triple &Wide();
-const Triple &Narrow();
-const Triple &On();
-const Triple &Off();
-const Triple &Carrier();
-const Triple &OptSignal();
-const Triple &None();
+inline constexpr Text High{u"High", u"高", u"高"};
+inline constexpr Text Low{u"Low", u"低", u"低"};
+inline constexpr Text Wide{u"Wide", u"宽", u"寬"};
+inline constexpr Text Narrow{u"Narrow", u"窄", u"窄"};
+inline constexpr Text On{u"On", u"开", u"開"};
+inline constexpr Text Off{u"Off", u"关", u"關"};
+inline constexpr Text Carrier{u"Carrier", u"载波", u"載波"};
+inline constexpr Text OptSignal{u"Opt.Signal", u"可选信令", u"可選信令"};
+inline constexpr Text None{u"None", u"无", u"無"};
+
+inline constexpr Text OK{u"OK", u"确定", u"確定"};
+inline constexpr Text Cancel{u"Cancel", u"取消", u"取消"};
+inline constexpr Text Error{u"Error", u"错误", u"錯誤"};
+inline constexpr Text Alert{u"Alert!", u"警告!", u"警告!"};
 } // namespace Words
 
 } // namespace wr

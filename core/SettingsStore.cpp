@@ -13,8 +13,8 @@ namespace wr {
 
 namespace {
 
-// A stored text ends at its first zero character and never exceeds the 1024
-// characters the radio software reads.
+// A stored text ends at its first zero character and is cut to 1024
+// characters, the most a setting holds.
 QString clipped(QString text)
 {
     const qsizetype zero = text.indexOf(QChar(u'\0'));

@@ -1,6 +1,7 @@
 #include "core/ToneCodec.h"
 
 #include "core/FrequencyCodec.h"
+#include "core/ImageFields.h"
 #include "core/Language.h"
 
 #include <algorithm>
@@ -39,17 +40,6 @@ QString dcsText(int code, QChar polarity)
     return QStringLiteral("D%1%2").arg(code, 3, 10, QChar(u'0')).arg(polarity);
 }
 
-// A byte read as the decimal number its hexadecimal digits spell: BCD 0x23
-// is 23; a stray letter ends the number (0x2A is 2, 0xA2 is 0).
-int spelledDecimal(std::uint8_t byte)
-{
-    const int high = byte >> 4;
-    const int low = byte & 0x0F;
-    if (high > 9)
-        return 0;
-    return low > 9 ? high : high * 10 + low;
-}
-
 int hexDigit(QChar c)
 {
     const char16_t u = c.unicode();
@@ -62,8 +52,7 @@ int hexDigit(QChar c)
     return -1;
 }
 
-// Characters read as hexadecimal digits the way the radio software does with
-// "&H" + text: the leading hexadecimal digits, nothing gives 0.
+// The value of the leading hexadecimal digits of a text; no digit gives 0.
 int hexValue(QStringView digits)
 {
     int value = 0;
@@ -93,7 +82,7 @@ QStringList BuildToneTable(int languageIndex)
 {
     QStringList table;
     table.reserve(ToneTableSize);
-    table.append(Words::None().in(languageIndex));
+    table.append(Words::None.in(languageIndex));
     for (int tone : CtcssTones)
         table.append(ctcssText(tone));
     for (int code : DcsCodes)
@@ -105,7 +94,7 @@ QStringList BuildToneTable(int languageIndex)
 
 bool IsNoTone(QStringView text)
 {
-    return text.isEmpty() || Words::None().matches(text.toString());
+    return text.isEmpty() || Words::None.matches(text.toString());
 }
 
 QString ReadTone(const MemoryImage &image, Side side, int channel, int languageIndex)
@@ -115,9 +104,9 @@ QString ReadTone(const MemoryImage &image, Side side, int channel, int languageI
     const std::uint8_t low = image.ReadByte(row, at.low);
     const std::uint8_t high = image.ReadByte(row, at.high);
     if (low == 0xFF && high == 0xFF)
-        return Words::None().in(languageIndex);
+        return Words::None.in(languageIndex);
 
-    const int value = spelledDecimal(high & 0x3F) * 100 + spelledDecimal(low);
+    const int value = bcdByteValue(high & 0x3F) * 100 + bcdByteValue(low);
     switch (high & KindMask) {
     case Ctcss:
         return ctcssText(value);

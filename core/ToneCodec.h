@@ -1,6 +1,7 @@
 #pragma once
 
-#include "core/AppState.h"
+#include "core/MemoryImage.h"
+#include "core/Side.h"
 
 #include <QString>
 #include <QStringList>

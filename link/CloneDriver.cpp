@@ -77,9 +77,9 @@ void CloneDriver::run(const CloneEngine::Actions &actions)
 
 void CloneDriver::kickSendTimer()
 {
-    // The send timer's 1 ms is as fast as the radio software's platform
-    // allowed; a frame that is due goes out on the next pass of the event
-    // loop instead, which saves about half a millisecond a row.
+    // The send timer ticks every millisecond; a frame that is due goes out on
+    // the next pass of the event loop instead, which saves about half a
+    // millisecond a row.
     if (m_kickPending || !m_sendTimer.isActive() || m_engine.SentStep == m_engine.Step || m_engine.waiting()
         || m_engine.asking())
         return;

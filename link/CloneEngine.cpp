@@ -42,53 +42,13 @@ const QByteArray &endFrame()
     return bytes;
 }
 
-const Triple &readCaption()
-{
-    static const Triple text{QStringLiteral("Read data from radio"), QStringLiteral("从对讲机读取数据"),
-                             QStringLiteral("從對講機讀取數據")};
-    return text;
-}
-
-const Triple &writeCaption()
-{
-    static const Triple text{QStringLiteral("Write data to radio"), QStringLiteral("向对讲机写入数据"),
-                             QStringLiteral("向對講機寫入數據")};
-    return text;
-}
-
-const Triple &progressCaption()
-{
-    static const Triple text{QStringLiteral("Completion percentage"), QStringLiteral("完成进度"),
-                             QStringLiteral("完成進度")};
-    return text;
-}
-
-const Triple &lostConnection()
-{
-    static const Triple text{QStringLiteral("Check Connection. Retry or Cancel?"),
-                             QStringLiteral("检测连接。重试或取消？"), QStringLiteral("檢測連接。重試或取消？")};
-    return text;
-}
-
-const Triple &errorTitle()
-{
-    static const Triple text{QStringLiteral("Error"), QStringLiteral("错误"), QStringLiteral("錯誤")};
-    return text;
-}
-
-const Triple &readDone()
-{
-    static const Triple text{QStringLiteral("Reading completed!"), QStringLiteral("成功读完！"),
-                             QStringLiteral("成功讀完")};
-    return text;
-}
-
-const Triple &writeDone()
-{
-    static const Triple text{QStringLiteral("Writing completed!"), QStringLiteral("成功写完！"),
-                             QStringLiteral("成功寫完")};
-    return text;
-}
+constexpr Text ReadCaption{u"Read data from radio", u"从对讲机读取数据", u"從對講機讀取數據"};
+constexpr Text WriteCaption{u"Write data to radio", u"向对讲机写入数据", u"向對講機寫入數據"};
+constexpr Text ProgressCaption{u"Completion percentage", u"完成进度", u"完成進度"};
+constexpr Text LostConnection{u"Check Connection. Retry or Cancel?", u"检测连接。重试或取消？",
+                              u"檢測連接。重試或取消？"};
+constexpr Text ReadDone{u"Reading completed!", u"成功读完！", u"成功讀完"};
+constexpr Text WriteDone{u"Writing completed!", u"成功写完！", u"成功寫完"};
 
 Action make(Action::Kind kind, int value = 0)
 {
@@ -99,7 +59,7 @@ Action make(Action::Kind kind, int value = 0)
 }
 
 // The number made by the characters after the first three of a port name
-// (COM7 gives 7), read as the radio software did: leading digits only.
+// (COM7 gives 7): leading digits only.
 quint8 portNumberOf(const QString &name)
 {
     int number = 0;
@@ -169,14 +129,14 @@ int CloneEngine::replyLengthFor(int step) const
 
 QString CloneEngine::caption() const
 {
-    return (m_direction == Direction::Read ? readCaption() : writeCaption()).in(m_state.LanguageIndex);
+    return (m_direction == Direction::Read ? ReadCaption : WriteCaption).in(m_state.LanguageIndex);
 }
 
 QString CloneEngine::progressText() const
 {
     // Whole percent, rounded to nearest; n * 100 / 188 never ends in exactly .5.
     const int percent = (m_progress * 100 + ProgressMaximum / 2) / ProgressMaximum;
-    return progressCaption().in(m_state.LanguageIndex) + QStringLiteral(":  %1%").arg(percent);
+    return ProgressCaption.in(m_state.LanguageIndex) + QStringLiteral(":  %1%").arg(percent);
 }
 
 Actions CloneEngine::resetProgress()
@@ -229,8 +189,8 @@ Actions CloneEngine::portOpened()
         m_reopenBeforeAsking = false;
         m_asking = true;
         Action ask = make(Action::AskLostConnection);
-        ask.text = lostConnection().in(m_state.LanguageIndex);
-        ask.title = errorTitle().in(m_state.LanguageIndex);
+        ask.text = LostConnection.in(m_state.LanguageIndex);
+        ask.title = Words::Error.in(m_state.LanguageIndex);
         return {ask};
     }
     return beginAttempt();
@@ -421,8 +381,8 @@ Actions CloneEngine::timeoutTick()
     }
     m_asking = true;
     Action ask = make(Action::AskLostConnection);
-    ask.text = lostConnection().in(m_state.LanguageIndex);
-    ask.title = errorTitle().in(m_state.LanguageIndex);
+    ask.text = LostConnection.in(m_state.LanguageIndex);
+    ask.title = Words::Error.in(m_state.LanguageIndex);
     actions += ask;
     return actions;
 }
@@ -462,9 +422,9 @@ Actions CloneEngine::finishTransfer()
         m_state.image.TakeSnapshot();
         m_state.LoadBandLimits();
         actions += make(Action::ReadCompleted);
-        message.text = readDone().in(m_state.LanguageIndex);
+        message.text = ReadDone.in(m_state.LanguageIndex);
     } else {
-        message.text = writeDone().in(m_state.LanguageIndex);
+        message.text = WriteDone.in(m_state.LanguageIndex);
     }
     actions += message;
     Finished = true;

@@ -34,9 +34,9 @@ struct AppState;
 // The engine owns neither the port nor any timer. The driver feeds it events
 // (send tick, time-out tick, bytes waiting, a finished wait, the user's
 // answer, the port opened or not) and carries out the actions it returns, in
-// order. The radio software blocked its thread for its short waits; here a
-// wait is an action, and until the driver reports it elapsed the engine
-// ignores ticks and leaves waiting bytes alone, which keeps the old order.
+// order. A short wait is an action too, so the user-interface thread never
+// blocks; until the driver reports it elapsed the engine ignores ticks and
+// leaves waiting bytes alone, which keeps the order of the exchange.
 class CloneEngine
 {
 public:
@@ -116,7 +116,7 @@ public:
     bool portOpen() const { return m_portOpen; }
     int threshold() const { return m_threshold; }
 
-    // The transfer state, under the names the radio software used.
+    // The transfer state, under the names the clone protocol gives it.
     qint16 Step = 0;
     qint16 SentStep = NothingSent;
     qint16 LastStep = 262;

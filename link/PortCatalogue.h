@@ -9,8 +9,8 @@
 
 namespace wr {
 
-// One serial port the program can talk to, under the "COM" + number name the
-// radio software has always used for ports.
+// One serial port the program can talk to, under a "COM" + number name, the
+// form in which the settings store and the port dialog know ports.
 struct PortEntry
 {
     QString name;        // "COM3"

@@ -3,7 +3,7 @@
 #include "core/AppState.h"
 #include "link/CloneDriver.h"
 #include "link/CloneEngine.h"
-#include "shell/MessageBox.h"
+#include "ui/MessageBox.h"
 
 #include <QLabel>
 #include <QProgressBar>

@@ -3,7 +3,7 @@
 #include "core/AppState.h"
 #include "core/Language.h"
 #include "file/DataFile.h"
-#include "shell/MessageBox.h"
+#include "ui/MessageBox.h"
 
 using namespace Qt::StringLiterals;
 
@@ -11,25 +11,26 @@ namespace wr {
 
 namespace {
 
+// The commands speak the interface language of the application state.
+QString text(const Text &text)
+{
+    return text.in(app().LanguageIndex);
+}
+
 const QString &untitled()
 {
     static const QString name = u"Untitled"_s;
     return name;
 }
 
-QString errorTitle()
-{
-    return TextFor(u"Error"_s, u"错误"_s, u"錯誤"_s);
-}
-
 QString incorrectFileType()
 {
-    return TextFor(u"Incorrect File Type."_s, u"文件类型不正确。"_s, u"文件類型不正確。"_s);
+    return text({u"Incorrect File Type.", u"文件类型不正确。", u"文件類型不正確。"});
 }
 
 QString saveDialogTitle()
 {
-    return TextFor(u"Save As"_s, u"另存为"_s, u"另存為"_s);
+    return text({u"Save As", u"另存为", u"另存為"});
 }
 
 // Takes a chosen name as the current file once the image is in it.
@@ -51,8 +52,8 @@ QString DataFileFilter()
 bool FileNew(QWidget *parent)
 {
     const MessageBox::Button answer = MessageBox::show(
-        parent, QMessageBox::Warning, TextFor(u"Alert!"_s, u"警告!"_s, u"警告!"_s),
-        TextFor(u"All data will be cleared."_s, u"所有数据将被清空。"_s, u"所有數據將被清空。"_s),
+        parent, QMessageBox::Warning, text(Words::Alert),
+        text({u"All data will be cleared.", u"所有数据将被清空。", u"所有數據將被清空。"}),
         QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Cancel);
     if (answer != QMessageBox::Ok)
         return false;
@@ -67,8 +68,7 @@ bool FileOpen(QWidget *parent)
         // The Traditional Chinese interface asks in Simplified Chinese too.
         const MessageBox::Button answer = MessageBox::show(
             parent, QMessageBox::Warning, QString(),
-            TextFor(u"File has been modified, save it now?"_s, u"文件已被修改，是否保存？"_s,
-                    u"文件已被修改，是否保存？"_s),
+            text({u"File has been modified, save it now?", u"文件已被修改，是否保存？", u"文件已被修改，是否保存？"}),
             QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
         if (answer == QMessageBox::Yes) {
             if (!FileSave(parent))
@@ -79,7 +79,7 @@ bool FileOpen(QWidget *parent)
         }
     }
 
-    const QString path = FileDialog::getOpenFileName(parent, TextFor(u"Open"_s, u"打开"_s, u"打開"_s), QString(),
+    const QString path = FileDialog::getOpenFileName(parent, text({u"Open", u"打开", u"打開"}), QString(),
                                                      DataFileFilter());
     if (path.isEmpty())
         return false;
@@ -95,10 +95,10 @@ bool FileOpen(QWidget *parent)
         MessageBox::show(parent, QMessageBox::Critical, ModelName(), incorrectFileType());
         return false;
     case DataFile::ReadStatus::Damaged:
-        MessageBox::show(parent, QMessageBox::Critical, errorTitle(), incorrectFileType());
+        MessageBox::show(parent, QMessageBox::Critical, text(Words::Error), incorrectFileType());
         return false;
     case DataFile::ReadStatus::CannotOpen:
-        MessageBox::show(parent, QMessageBox::Critical, errorTitle(), result.errorString);
+        MessageBox::show(parent, QMessageBox::Critical, text(Words::Error), result.errorString);
         return false;
     }
     return false;

@@ -1,6 +1,5 @@
 #include "shell/LanguageForm.h"
 
-#include "core/AppState.h"
 #include "core/Language.h"
 #include "shell/AppIcon.h"
 
@@ -10,16 +9,15 @@
 #include <QLabel>
 #include <QPushButton>
 
-using namespace Qt::StringLiterals;
-
 namespace wr {
 
-LanguageForm::LanguageForm(QWidget *parent)
+LanguageForm::LanguageForm(int language, QWidget *parent)
     : QDialog(parent)
     , m_lblLang(new QLabel(this))
     , m_cboLang(new QComboBox(this))
     , m_cmdOK(new QPushButton(this))
     , m_cmdCancel(new QPushButton(this))
+    , m_chosen(language)
 {
     setObjectName(QStringLiteral("LanguageForm"));
     m_lblLang->setObjectName(QStringLiteral("lblLang"));
@@ -29,15 +27,15 @@ LanguageForm::LanguageForm(QWidget *parent)
     setWindowIcon(AppIcon());
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 
-    setWindowTitle(TextFor(u"Language File Setup"_s, u"语言设置"_s, u"語言設置"_s));
-    m_lblLang->setText(TextFor(u"Language Mode"_s, u"语言模式"_s, u"語言模式"_s));
-    m_cmdOK->setText(TextFor(u"OK"_s, u"确定"_s, u"確定"_s));
-    m_cmdCancel->setText(TextFor(u"Cancel"_s, u"取消"_s, u"取消"_s));
+    setWindowTitle(Text(u"Language File Setup", u"语言设置", u"語言設置").in(language));
+    m_lblLang->setText(Text(u"Language Mode", u"语言模式", u"語言模式").in(language));
+    m_cmdOK->setText(Words::OK.in(language));
+    m_cmdCancel->setText(Words::Cancel.in(language));
     // The list index is the language index.
-    m_cboLang->addItem(TextFor(u"English"_s, u"英文"_s, u"英文"_s));
-    m_cboLang->addItem(TextFor(u"Simplified Chinese"_s, u"简体中文"_s, u"簡體中文"_s));
-    m_cboLang->addItem(TextFor(u"Traditional Chinese"_s, u"繁体中文"_s, u"繁體中文"_s));
-    m_cboLang->setCurrentIndex(app().LanguageIndex < LanguageCount ? app().LanguageIndex : 0);
+    m_cboLang->addItem(Text(u"English", u"英文", u"英文").in(language));
+    m_cboLang->addItem(Text(u"Simplified Chinese", u"简体中文", u"簡體中文").in(language));
+    m_cboLang->addItem(Text(u"Traditional Chinese", u"繁体中文", u"繁體中文").in(language));
+    m_cboLang->setCurrentIndex(language >= 0 && language < LanguageCount ? language : 0);
     m_cboLang->setMinimumContentsLength(18);
     m_lblLang->setBuddy(m_cboLang);
 
@@ -62,8 +60,8 @@ LanguageForm::LanguageForm(QWidget *parent)
 void LanguageForm::CmdOK_Click()
 {
     const int chosen = m_cboLang->currentIndex();
-    if (chosen >= 0 && chosen < LanguageCount && chosen != app().LanguageIndex)
-        app().LanguageIndex = static_cast<quint8>(chosen);
+    if (chosen >= 0 && chosen < LanguageCount)
+        m_chosen = chosen;
     accept();
 }
 

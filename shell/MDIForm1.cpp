@@ -7,10 +7,12 @@
 #include "shell/AppIcon.h"
 #include "shell/FileCommands.h"
 #include "shell/LanguageForm.h"
-#include "shell/MessageBox.h"
 #include "shell/QtTranslations.h"
 #include "shell/frmAbout.h"
 #include "shell/frmComPort.h"
+#include "ui/InterfaceFont.h"
+#include "ui/MessageBox.h"
+#include "ui/Twips.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -24,6 +26,8 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QShowEvent>
+#include <QStyle>
+#include <QWindow>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTime>
@@ -33,26 +37,23 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <span>
+
 using namespace Qt::StringLiterals;
 
 namespace wr {
 
 namespace {
 
-// The radio software sizes its window in twips; 15 twips make one pixel at
-// the usual 96 dots per inch.
-constexpr int twips(int value)
-{
-    return (value + 7) / 15;
-}
+constexpr QSize StartUpSize = twipsToPixels(13410, 11440);
+constexpr int TreePaneWidth = 158; // until the tree's captions are known
 
-constexpr int StartUpWidth = 13410;
-constexpr int StartUpHeight = 11440;
-constexpr int TreePaneWidth = 158;
-
-// Image address 0x0CD0 (row 205, byte 0) holds 0x20 in a fresh image; the
-// radio software clears it whenever the whole image is handed on.
+// Image address 0x0CD0 (row 205, byte 0) holds 0x20 in a fresh image and is
+// cleared whenever the whole image is handed on; what it means to the radio
+// is not known, and it travels with row 205.
 constexpr int CommitClearedAddress = 0x0CD0;
+
+constexpr Text ContinueQuestion{u"Do you wish to continue?", u"是否继续？", u"是否繼續？"};
 
 QString versionText()
 {
@@ -72,6 +73,9 @@ QLocale interfaceLocale()
 }
 
 enum Panel { PortPanel, DatePanel, ClockPanel, EmptyPanel, VersionPanel, PanelCount };
+
+// The tree node's data holding the QAction a click runs.
+constexpr int CommandRole = Qt::UserRole + 1;
 
 } // namespace
 
@@ -102,7 +106,7 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
     split->addWidget(m_mdiArea);
     split->setStretchFactor(0, 0);
     split->setStretchFactor(1, 1);
-    split->setSizes({TreePaneWidth, twips(StartUpWidth) - TreePaneWidth});
+    split->setSizes({TreePaneWidth, StartUpSize.width() - TreePaneWidth});
     setCentralWidget(split);
 
     buildMenus();
@@ -120,119 +124,150 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
 
 MDIForm1::~MDIForm1() = default;
 
+int MDIForm1::language() const
+{
+    return app().LanguageIndex;
+}
+
 void MDIForm1::Form_Load()
 {
     // Settings, the open-forms flags, the tone table, the grid sizes, the
     // file name and the fresh image with its band limits.
     StartUp(app(), *m_settings);
-    resize(width(), twips(StartUpHeight));
-    resize(twips(StartUpWidth), height());
+    resize(StartUpSize);
     buildTree();
     RefreshMainWindow();
     Time_Timer();
     showChannelList();
 }
 
-QMenu *MDIForm1::addMenu(const QString &name, Triple caption, bool shown)
+// The menu bar as data. Items without a handler have no function; hidden
+// ones are never shown, and Qt also switches their shortcuts off.
+struct MenuItem
 {
-    QMenu *menu = menuBar()->addMenu(caption.english);
-    menu->setObjectName(name);
-    menu->menuAction()->setVisible(shown);
-    m_captions.append({menu->menuAction(), std::move(caption)});
-    return menu;
+    QStringView name;
+    Text caption = {u""};
+    MDIForm1::Commit commit = MDIForm1::Commit::Nothing;
+    void (MDIForm1::*handler)() = nullptr;
+    QKeyCombination shortcut = {};
+    bool shown = true;
+    bool separator = false;
+};
+
+struct Menu
+{
+    QStringView name;
+    Text caption;
+    bool shown;
+    std::span<const MenuItem> items;
+};
+
+constexpr MenuItem separator(QStringView name, bool shown)
+{
+    return {.name = name, .shown = shown, .separator = true};
 }
 
-QAction *MDIForm1::addItem(QMenu *menu, const QString &name, Triple caption, const QKeySequence &shortcut, bool shown)
+QAction *MDIForm1::addCommand(QAction *action, Commit commit, Handler handler)
 {
-    QAction *action = menu->addAction(caption.english);
-    action->setObjectName(name);
-    action->setShortcut(shortcut);
-    // A hidden item is never shown, and Qt also switches its shortcut off,
-    // so its key does nothing.
-    action->setVisible(shown);
-    m_captions.append({action, std::move(caption)});
+    connect(action, &QAction::triggered, this, [this, commit, handler] { runCommand(commit, handler); });
     return action;
 }
 
-void MDIForm1::addSeparator(QMenu *menu, const QString &name, bool shown)
+void MDIForm1::runCommand(Commit commit, Handler handler)
 {
-    QAction *separator = menu->addSeparator();
-    separator->setObjectName(name);
-    separator->setVisible(shown);
+    if (commit != Commit::Nothing)
+        CommitChannelEdit();
+    if (commit == Commit::ChannelEditAndStep)
+        CommitStep();
+    if (handler)
+        (this->*handler)();
 }
 
 void MDIForm1::buildMenus()
 {
+    using enum Commit;
+    constexpr auto ctrl = [](Qt::Key key) { return Qt::CTRL | key; };
+    static constexpr MenuItem File[]{
+        {u"mnuFile_New", {u"&New", u"新建(&N)", u"新建(&N)"}, ChannelEdit, &MDIForm1::fileNew, ctrl(Qt::Key_N)},
+        {u"mnuFile_Open", {u"&Open", u"打开(&O)", u"打開(&O)"}, ChannelEdit, &MDIForm1::fileOpen, ctrl(Qt::Key_O)},
+        {u"mnuFile_Save", {u"&Save", u"保存(&S)", u"保存(&S)"}, ChannelEditAndStep, &MDIForm1::fileSave,
+         ctrl(Qt::Key_S)},
+        {u"mnuFile_SaveAs", {u"Save &As", u"另存为(&A)", u"另存為(&A)"}, ChannelEditAndStep, &MDIForm1::fileSaveAs,
+         ctrl(Qt::Key_A)},
+        separator(u"mnuFile_Bar1", false),
+        // Printing does not exist.
+        {u"mnuFile_Print", {u"&Print", u"打印(&P)", u"打印(&P)"}, Nothing, nullptr, ctrl(Qt::Key_P), false},
+        {u"mnuFile_PrintView", {u"P&rint View", u"打印预览(&R)", u"打印預覽(&R)"}, Nothing, nullptr, ctrl(Qt::Key_V),
+         false},
+        separator(u"mnuFile_Bar2", true),
+        {u"mnuFile_Exit", {u"&Exit", u"退出(&E)", u"退出(&E)"}, ChannelEditAndStep, &MDIForm1::fileExit,
+         ctrl(Qt::Key_X)},
+    };
+    static constexpr MenuItem Machine[]{
+        {u"mnuMachine_Info", {u"Machine Info(&M)", u"机型信息(&M)", u"機型信息(&M)"}},
+    };
+    static constexpr MenuItem Edit[]{
+        {u"mnuChannel_Info", {u"Channel Info(&C)", u"信道信息(&C)", u"信道信息(&C)"}, ChannelEdit,
+         &MDIForm1::showChannelList},
+        separator(u"mnuFile_Bar3", true),
+        {u"mnuOptiom_Features", {u"Optiom Features(&O)", u"可选功能(&O)", u"可選功能(&O)"}, ChannelEditAndStep,
+         &MDIForm1::openOptionalFeatures},
+        separator(u"mnuFile_Bar14", false),
+        {u"mnuVFO", {u"Key Setting", u"键定义", u"鍵定義"}, ChannelEdit, &MDIForm1::openKeySetting, {}, false},
+        separator(u"mnuFile_Bar4", false),
+        {u"mnuDTMF", {u"DTMF(&D)"}, Nothing, nullptr, {}, false},
+        separator(u"mnuFile_Bar8", false),
+        {u"mnuMSK", {u"MSK(&M)"}, Nothing, nullptr, {}, false},
+        separator(u"mnuFile_Bar9", false),
+        {u"mnuScramble", {u"Scramble(&S)", u"扰频(&S)", u"擾頻(&S)"}, ChannelEdit, &MDIForm1::openScramble, {}, false},
+        separator(u"mnuFile_Bar7", false),
+        {u"mnuRadio", {u"Radio(&R)", u"收音机(&R)", u"收音機(&R)"}, ChannelEdit, &MDIForm1::openRadio, {}, false},
+    };
+    static constexpr MenuItem Program[]{
+        {u"mnuRead", {u"Read Data From InterPhone(&R)", u"从对讲机读取数据(&R)", u"從對講機讀取數據(&R)"}, ChannelEdit,
+         &MDIForm1::ReadCommand, ctrl(Qt::Key_R)},
+        {u"mnuWrite", {u"Write Data To InterPhone(&W)", u"向对讲机写入数据(&W)", u"向對講機寫入數據(&W)"},
+         ChannelEditAndStep, &MDIForm1::WriteCommand, ctrl(Qt::Key_W)},
+    };
+    static constexpr MenuItem Set[]{
+        {u"mnuPort", {u"Communication Port(&C)", u"通信端口(&C)", u"通信端口(&C)"}, ChannelEdit, &MDIForm1::choosePort},
+        separator(u"mnuFile_Bar5", true),
+        {u"mnuLanguage", {u"Language File Setup(&L)", u"语言设置(&L)", u"語言設置(&L)"}, ChannelEditAndStep,
+         &MDIForm1::chooseLanguage},
+        {u"mnuChange_Password", {u"Change Password(&Y)", u"更改密码(&Y)", u"更改密碼(&Y)"}, Nothing, nullptr, {}, false},
+        separator(u"mnuFile_Bar6", false),
+        {u"mnuGet_Password", {u"Get Password(&Z)", u"获取读写密码(&Z)", u"獲取讀寫密碼(&Z)"}, Nothing, nullptr, {},
+         false},
+    };
+    static constexpr MenuItem Help[]{
+        {u"mnuHelp_About", {u"About(&A)", u"关于(&A)", u"關於(&A)"}, ChannelEdit, &MDIForm1::showAbout},
+    };
+    static constexpr Menu Menus[]{
+        {u"mnuFile", {u"File(&F)", u"文件(&F)", u"文件(&F)"}, true, File},
+        {u"mnuMachine", {u"Machine(&M)", u"机型(&M)", u"機型(&M)"}, false, Machine},
+        {u"mnuEdit", {u"Edit(&E)", u"编辑(&E)", u"編輯(&E)"}, true, Edit},
+        {u"mnuProgram", {u"Program(&P)", u"编程(&P)", u"編程(&P)"}, true, Program},
+        {u"mnuSet", {u"Set(&S)", u"设置(&S)", u"設置(&S)"}, true, Set},
+        {u"mnuHelp", {u"About(&A)", u"关于(&A)", u"關於(&A)"}, true, Help},
+    };
+
     menuBar()->setObjectName(u"MenuBar"_s);
-    const auto same = [](const QString &text) { return Triple{text, text, text}; };
-    const auto ctrl = [](Qt::Key key) { return QKeySequence(Qt::CTRL | key); };
-
-    QMenu *file = addMenu(u"mnuFile"_s, {u"File(&F)"_s, u"文件(&F)"_s, u"文件(&F)"_s});
-    connect(addItem(file, u"mnuFile_New"_s, {u"&New"_s, u"新建(&N)"_s, u"新建(&N)"_s}, ctrl(Qt::Key_N)),
-            &QAction::triggered, this, &MDIForm1::mnuFile_New_Click);
-    connect(addItem(file, u"mnuFile_Open"_s, {u"&Open"_s, u"打开(&O)"_s, u"打開(&O)"_s}, ctrl(Qt::Key_O)),
-            &QAction::triggered, this, &MDIForm1::mnuFile_Open_Click);
-    connect(addItem(file, u"mnuFile_Save"_s, {u"&Save"_s, u"保存(&S)"_s, u"保存(&S)"_s}, ctrl(Qt::Key_S)),
-            &QAction::triggered, this, &MDIForm1::mnuFile_Save_Click);
-    connect(addItem(file, u"mnuFile_SaveAs"_s, {u"Save &As"_s, u"另存为(&A)"_s, u"另存為(&A)"_s}, ctrl(Qt::Key_A)),
-            &QAction::triggered, this, &MDIForm1::mnuFile_SaveAs_Click);
-    addSeparator(file, u"mnuFile_Bar1"_s, false);
-    // Printing does not exist; the two items stay hidden and do nothing.
-    addItem(file, u"mnuFile_Print"_s, {u"&Print"_s, u"打印(&P)"_s, u"打印(&P)"_s}, ctrl(Qt::Key_P), false);
-    addItem(file, u"mnuFile_PrintView"_s, {u"P&rint View"_s, u"打印预览(&R)"_s, u"打印預覽(&R)"_s}, ctrl(Qt::Key_V),
-            false);
-    addSeparator(file, u"mnuFile_Bar2"_s, true);
-    connect(addItem(file, u"mnuFile_Exit"_s, {u"&Exit"_s, u"退出(&E)"_s, u"退出(&E)"_s}, ctrl(Qt::Key_X)),
-            &QAction::triggered, this, &MDIForm1::mnuFile_Exit_Click);
-
-    QMenu *machine = addMenu(u"mnuMachine"_s, {u"Machine(&M)"_s, u"机型(&M)"_s, u"機型(&M)"_s}, false);
-    addItem(machine, u"mnuMachine_Info"_s, {u"Machine Info(&M)"_s, u"机型信息(&M)"_s, u"機型信息(&M)"_s});
-
-    QMenu *edit = addMenu(u"mnuEdit"_s, {u"Edit(&E)"_s, u"编辑(&E)"_s, u"編輯(&E)"_s});
-    connect(addItem(edit, u"mnuChannel_Info"_s, {u"Channel Info(&C)"_s, u"信道信息(&C)"_s, u"信道信息(&C)"_s}),
-            &QAction::triggered, this, &MDIForm1::mnuChannel_Info_Click);
-    addSeparator(edit, u"mnuFile_Bar3"_s, true);
-    connect(addItem(edit, u"mnuOptiom_Features"_s,
-                    {u"Optiom Features(&O)"_s, u"可选功能(&O)"_s, u"可選功能(&O)"_s}),
-            &QAction::triggered, this, &MDIForm1::mnuOptiom_Features_Click);
-    addSeparator(edit, u"mnuFile_Bar14"_s, false);
-    connect(addItem(edit, u"mnuVFO"_s, {u"Key Setting"_s, u"键定义"_s, u"鍵定義"_s}, {}, false),
-            &QAction::triggered, this, &MDIForm1::mnuVFO_Click);
-    addSeparator(edit, u"mnuFile_Bar4"_s, false);
-    addItem(edit, u"mnuDTMF"_s, same(u"DTMF(&D)"_s), {}, false);
-    addSeparator(edit, u"mnuFile_Bar8"_s, false);
-    addItem(edit, u"mnuMSK"_s, same(u"MSK(&M)"_s), {}, false);
-    addSeparator(edit, u"mnuFile_Bar9"_s, false);
-    connect(addItem(edit, u"mnuScramble"_s, {u"Scramble(&S)"_s, u"扰频(&S)"_s, u"擾頻(&S)"_s}, {}, false),
-            &QAction::triggered, this, &MDIForm1::mnuScramble_Click);
-    addSeparator(edit, u"mnuFile_Bar7"_s, false);
-    connect(addItem(edit, u"mnuRadio"_s, {u"Radio(&R)"_s, u"收音机(&R)"_s, u"收音機(&R)"_s}, {}, false),
-            &QAction::triggered, this, &MDIForm1::mnuRadio_Click);
-
-    QMenu *program = addMenu(u"mnuProgram"_s, {u"Program(&P)"_s, u"编程(&P)"_s, u"編程(&P)"_s});
-    connect(addItem(program, u"mnuRead"_s,
-                    {u"Read Data From InterPhone(&R)"_s, u"从对讲机读取数据(&R)"_s, u"從對講機讀取數據(&R)"_s},
-                    ctrl(Qt::Key_R)),
-            &QAction::triggered, this, &MDIForm1::mnuRead_Click);
-    connect(addItem(program, u"mnuWrite"_s,
-                    {u"Write Data To InterPhone(&W)"_s, u"向对讲机写入数据(&W)"_s, u"向對講機寫入數據(&W)"_s},
-                    ctrl(Qt::Key_W)),
-            &QAction::triggered, this, &MDIForm1::mnuWrite_Click);
-
-    QMenu *set = addMenu(u"mnuSet"_s, {u"Set(&S)"_s, u"设置(&S)"_s, u"設置(&S)"_s});
-    connect(addItem(set, u"mnuPort"_s, {u"Communication Port(&C)"_s, u"通信端口(&C)"_s, u"通信端口(&C)"_s}),
-            &QAction::triggered, this, &MDIForm1::mnuPort_Click);
-    addSeparator(set, u"mnuFile_Bar5"_s, true);
-    connect(addItem(set, u"mnuLanguage"_s, {u"Language File Setup(&L)"_s, u"语言设置(&L)"_s, u"語言設置(&L)"_s}),
-            &QAction::triggered, this, &MDIForm1::mnuLanguage_Click);
-    addItem(set, u"mnuChange_Password"_s, {u"Change Password(&Y)"_s, u"更改密码(&Y)"_s, u"更改密碼(&Y)"_s}, {}, false);
-    addSeparator(set, u"mnuFile_Bar6"_s, false);
-    addItem(set, u"mnuGet_Password"_s, {u"Get Password(&Z)"_s, u"获取读写密码(&Z)"_s, u"獲取讀寫密碼(&Z)"_s}, {},
-            false);
-
-    QMenu *help = addMenu(u"mnuHelp"_s, {u"About(&A)"_s, u"关于(&A)"_s, u"關於(&A)"_s});
-    connect(addItem(help, u"mnuHelp_About"_s, {u"About(&A)"_s, u"关于(&A)"_s, u"關於(&A)"_s}), &QAction::triggered,
-            this, &MDIForm1::mnuHelp_About_Click);
+    for (const Menu &entry : Menus) {
+        QMenu *menu = menuBar()->addMenu(QString());
+        menu->setObjectName(entry.name.toString());
+        menu->menuAction()->setVisible(entry.shown);
+        m_captions.append({menu->menuAction(), entry.caption});
+        for (const MenuItem &item : entry.items) {
+            QAction *action = item.separator ? menu->addSeparator() : menu->addAction(QString());
+            action->setObjectName(item.name.toString());
+            action->setVisible(item.shown);
+            if (item.separator)
+                continue;
+            action->setShortcut(item.shortcut);
+            m_captions.append({action, item.caption});
+            addCommand(action, item.commit, item.handler);
+        }
+    }
 }
 
 void MDIForm1::buildToolBar()
@@ -245,31 +280,39 @@ void MDIForm1::buildToolBar()
     m_toolBar->toggleViewAction()->setVisible(false);
     setContextMenuPolicy(Qt::NoContextMenu);
 
+    // The buttons run the menu's own commands. Print, which does not exist,
+    // only commits. Key and tool tip are the same English word in every
+    // language; an empty key is a separator.
     struct Button
     {
-        const char16_t *key;
+        QStringView key;
         CommandIcon icon;
+        QStringView menuItem;
     };
-    // Key and tool tip are the same English word in every language.
-    const QList<QList<Button>> groups = {
-        {{u"New", CommandIcon::New},
-         {u"Open", CommandIcon::Open},
-         {u"Save", CommandIcon::Save},
-         {u"Print", CommandIcon::Print}},
-        {{u"Read", CommandIcon::Read}, {u"Write", CommandIcon::Write}},
-        {{u"About", CommandIcon::About}},
+    static constexpr Button Buttons[]{
+        {u"New", CommandIcon::New, u"mnuFile_New"},
+        {u"Open", CommandIcon::Open, u"mnuFile_Open"},
+        {u"Save", CommandIcon::Save, u"mnuFile_Save"},
+        {u"Print", CommandIcon::Print, {}},
+        {{}, {}, {}},
+        {u"Read", CommandIcon::Read, u"mnuRead"},
+        {u"Write", CommandIcon::Write, u"mnuWrite"},
+        {{}, {}, {}},
+        {u"About", CommandIcon::About, u"mnuHelp_About"},
     };
-    for (const QList<Button> &group : groups) {
-        if (group.constData() != groups.first().constData())
+    for (const Button &button : Buttons) {
+        if (button.key.isEmpty()) {
             m_toolBar->addSeparator();
-        for (const Button &button : group) {
-            const QString key = QString::fromUtf16(button.key);
-            QAction *action = m_toolBar->addAction(CommandIconFor(button.icon), key);
-            action->setObjectName(key);
-            action->setToolTip(key);
-            m_toolBar->widgetForAction(action)->setObjectName(key);
-            connect(action, &QAction::triggered, this, [this, key] { tlbActions_ButtonClick(key); });
+            continue;
         }
+        QAction *action = button.menuItem.isEmpty()
+            ? addCommand(new QAction(this), Commit::ChannelEditAndStep, nullptr)
+            : findChild<QAction *>(button.menuItem.toString());
+        action->setIcon(CommandIconFor(button.icon));
+        action->setIconVisibleInMenu(false);
+        action->setToolTip(button.key.toString());
+        m_toolBar->addAction(action);
+        m_toolBar->widgetForAction(action)->setObjectName(button.key.toString());
     }
 }
 
@@ -298,12 +341,16 @@ void MDIForm1::buildTree()
     auto *root = new QTreeWidgetItem(m_tree);
     root->setData(0, Qt::UserRole, u"Root"_s);
     root->setIcon(0, AppIcon());
-    auto *item1 = new QTreeWidgetItem(root);
-    item1->setData(0, Qt::UserRole, u"Item1"_s);
-    item1->setIcon(0, CommandIconFor(CommandIcon::ChannelList));
-    auto *item2 = new QTreeWidgetItem(root);
-    item2->setData(0, Qt::UserRole, u"Item2"_s);
-    item2->setIcon(0, CommandIconFor(CommandIcon::OptionalFeatures));
+    // Each child runs a menu command; the root runs none.
+    const auto addNode = [this, root](const QString &key, CommandIcon icon, const QString &menuItem) {
+        auto *node = new QTreeWidgetItem(root);
+        node->setData(0, Qt::UserRole, key);
+        node->setData(0, CommandRole, QVariant::fromValue<QObject *>(findChild<QAction *>(menuItem)));
+        node->setIcon(0, CommandIconFor(icon));
+        return node;
+    };
+    QTreeWidgetItem *item1 = addNode(u"Item1"_s, CommandIcon::ChannelList, u"mnuChannel_Info"_s);
+    addNode(u"Item2"_s, CommandIcon::OptionalFeatures, u"mnuOptiom_Features"_s);
     m_tree->expandItem(root);
     m_tree->setCurrentItem(item1);
     connect(m_tree, &QTreeWidget::itemClicked, this, &MDIForm1::Tree0_NodeClick, Qt::UniqueConnection);
@@ -311,26 +358,26 @@ void MDIForm1::buildTree()
 
 void MDIForm1::captionStep()
 {
-    const int language = app().LanguageIndex;
     for (const auto &[action, caption] : std::as_const(m_captions))
-        action->setText(caption.in(language));
+        action->setText(caption.in(language()));
 
-    const Triple item1{u"CH Information"_s, u"信道信息"_s, u"信道信息"_s};
-    const Triple item2{u"Optiom Features"_s, u"可选功能"_s, u"可選功能"_s};
+    constexpr Text item1{u"CH Information", u"信道信息", u"信道信息"};
+    constexpr Text item2{u"Optiom Features", u"可选功能", u"可選功能"};
     for (QTreeWidgetItemIterator it(m_tree); *it; ++it) {
         const QString key = (*it)->data(0, Qt::UserRole).toString();
         if (key == u"Root")
             (*it)->setText(0, ModelName());
         else if (key == u"Item1")
-            (*it)->setText(0, item1.in(language));
+            (*it)->setText(0, item1.in(language()));
         else if (key == u"Item2")
-            (*it)->setText(0, item2.in(language));
+            (*it)->setText(0, item2.in(language()));
     }
 }
 
 void MDIForm1::RefreshMainWindow()
 {
-    InstallQtTranslations(app().LanguageIndex);
+    InstallQtTranslations(language());
+    useInterfaceFont(language());
     captionStep();
     if (m_channels)
         m_channels->RefreshChannel();
@@ -378,7 +425,7 @@ frmChannel *MDIForm1::channelList() const
 void MDIForm1::showChannelList()
 {
     if (!m_channels) {
-        auto *form = new frmChannel;
+        auto *form = new frmChannel(app());
         m_channelWindow = m_mdiArea->addSubWindow(form);
         m_channelWindow->setAttribute(Qt::WA_DeleteOnClose);
         m_channelWindow->setWindowIcon(AppIcon());
@@ -393,6 +440,8 @@ void MDIForm1::showChannelList()
         // Bit 0 of the open-forms flags follows the channel list's life.
         app().FormOpenFlags |= AppState::ChannelListOpen;
         connect(form, &QObject::destroyed, this, [] { app().FormOpenFlags &= ~AppState::ChannelListOpen; });
+        // Restored from maximised, the list comes back at its opening size.
+        m_channelWindow->resize(frmChannel::OpeningSize);
         m_channelWindow->showMaximized();
     }
     m_channelWindow->show();
@@ -400,16 +449,14 @@ void MDIForm1::showChannelList()
     m_channelWindow->raise();
 }
 
-void MDIForm1::mnuFile_New_Click()
+void MDIForm1::fileNew()
 {
-    CommitChannelEdit();
     if (FileNew(this))
         RefreshMainWindow();
 }
 
-void MDIForm1::mnuFile_Open_Click()
+void MDIForm1::fileOpen()
 {
-    CommitChannelEdit();
     // Edits typed into the grid count as modifications: they are moved into
     // the image before the modified test, so the question can protect them.
     if (m_channels)
@@ -418,131 +465,53 @@ void MDIForm1::mnuFile_Open_Click()
         RefreshMainWindow();
 }
 
-void MDIForm1::mnuFile_Save_Click()
+void MDIForm1::fileSave()
 {
-    CommitChannelEdit();
-    CommitStep();
     FileSave(this);
 }
 
-void MDIForm1::mnuFile_SaveAs_Click()
+void MDIForm1::fileSaveAs()
 {
-    CommitChannelEdit();
-    CommitStep();
     FileSaveAs(this);
 }
 
-void MDIForm1::mnuFile_Exit_Click()
+void MDIForm1::fileExit()
 {
-    CommitChannelEdit();
-    CommitStep();
     close();
 }
 
-void MDIForm1::mnuChannel_Info_Click()
+void MDIForm1::choosePort()
 {
-    CommitChannelEdit();
-    showChannelList();
-}
-
-void MDIForm1::mnuOptiom_Features_Click()
-{
-    CommitChannelEdit();
-    CommitStep();
-    openOptionalFeatures();
-}
-
-void MDIForm1::mnuVFO_Click()
-{
-    CommitChannelEdit();
-    openKeySetting();
-}
-
-void MDIForm1::mnuScramble_Click()
-{
-    CommitChannelEdit();
-    openScramble();
-}
-
-void MDIForm1::mnuRadio_Click()
-{
-    CommitChannelEdit();
-    openRadio();
-}
-
-void MDIForm1::mnuRead_Click()
-{
-    CommitChannelEdit();
-    ReadCommand();
-}
-
-void MDIForm1::mnuWrite_Click()
-{
-    CommitChannelEdit();
-    CommitStep();
-    WriteCommand();
-}
-
-void MDIForm1::mnuPort_Click()
-{
-    CommitChannelEdit();
-    frmComPort form(this);
-    form.exec();
+    frmComPort form(app().PortNumber, language(), this);
+    if (form.exec() == QDialog::Accepted)
+        app().PortNumber = form.portNumber();
     showPortPanel();
 }
 
-void MDIForm1::mnuLanguage_Click()
+void MDIForm1::chooseLanguage()
 {
-    CommitChannelEdit();
-    CommitStep();
-    LanguageForm form(this);
-    form.exec();
+    LanguageForm form(language(), this);
+    if (form.exec() == QDialog::Accepted)
+        app().LanguageIndex = static_cast<quint8>(form.chosenLanguage());
     RefreshMainWindow();
 }
 
-void MDIForm1::mnuHelp_About_Click()
+void MDIForm1::showAbout()
 {
-    CommitChannelEdit();
-    frmAbout form(this);
+    frmAbout form(language(), this);
     form.exec();
-}
-
-void MDIForm1::tlbActions_ButtonClick(const QString &key)
-{
-    if (key == u"New") {
-        mnuFile_New_Click();
-    } else if (key == u"Open") {
-        mnuFile_Open_Click();
-    } else if (key == u"Save") {
-        mnuFile_Save_Click();
-    } else if (key == u"Print") {
-        // There is no printing; the button only hands the grid to the image.
-        CommitChannelEdit();
-        CommitStep();
-    } else if (key == u"Read") {
-        mnuRead_Click();
-    } else if (key == u"Write") {
-        mnuWrite_Click();
-    } else if (key == u"About") {
-        mnuHelp_About_Click();
-    }
 }
 
 void MDIForm1::Tree0_NodeClick(QTreeWidgetItem *node)
 {
-    if (!node)
-        return;
-    const QString key = node->data(0, Qt::UserRole).toString();
-    if (key == u"Item1")
-        mnuChannel_Info_Click();
-    else if (key == u"Item2")
-        mnuOptiom_Features_Click();
+    if (auto *command = node ? qobject_cast<QAction *>(node->data(0, CommandRole).value<QObject *>()) : nullptr)
+        command->trigger();
 }
 
 void MDIForm1::ReadCommand()
 {
-    const QString text = TextFor(u"Read data from radio."_s, u"从对讲机读取数据。"_s, u"從對講機讀取數據。"_s) + u'\n'
-        + TextFor(u"Do you wish to continue?"_s, u"是否继续？"_s, u"是否繼續？"_s);
+    const QString text = Text(u"Read data from radio.", u"从对讲机读取数据。", u"從對講機讀取數據。").in(language())
+        + u'\n' + ContinueQuestion.in(language());
     if (MessageBox::show(this, QMessageBox::Question, ModelName(), text, QMessageBox::Ok | QMessageBox::Cancel,
                          QMessageBox::Ok)
         != QMessageBox::Ok)
@@ -553,8 +522,8 @@ void MDIForm1::ReadCommand()
 
 void MDIForm1::WriteCommand()
 {
-    const QString text = TextFor(u"Write data to radio."_s, u"向对讲机写入数据。"_s, u"向對講機寫入數據。"_s) + u'\n'
-        + TextFor(u"Do you wish to continue?"_s, u"是否继续？"_s, u"是否繼續？"_s);
+    const QString text = Text(u"Write data to radio.", u"向对讲机写入数据。", u"向對講機寫入數據。").in(language())
+        + u'\n' + ContinueQuestion.in(language());
     if (MessageBox::show(this, QMessageBox::Question, ModelName(), text, QMessageBox::Ok | QMessageBox::Cancel,
                          QMessageBox::Ok)
         != QMessageBox::Ok)
@@ -576,30 +545,36 @@ void MDIForm1::runTransfer()
     showPortPanel();
 }
 
+template <typename Form>
+bool MDIForm1::editModal()
+{
+    Form form(app().image, language(), this);
+    return form.exec() == QDialog::Accepted;
+}
+
 void MDIForm1::openOptionalFeatures()
 {
-    // frmOption (optional features, modal) opens here.
+    // frmOption (optional features) opens here.
 }
 
 void MDIForm1::openKeySetting()
 {
-    // frmKey (key assignment, modal) opens here.
+    // frmKey (key assignment) opens here.
 }
 
 void MDIForm1::openScramble()
 {
-    // frmSMB (scramble table, modal) opens here.
+    // frmSMB (scramble table) opens here.
 }
 
 void MDIForm1::openRadio()
 {
-    // frmRadio (FM broadcast channels, modal) opens here.
+    // frmRadio (FM broadcast channels) opens here.
 }
 
 void MDIForm1::openMemoryMap()
 {
-    // frmMemoryMap (raw image view, beside this window) opens here; the
-    // channel list has already saved its grid.
+    // frmMemoryMap (memory map, beside this window) opens here.
 }
 
 void MDIForm1::showEvent(QShowEvent *event)
@@ -608,21 +583,37 @@ void MDIForm1::showEvent(QShowEvent *event)
     if (m_shownOnce || event->spontaneous())
         return;
     m_shownOnce = true;
-    // The prescribed start-up width is the least the window opens with. If
-    // the channel list's columns (fitted to the language's captions and
-    // words, or to a larger desktop font) do not all fit in it, the window
-    // opens just wide enough to show them, as far as the screen allows. The
-    // layout is already done here and the window is not on the screen yet,
-    // so it appears once, at its final size.
-    if (!m_channels || isMaximized() || isFullScreen())
+    // The layout is done here and the window is not on the screen yet, so
+    // it appears once, at its final size.
+    fitToScreen();
+}
+
+// The window opens at its prescribed size, the tree pane as wide as its
+// captions. It grows wider when the channel list's columns (fitted to the
+// language's words or a larger desktop font) do not all fit, and never
+// opens larger than the screen's available area, frame included.
+void MDIForm1::fitToScreen()
+{
+    if (auto *split = qobject_cast<QSplitter *>(centralWidget())) {
+        const QAbstractItemView *items = m_tree; // where sizeHintForColumn is public
+        const int tree = items->sizeHintForColumn(0) + 2 * m_tree->frameWidth();
+        split->setSizes({tree, split->width() - tree - split->handleWidth()});
+    }
+    if (!screen() || isMaximized() || isFullScreen())
         return;
-    const int lacking = m_channels->gridWidthLacking();
-    if (lacking <= 0)
-        return;
-    const int available = screen() ? screen()->availableGeometry().width() : width();
-    const int wanted = std::min(width() + lacking, available);
-    if (wanted > width())
-        resize(wanted, height());
+    QMargins frame = windowHandle() ? windowHandle()->frameMargins() : QMargins();
+    if (frame.isNull()) {
+        // Not framed by the window manager yet: allow for a title bar.
+        const int border = style()->pixelMetric(QStyle::PM_DefaultFrameWidth) + 2;
+        frame = QMargins(border, style()->pixelMetric(QStyle::PM_TitleBarHeight) + border, border, border);
+    }
+    const QSize room = screen()->availableGeometry().size() - QSize(frame.left() + frame.right(), frame.top() + frame.bottom());
+    QSize wanted = size();
+    if (m_channels)
+        wanted.rwidth() += m_channels->gridWidthLacking();
+    wanted = wanted.boundedTo(room);
+    if (wanted != size())
+        resize(wanted);
 }
 
 void MDIForm1::closeEvent(QCloseEvent *event)

@@ -28,10 +28,12 @@ class frmChannel;
 // the channel list as its child window. It runs the start-up sequence when
 // it is built and writes the settings back when it closes.
 //
-// Every command first commits a value still open in the channel list's
-// in-place editors; the commands that hand the whole image on (Save, Save
-// As, Write, Exit, the language and optional features forms) then run the
-// commit step, which moves the grid into the image and takes the snapshot.
+// Its commands are one table: each names its action, how much it commits
+// before it runs and its handler. Every command first commits a value still
+// open in the channel list's in-place editors; those that hand the whole
+// image on (Save, Save As, Write, Exit, the language and optional features
+// forms) then run the commit step, which moves the grid into the image and
+// takes the snapshot. The toolbar and the tree run the menu's own actions.
 class MDIForm1 : public QMainWindow
 {
     Q_OBJECT
@@ -57,7 +59,21 @@ public:
     // The channel list, or null while it is closed.
     frmChannel *channelList() const;
 
+    // How much a command commits before it runs.
+    enum class Commit {
+        Nothing,
+        ChannelEdit,         // CommitChannelEdit
+        ChannelEditAndStep,  // CommitChannelEdit, then CommitStep
+    };
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
 private:
+    using Handler = void (MDIForm1::*)();
+
+    int language() const; // the interface language of the application state
     void Form_Load();
     void buildMenus();
     void buildToolBar();
@@ -66,48 +82,39 @@ private:
     void captionStep();
     void showPortPanel();
     void Time_Timer();
+    void fitToScreen();
 
-    QMenu *addMenu(const QString &name, Triple caption, bool shown = true);
-    QAction *addItem(QMenu *menu, const QString &name, Triple caption, const QKeySequence &shortcut = {},
-                     bool shown = true);
-    void addSeparator(QMenu *menu, const QString &name, bool shown);
+    QAction *addCommand(QAction *action, Commit commit, Handler handler);
+    void runCommand(Commit commit, Handler handler);
+    // Opens an editor of the image modal to this window, in the interface
+    // language; true when it was closed with OK.
+    template <typename Form>
+    bool editModal();
 
-    // Menu, toolbar and tree commands.
-    void mnuFile_New_Click();
-    void mnuFile_Open_Click();
-    void mnuFile_Save_Click();
-    void mnuFile_SaveAs_Click();
-    void mnuFile_Exit_Click();
-    void mnuChannel_Info_Click();
-    void mnuOptiom_Features_Click();
-    void mnuVFO_Click();
-    void mnuScramble_Click();
-    void mnuRadio_Click();
-    void mnuRead_Click();
-    void mnuWrite_Click();
-    void mnuPort_Click();
-    void mnuLanguage_Click();
-    void mnuHelp_About_Click();
-    void tlbActions_ButtonClick(const QString &key);
-    void Tree0_NodeClick(QTreeWidgetItem *node);
-
+    // Command handlers; the commit the table names has already run.
+    void fileNew();
+    void fileOpen();
+    void fileSave();
+    void fileSaveAs();
+    void fileExit();
     void showChannelList();
+    void choosePort();
+    void chooseLanguage();
+    void showAbout();
     void runTransfer();
 
-    // Editors built by the feature forms work. Until they are part of the
-    // program these entry points only mark where the forms open (modal,
-    // owned by this window); their commit steps have already run.
+    // Entry points of the feature editors (their forms come with them):
+    // the optional features command (after the commit step), the hidden
+    // mnuVFO, mnuScramble and mnuRadio items, and the channel list's memory
+    // map gesture (after the grid was saved).
     void openOptionalFeatures();
     void openKeySetting();
     void openScramble();
     void openRadio();
     void openMemoryMap();
 
-protected:
-    void closeEvent(QCloseEvent *event) override;
-    void showEvent(QShowEvent *event) override;
+    void Tree0_NodeClick(QTreeWidgetItem *node);
 
-private:
     std::unique_ptr<SettingsStore> m_ownedSettings;
     SettingsStore *m_settings;
 
@@ -118,7 +125,7 @@ private:
     QToolBar *m_toolBar = nullptr;
     QTimer *m_time = nullptr;
     QList<QLabel *> m_panels; // MSBar panels 1-5
-    QList<std::pair<QAction *, Triple>> m_captions;
+    QList<std::pair<QAction *, Text>> m_captions;
     bool m_shownOnce = false;
 };
 

@@ -9,41 +9,33 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
-using namespace Qt::StringLiterals;
-
 namespace wr {
 
 namespace {
 
-QString productLines()
-{
-    return TextFor(u"WR-PD6T PROGRAM SOFTWARE\nVERSION：VER 1.03\nDATE: 05/25/2018"_s,
-                   u"WR-PD6T 对讲机编程软件\n版本：VER 1.03\n日期：2018年05月25日"_s,
-                   u"WR-PD6T 對講機編程軟件\n版本：VER 1.03\n日期：2018年05月25日"_s);
-}
+constexpr Text ProductLines{u"WR-PD6T PROGRAM SOFTWARE\nVERSION：VER 1.03\nDATE: 05/25/2018",
+                             u"WR-PD6T 对讲机编程软件\n版本：VER 1.03\n日期：2018年05月25日",
+                             u"WR-PD6T 對講機編程軟件\n版本：VER 1.03\n日期：2018年05月25日"};
 
-QString legalNotice()
-{
-    return TextFor(
-        u"This program reads, edits and writes the memory of the WR-PD6T hand-held radio.\n\n"
-        "It is provided as is, without warranty of any kind. Keep a data file of the radio's "
-        "memory before writing to it: a transfer that is interrupted can leave the radio with "
-        "part of the new data.\n\n"
-        "Only program frequencies, power levels and tones that your radio licence allows. "
-        "The user is responsible for operating the radio within the rules that apply where it is used."_s,
-        u"本程序用于读取、编辑并写入 WR-PD6T 手持对讲机的存储数据。\n\n"
-        "本程序按“现状”提供，不作任何形式的担保。写入对讲机之前，请先把对讲机的数据保存为数据文件："
-        "传输中断可能使对讲机只得到部分新数据。\n\n"
-        "请只设置您的无线电执照所允许的频率、功率和亚音。在使用地遵守相关规定是用户的责任。"_s,
-        u"本程式用於讀取、編輯並寫入 WR-PD6T 手持對講機的儲存數據。\n\n"
-        "本程式按「現狀」提供，不作任何形式的擔保。寫入對講機之前，請先把對講機的數據儲存為數據檔案："
-        "傳輸中斷可能使對講機只得到部分新數據。\n\n"
-        "請只設定您的無線電執照所允許的頻率、功率和亞音。在使用地遵守相關規定是使用者的責任。"_s);
-}
+constexpr Text LegalNotice{
+    u"This program reads, edits and writes the memory of the WR-PD6T hand-held radio.\n\n"
+    "It is provided as is, without warranty of any kind. Keep a data file of the radio's "
+    "memory before writing to it: a transfer that is interrupted can leave the radio with "
+    "part of the new data.\n\n"
+    "Only program frequencies, power levels and tones that your radio licence allows. "
+    "The user is responsible for operating the radio within the rules that apply where it is used.",
+    u"本程序用于读取、编辑并写入 WR-PD6T 手持对讲机的存储数据。\n\n"
+    "本程序按“现状”提供，不作任何形式的担保。写入对讲机之前，请先把对讲机的数据保存为数据文件："
+    "传输中断可能使对讲机只得到部分新数据。\n\n"
+    "请只设置您的无线电执照所允许的频率、功率和亚音。在使用地遵守相关规定是用户的责任。",
+    u"本程式用於讀取、編輯並寫入 WR-PD6T 手持對講機的儲存數據。\n\n"
+    "本程式按「現狀」提供，不作任何形式的擔保。寫入對講機之前，請先把對講機的數據儲存為數據檔案："
+    "傳輸中斷可能使對講機只得到部分新數據。\n\n"
+    "請只設定您的無線電執照所允許的頻率、功率和亞音。在使用地遵守相關規定是使用者的責任。"};
 
 } // namespace
 
-frmAbout::frmAbout(QWidget *parent)
+frmAbout::frmAbout(int language, QWidget *parent)
     : QDialog(parent)
     , m_image1(new QLabel(this))
     , m_label1(new QLabel(this))
@@ -58,17 +50,17 @@ frmAbout::frmAbout(QWidget *parent)
     setWindowIcon(AppIcon());
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 
-    setWindowTitle(TextFor(u"WR-PD6T RADIO PROGRAMMING SOFTWARE"_s, u"WR-PD6T  对讲机编程软件"_s,
-                           u"WR-PD6T  對講機編程軟件 "_s));
-    m_command1->setText(TextFor(u"&OK"_s, u"确定(&O)"_s, u"確定(&O)"_s));
+    setWindowTitle(Text(u"WR-PD6T RADIO PROGRAMMING SOFTWARE", u"WR-PD6T  对讲机编程软件", u"WR-PD6T  對講機編程軟件 ")
+                       .in(language));
+    m_command1->setText(Text(u"&OK", u"确定(&O)", u"確定(&O)").in(language));
     m_image1->setPixmap(AppIcon().pixmap(64, 64));
     m_image1->setAlignment(Qt::AlignTop | Qt::AlignHCenter);
-    m_label1->setText(productLines());
+    m_label1->setText(ProductLines.in(language));
     m_label1->setTextInteractionFlags(Qt::NoTextInteraction);
     QFont heading = m_label1->font();
     heading.setBold(true);
     m_label1->setFont(heading);
-    m_text1->setPlainText(legalNotice());
+    m_text1->setPlainText(LegalNotice.in(language));
     m_text1->setReadOnly(true);
     m_text1->setMinimumSize(420, 150);
 

@@ -14,7 +14,7 @@ class frmAbout : public QDialog
     Q_OBJECT
 
 public:
-    explicit frmAbout(QWidget *parent = nullptr);
+    explicit frmAbout(int language, QWidget *parent = nullptr);
 
 private:
     QLabel *m_image1;

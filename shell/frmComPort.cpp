@@ -1,6 +1,5 @@
 #include "shell/frmComPort.h"
 
-#include "core/AppState.h"
 #include "core/Language.h"
 #include "shell/AppIcon.h"
 
@@ -18,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace wr {
 
-frmComPort::frmComPort(QWidget *parent)
+frmComPort::frmComPort(quint8 portNumber, int language, QWidget *parent)
     : QDialog(parent)
     , m_label1(new QLabel(this))
     , m_combo1(new QComboBox(this))
@@ -26,6 +25,7 @@ frmComPort::frmComPort(QWidget *parent)
     , m_lblDescription(new QLabel(this))
     , m_cmdOK(new QPushButton(this))
     , m_cmdCancel(new QPushButton(this))
+    , m_portNumber(portNumber)
 {
     setObjectName(QStringLiteral("frmComPort"));
     m_label1->setObjectName(QStringLiteral("Label1"));
@@ -37,10 +37,10 @@ frmComPort::frmComPort(QWidget *parent)
     setWindowIcon(AppIcon());
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
 
-    setWindowTitle(TextFor(u"Communication Port"_s, u"通信端口"_s, u"通信端口"_s));
-    m_label1->setText(TextFor(u"COMM"_s, u"串口"_s, u"串口"_s));
-    m_cmdOK->setText(TextFor(u"OK"_s, u"确定"_s, u"確定"_s));
-    m_cmdCancel->setText(TextFor(u"Cancel"_s, u"取消"_s, u"取消"_s));
+    setWindowTitle(Text(u"Communication Port", u"通信端口", u"通信端口").in(language));
+    m_label1->setText(Text(u"COMM", u"串口", u"串口").in(language));
+    m_cmdOK->setText(Words::OK.in(language));
+    m_cmdCancel->setText(Words::Cancel.in(language));
 
     // The user may also type a port name the system does not list (a cable
     // plugged in later); OK accepts it when it reads "COM" + number.
@@ -55,7 +55,7 @@ frmComPort::frmComPort(QWidget *parent)
     const QStringList names = portListOf(m_ports);
     if (!names.isEmpty() && !names.first().isEmpty()) {
         m_combo1->addItems(names);
-        const int wanted = m_combo1->findText(u"COM"_s + QString::number(app().PortNumber), Qt::MatchExactly
+        const int wanted = m_combo1->findText(u"COM"_s + QString::number(portNumber), Qt::MatchExactly
                                                                                           | Qt::MatchCaseSensitive);
         m_combo1->setCurrentIndex(wanted >= 0 ? wanted : 0);
     } else {
@@ -71,8 +71,8 @@ frmComPort::frmComPort(QWidget *parent)
     m_lblDevice->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_lblDescription->setWordWrap(true);
     m_lblDevice->setMinimumWidth(200);
-    detailsLayout->addRow(TextFor(u"Device:"_s, u"设备："_s, u"設備："_s), m_lblDevice);
-    detailsLayout->addRow(TextFor(u"Description:"_s, u"描述："_s, u"描述："_s), m_lblDescription);
+    detailsLayout->addRow(Text(u"Device:", u"设备：", u"設備：").in(language), m_lblDevice);
+    detailsLayout->addRow(Text(u"Description:", u"描述：", u"描述：").in(language), m_lblDescription);
 
     auto *top = new QHBoxLayout;
     top->addWidget(m_label1, 0, Qt::AlignTop);
@@ -131,7 +131,7 @@ void frmComPort::CmdOK_Click()
     // A text that names no port leaves the port as it was: there is nothing
     // sensible to store from it.
     if (const std::optional<quint8> number = portNumberOf(m_combo1->currentText()))
-        app().PortNumber = *number;
+        m_portNumber = *number;
     accept();
 }
 

@@ -21,7 +21,12 @@ class frmComPort : public QDialog
     Q_OBJECT
 
 public:
-    explicit frmComPort(QWidget *parent = nullptr);
+    // Opens with portNumber selected when the system lists it.
+    frmComPort(quint8 portNumber, int language, QWidget *parent = nullptr);
+
+    // After OK: the port the list names, or the one the dialog opened with
+    // when its text names none.
+    quint8 portNumber() const { return m_portNumber; }
 
     // The port number a combo text names: "COM" followed by 0-255 (upper or
     // lower case, surrounding blanks ignored); nothing for any other text.
@@ -38,6 +43,7 @@ private:
     QLabel *m_lblDescription;
     QPushButton *m_cmdOK;
     QPushButton *m_cmdCancel;
+    quint8 m_portNumber;
 };
 
 } // namespace wr

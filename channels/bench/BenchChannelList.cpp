@@ -12,6 +12,7 @@
 #include "core/FrequencyCodec.h"
 #include "core/Language.h"
 #include "core/ToneCodec.h"
+#include "ui/InterfaceFont.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -73,20 +74,28 @@ int shots(const QString &folder)
         app().ToneTable = BuildToneTable(language);
         app().image.InitImage();
         fillImage(app().image, 0);
-        frmChannel form;
+        useInterfaceFont(language);
+        frmChannel form(app());
         form.show();
         QCoreApplication::processEvents();
         form.grab().save(QStringLiteral("%1/channels-full-%2.png").arg(folder, QString::fromLatin1(names[language])));
 
         halfEmpty(app().image);
         form.RefreshChannel();
-        // An open list combo shows where the editors sit.
-        form.grid()->setCurrentCell(3, frmChannel::ColBcl);
-        form.grid()->setFocus();
-        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"));
-        QCoreApplication::sendEvent(form.grid(), &enter);
-        QCoreApplication::processEvents();
         form.grab().save(QStringLiteral("%1/channels-empty-%2.png").arg(folder, QString::fromLatin1(names[language])));
+        // Each kind of editor open on channel 3, to see that it lies on its cell.
+        const std::pair<const char *, int> editors[] = {
+            {"text", frmChannel::ColRx}, {"tone", frmChannel::ColDecode}, {"list", frmChannel::ColBandwidth}};
+        for (const auto &[kind, column] : editors) {
+            form.grid()->setCurrentCell(3, column);
+            form.grid()->setFocus();
+            QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"));
+            QCoreApplication::sendEvent(form.grid(), &enter);
+            QCoreApplication::processEvents();
+            form.grab().save(QStringLiteral("%1/channels-%2-%3.png")
+                                 .arg(folder, QString::fromLatin1(kind), QString::fromLatin1(names[language])));
+            form.commitOpenEditor();
+        }
     }
     return 0;
 }
@@ -126,7 +135,7 @@ int main(int argc, char *argv[])
         fillImage(images[i], i + 1);
     }
     app().image = images[0];
-    frmChannel form;
+    frmChannel form(app());
     form.show();
     QCoreApplication::processEvents();
 

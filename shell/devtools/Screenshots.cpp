@@ -1,13 +1,15 @@
 // Renders the shell's windows in the three interface languages to PNG files,
-// for checking the layouts by eye:
-//   QT_QPA_PLATFORM=offscreen wrpd6t-screenshots OUTPUT_FOLDER
+// for checking the layouts by eye. The offscreen platform's own screen is
+// 800 x 800 pixels, too small for the main window's prescribed size:
+//   QT_QPA_PLATFORM=offscreen:configfile=tests/shell/screens/large.json wrpd6t-screenshots OUTPUT_FOLDER
+// (QT_SCALE_FACTOR=1.5 for 150 %).
 #include "channels/ChannelRecord.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
 #include "link/frmclone.h"
 #include "shell/LanguageForm.h"
 #include "shell/MDIForm1.h"
-#include "shell/MessageBox.h"
+#include "ui/MessageBox.h"
 #include "shell/frmAbout.h"
 #include "shell/frmComPort.h"
 
@@ -74,11 +76,11 @@ int main(int argc, char *argv[])
         window.RefreshMainWindow();
         save(&window, folder, QStringLiteral("main-window-") + tag);
 
-        wr::frmComPort port(&window);
+        wr::frmComPort port(wr::app().PortNumber, language, &window);
         save(&port, folder, QStringLiteral("port-dialog-") + tag);
-        wr::LanguageForm languageForm(&window);
+        wr::LanguageForm languageForm(language, &window);
         save(&languageForm, folder, QStringLiteral("language-form-") + tag);
-        wr::frmAbout about(&window);
+        wr::frmAbout about(language, &window);
         save(&about, folder, QStringLiteral("about-box-") + tag);
 
         wr::app().LinkDirection = 0;

@@ -64,7 +64,7 @@ private:
 
     void openForm()
     {
-        m_form = std::make_unique<frmChannel>();
+        m_form = std::make_unique<frmChannel>(app());
         m_form->show();
         m_form->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
@@ -328,6 +328,33 @@ private Q_SLOTS:
         QCOMPARE(cell(3, Rx), u"147.00000"_s);
     }
 
+    // Each editor lies exactly over its cell (the list editors once grew or
+    // shrank to their words), in every language; CTest runs this at 150 %
+    // scale too.
+    void editorsCoverTheirCells_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::newRow("English") << int(English);
+        QTest::newRow("Simplified") << int(SimplifiedChinese);
+        QTest::newRow("Traditional") << int(TraditionalChinese);
+    }
+
+    void editorsCoverTheirCells()
+    {
+        QFETCH(int, language);
+        app().LanguageIndex = quint8(language);
+        putChannel(12, u"150.00000"_s, u"150.00000"_s, u"D023N"_s, u"67.0"_s);
+        openForm();
+        for (int column = Rx; column <= Bcl; ++column) {
+            enterCell(12, column);
+            QWidget *editor = editorOf(column);
+            QVERIFY(editor->isVisible());
+            QTest::qWait(40); // a combo box adjusts its size on a timer
+            QCOMPARE(editor->geometry(), grid()->visualRect(grid()->model()->index(12, column)));
+            QTest::keyClick(editor, Qt::Key_Return);
+        }
+    }
+
     void emptyBitShowsEmptyChannel()
     {
         putChannel(90, u"150.00000"_s, u"155.00000"_s, u"67.0"_s, u"67.0"_s, 0xCC, 0x40);
@@ -365,16 +392,16 @@ private Q_SLOTS:
         QCOMPARE(grid()->horizontalHeaderItem(Dec)->text(), words.section(u'|', 0, 0));
         QCOMPARE(QStringList{cell(0, Dec)} + rowCells(4).mid(2), words.split(u'|'));
         clickCell(4, Power);
-        QCOMPARE(combo(1)->itemText(0), Words::High().in(language));
+        QCOMPARE(combo(1)->itemText(0), Words::High.in(language));
         combo(1)->setCurrentIndex(0);
         QTest::keyClick(combo(1), Qt::Key_Return);
-        QCOMPARE(cell(4, Power), Words::High().in(language));
+        QCOMPARE(cell(4, Power), Words::High.in(language));
 
-        grid()->item(6, Power)->setText(Words::Low().in((language + 1) % 3));
-        grid()->item(6, Width)->setText(Words::Narrow().in((language + 2) % 3));
-        grid()->item(6, Scan)->setText(Words::Off().in((language + 1) % 3));
-        grid()->item(6, Bcl)->setText(Words::OptSignal().in((language + 2) % 3));
-        grid()->item(6, Dec)->setText(Words::None().in((language + 1) % 3));
+        grid()->item(6, Power)->setText(Words::Low.in((language + 1) % 3));
+        grid()->item(6, Width)->setText(Words::Narrow.in((language + 2) % 3));
+        grid()->item(6, Scan)->setText(Words::Off.in((language + 1) % 3));
+        grid()->item(6, Bcl)->setText(Words::OptSignal.in((language + 2) % 3));
+        grid()->item(6, Dec)->setText(Words::None.in((language + 1) % 3));
         m_form->SaveData();
         QCOMPARE(recordBytes(4).mid(8).toHex(), QByteArray("ffff238000008582"));
         QCOMPARE(recordBytes(6).mid(8).toHex(), QByteArray("ffffffff0000023f"));

@@ -4,7 +4,7 @@
 
 #include "core/AppState.h"
 #include "link/frmclone.h"
-#include "shell/MessageBox.h"
+#include "ui/MessageBox.h"
 
 #include <QLabel>
 #include <QSignalSpy>

@@ -9,7 +9,7 @@
 #include "file/DataFile.h"
 #include "link/PortCatalogue.h"
 #include "shell/MDIForm1.h"
-#include "shell/MessageBox.h"
+#include "ui/MessageBox.h"
 
 #include <QAction>
 #include <QApplication>

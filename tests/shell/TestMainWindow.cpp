@@ -4,12 +4,21 @@
 #include "ShellHarness.h"
 
 #include "shell/QtTranslations.h"
+#include "ui/Twips.h"
 
 #include <QComboBox>
+#include <QFile>
+#include <QGlyphRun>
+#include <QHeaderView>
 #include <QLineEdit>
+#include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QPointer>
 #include <QPushButton>
+#include <QRawFont>
+#include <QScreen>
+#include <QStatusBar>
+#include <QTextLayout>
 #include <QToolButton>
 #include <QTreeWidget>
 
@@ -99,6 +108,52 @@ private Q_SLOTS:
         QCOMPARE(wr::app().LinkDirection, 5);
     }
 
+    // A menu shortcut runs its command, the open edit committed first, from
+    // inside any of the channel list's editors.
+    void shortcutsFromEditors_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("cell"); // what the editor commits
+        QTest::addColumn<QString>("ran");  // how the command shows it ran
+        QTest::newRow("Ctrl+A in the frequency editor") << int(Qt::Key_A) << 1 << u"146.00000"_s << u"saved"_s;
+        QTest::newRow("Ctrl+X in the frequency editor") << int(Qt::Key_X) << 1 << u"146.00000"_s << u"closed"_s;
+        QTest::newRow("Ctrl+A in the tone editor") << int(Qt::Key_A) << 3 << u"D023N"_s << u"saved"_s;
+        QTest::newRow("Ctrl+R in a list editor") << int(Qt::Key_R) << 5 << u"Low"_s << u"asked"_s;
+    }
+
+    void shortcutsFromEditors()
+    {
+        QFETCH(int, key);
+        QFETCH(int, column);
+        QFETCH(QString, cell);
+        QFETCH(QString, ran);
+        h->open(0).show();
+        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
+        h->editRx(3, u"145.5"_s);
+        QTableWidget *grid = h->window->channelList()->grid();
+        grid->setCurrentCell(3, column);
+        grid->setFocus();
+        QTest::keyClick(grid, Qt::Key_Return);
+        QWidget *editor = QApplication::focusWidget();
+        if (auto *list = qobject_cast<QComboBox *>(editor); list && !list->isEditable())
+            list->setCurrentIndex(1);
+        else
+            QTest::keyClicks(editor, column == 1 ? u"146"_s : u"D023N"_s);
+        const QString path = h->fixture.path(u"saved.tw"_s);
+        wr::FileDialog::setNextFileName(path);
+        wr::MessageBox::setNextAnswer(QMessageBox::Cancel);
+        QTest::keyClick(editor, Qt::Key(key), Qt::ControlModifier);
+        QCOMPARE(h->window->channelList()->cellText(3, column), cell);
+        QVERIFY(!editor->isVisible());
+        if (ran == u"saved")
+            QVERIFY(QFile::exists(path));
+        else if (ran == u"closed")
+            QVERIFY(!h->window->isVisible());
+        else
+            QCOMPARE(wr::MessageBox::history().size(), 1);
+    }
+
     void commitStepEntries_data()
     {
         QTest::addColumn<QString>("how");
@@ -135,8 +190,66 @@ private Q_SLOTS:
             wr::MDIForm1 &window = h->open(language);
             window.show();
             QVERIFY(QTest::qWaitForWindowExposed(&window));
-            QCOMPARE(window.size(), QSize((13410 + 7) / 15, (11440 + 7) / 15));
+            QCOMPARE(window.size(), wr::twipsToPixels(13410, 11440));
             QCOMPARE(window.channelList()->gridWidthLacking(), 0);
+        }
+    }
+
+    // Restored from maximised, the channel list takes the size it opens
+    // with, not the few pixels it was given before it was first maximised.
+    void channelListRestoresToOpeningSize()
+    {
+        h->open().show();
+        QVERIFY(QTest::qWaitForWindowExposed(h->window.get()));
+        auto *subWindow = qobject_cast<QMdiSubWindow *>(h->window->channelList()->parentWidget());
+        QVERIFY(subWindow->isMaximized());
+        subWindow->showNormal();
+        QCOMPARE(subWindow->size(), wr::frmChannel::OpeningSize);
+    }
+
+    // The window keeps its prescribed size where the screen has room for it
+    // and is never larger than the screen's available area, so its status
+    // bar shows. CTest runs this on a large screen, a laptop's and at 150 %.
+    void opensWithinTheScreen()
+    {
+        wr::MDIForm1 &window = h->open(0);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        const QSize available = window.screen()->availableGeometry().size();
+        const QSize frame = window.frameGeometry().size() - window.size();
+        const QSize prescribed = wr::twipsToPixels(13410, 11440);
+        QVERIFY2(window.frameGeometry().height() <= available.height(), qPrintable(u"%1 > %2"_s.arg(window.frameGeometry().height()).arg(available.height())));
+        QVERIFY(window.frameGeometry().width() <= available.width());
+        if ((prescribed + frame).height() <= available.height())
+            QCOMPARE(window.size(), prescribed);
+        QVERIFY(window.statusBar()->isVisible());
+        QVERIFY(window.rect().contains(window.statusBar()->geometry()));
+    }
+
+    // Chinese texts are drawn with the Simplified or Traditional Chinese face
+    // of the CJK font for the interface language, not with whichever face
+    // the system's locale prefers; it follows a switch of the language.
+    void chineseFontFollowsTheLanguage()
+    {
+        const auto faceOf = [](const QFont &font, const QString &text) {
+            QTextLayout layout(text, font);
+            layout.beginLayout();
+            layout.createLine();
+            layout.endLayout();
+            const QList<QGlyphRun> runs = layout.glyphRuns();
+            return runs.isEmpty() ? QString() : runs.first().rawFont().familyName();
+        };
+        wr::MDIForm1 &window = h->open(1);
+        window.show();
+        const QStringList faces{u"Noto Sans CJK SC"_s, u"Noto Sans CJK TC"_s};
+        for (const int language : {1, 2, 1}) {
+            wr::app().LanguageIndex = quint8(language);
+            window.RefreshMainWindow();
+            auto *tree = window.findChild<QTreeWidget *>(u"Tree0"_s);
+            QCOMPARE(faceOf(tree->font(), treeNode(u"Item1"_s)->text(0)), faces.at(language - 1));
+            QTableWidget *grid = window.channelList()->grid();
+            QCOMPARE(faceOf(grid->horizontalHeader()->font(), grid->horizontalHeaderItem(1)->text()),
+                     faces.at(language - 1));
         }
     }
 

@@ -201,7 +201,7 @@ void TestChannelRecord::saveReadRoundTripInEveryLanguage()
     for (int language : {0, 1, 2}) {
         const ChannelTexts shown = ReadChannelTexts(image, 50, language);
         QCOMPARE(shown.rx, english.rx);
-        QCOMPARE(shown.bcl, Words::Carrier().in(language));
+        QCOMPARE(shown.bcl, Words::Carrier.in(language));
         SaveChannel(image, 50, shown);
         QCOMPARE(image.row(ChannelRow(50)), stored);
     }

@@ -1,0 +1,307 @@
+// The in-place cell editor over a throw-away grid: a text column that takes
+// hexadecimal digits (upper-cased), a list column, an editable list column
+// and a column whose edits go to the text column.
+#include "TestSupport.h"
+
+#include "ui/CellEditor.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QStandardItemModel>
+#include <QTableView>
+#include <QTest>
+#include <QVBoxLayout>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+using namespace wr;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+enum Column { Hex, List, Editable, Redirected };
+
+bool isHexDigit(QChar c)
+{
+    return (c >= u'0' && c <= u'9') || (c.toUpper() >= u'A' && c.toUpper() <= u'F');
+}
+
+class Rules : public CellEditRules
+{
+public:
+    QLineEdit *hex = new QLineEdit;
+    QComboBox *list = new QComboBox;
+    QComboBox *editable = new QComboBox;
+    Escape escape = Escape::Close;
+    Scroll scroll = Scroll::Commit;
+    int commits = 0;
+    std::function<void()> duringCommit;
+
+    Rules()
+    {
+        hex->setObjectName(u"hex"_s);
+        list->setObjectName(u"list"_s);
+        editable->setObjectName(u"editable"_s);
+        list->addItems({u"Low"_s, u"High"_s});
+        editable->setEditable(true);
+        editable->addItems({u"one"_s, u"two"_s});
+    }
+
+    QModelIndex editableCell(const QModelIndex &cell) const override
+    {
+        return cell.column() == Redirected ? cell.siblingAtColumn(Hex) : cell;
+    }
+    QWidget *editorFor(const QModelIndex &cell, const QString &text) override
+    {
+        switch (cell.column()) {
+        case Hex:
+            hex->setText(text);
+            return hex;
+        case List:
+            list->setCurrentIndex(list->findText(text));
+            return list;
+        case Editable:
+            editable->setEditText(text);
+            return editable;
+        default:
+            return nullptr;
+        }
+    }
+    std::optional<QChar> startingCharacter(const QModelIndex &cell, QChar typed) const override
+    {
+        if (cell.column() == Hex && isHexDigit(typed))
+            return typed.toUpper();
+        return std::nullopt;
+    }
+    std::optional<QChar> acceptedCharacter(const TypedKey &key) const override
+    {
+        if (key.editor != hex)
+            return key.typed;
+        return isHexDigit(key.typed) ? std::optional(key.typed.toUpper()) : std::nullopt;
+    }
+    void commit(const QModelIndex &cell, QWidget *, const QString &text) override
+    {
+        ++commits;
+        const_cast<QAbstractItemModel *>(cell.model())->setData(cell, text);
+        if (duringCommit)
+            duringCommit();
+    }
+    QModelIndex cellAfterEnter(const QModelIndex &cell) override { return cell.siblingAtRow(cell.row() + 1); }
+    Escape onEscape(QWidget *) const override { return escape; }
+    Scroll onScroll() const override { return scroll; }
+};
+
+} // namespace
+
+class TestCellEditor : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::optional<test::Fixture> m_fixture;
+    std::unique_ptr<QWidget> m_window;
+    QTableView *m_view = nullptr;
+    QLineEdit *m_outside = nullptr;
+    QStandardItemModel *m_model = nullptr;
+    std::unique_ptr<Rules> m_rules;
+    std::unique_ptr<CellEditor> m_editor;
+
+    QString text(int row, int column) const { return m_model->index(row, column).data().toString(); }
+    QWidget *editor(const QString &name) const { return m_window->findChild<QWidget *>(name); }
+    void select(int row, int column)
+    {
+        m_view->setCurrentIndex(m_model->index(row, column));
+        m_view->setFocus();
+    }
+    void openAt(int row, int column)
+    {
+        select(row, column);
+        QTest::keyClick(m_view, Qt::Key_Return);
+        QVERIFY(m_editor->isOpen());
+    }
+
+private Q_SLOTS:
+    void initTestCase() { test::initTestProcess(); }
+
+    void init()
+    {
+        m_fixture.emplace();
+        m_window = std::make_unique<QWidget>();
+        m_model = new QStandardItemModel(40, 4, m_window.get());
+        for (int row = 0; row < 40; ++row) {
+            m_model->setItem(row, Hex, new QStandardItem(u"%1"_s.arg(row, 2, 16, QChar(u'0')).toUpper()));
+            m_model->setItem(row, List, new QStandardItem(row % 2 ? u"High"_s : u"Low"_s));
+            m_model->setItem(row, Editable, new QStandardItem(u"one"_s));
+            m_model->setItem(row, Redirected, new QStandardItem(u"-"_s));
+        }
+        m_view = new QTableView(m_window.get());
+        m_view->setModel(m_model);
+        m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+        m_outside = new QLineEdit(m_window.get());
+        auto *layout = new QVBoxLayout(m_window.get());
+        layout->addWidget(m_view);
+        layout->addWidget(m_outside);
+        m_rules = std::make_unique<Rules>();
+        m_editor = std::make_unique<CellEditor>(m_view, *m_rules);
+        for (QWidget *widget : {static_cast<QWidget *>(m_rules->hex), static_cast<QWidget *>(m_rules->list),
+                                static_cast<QWidget *>(m_rules->editable)})
+            m_editor->addEditor(widget);
+        m_window->resize(420, 300);
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    }
+
+    void cleanup()
+    {
+        m_editor.reset();
+        m_window.reset();
+        m_rules.reset();
+        m_fixture.reset();
+    }
+
+    void opens_data()
+    {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("how"); // "Enter", "click" or the character typed
+        QTest::addColumn<QString>("editorName"); // empty: none opens
+        QTest::addColumn<QString>("editorText");
+        QTest::addColumn<int>("columnAfter");
+        QTest::newRow("Enter opens with the cell's text") << int(Hex) << u"Enter"_s << u"hex"_s << u"03"_s << int(Hex);
+        QTest::newRow("a typed character replaces the text") << int(Hex) << u"b"_s << u"hex"_s << u"B"_s << int(Hex);
+        QTest::newRow("a character that starts nothing") << int(Hex) << u"x"_s << QString() << QString() << int(Hex);
+        QTest::newRow("click opens a list on its entry") << int(List) << u"click"_s << u"list"_s << u"High"_s << int(List);
+        QTest::newRow("edit moved to another cell") << int(Redirected) << u"click"_s << u"hex"_s << u"03"_s << int(Hex);
+    }
+
+    // An open editor lies exactly over its cell and has the focus, even
+    // after the timers a combo box uses to resize itself have run.
+    void opens()
+    {
+        QFETCH(int, column);
+        QFETCH(QString, how);
+        QFETCH(QString, editorName);
+        QFETCH(QString, editorText);
+        QFETCH(int, columnAfter);
+        select(3, column);
+        if (how == u"Enter")
+            QTest::keyClick(m_view, Qt::Key_Return);
+        else if (how == u"click")
+            QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, m_view->visualRect(m_model->index(3, column)).center());
+        else
+            QTest::keyClicks(m_view, how);
+        QCOMPARE(m_view->currentIndex().column(), columnAfter);
+        QCOMPARE(m_editor->isOpen(), !editorName.isEmpty());
+        if (editorName.isEmpty())
+            return;
+        QWidget *open = editor(editorName);
+        QCOMPARE(m_editor->openEditor(), open);
+        QTest::qWait(50);
+        QCOMPARE(open->geometry(), m_view->visualRect(m_model->index(3, columnAfter)));
+        QVERIFY(open->isVisible() && (open->hasFocus() || open->isAncestorOf(QApplication::focusWidget())));
+        auto *combo = qobject_cast<QComboBox *>(open);
+        QCOMPARE(combo ? combo->currentText() : qobject_cast<QLineEdit *>(open)->text(), editorText);
+    }
+
+    void escape_data()
+    {
+        QTest::addColumn<int>("escape");
+        QTest::addColumn<bool>("staysOpen");
+        QTest::addColumn<QString>("editorText");
+        QTest::newRow("close") << int(CellEditRules::Escape::Close) << false << u"9"_s;
+        QTest::newRow("revert the text") << int(CellEditRules::Escape::RevertText) << true << u"03"_s;
+        QTest::newRow("ignore") << int(CellEditRules::Escape::Ignore) << true << u"9"_s;
+    }
+
+    void escape()
+    {
+        QFETCH(int, escape);
+        QFETCH(bool, staysOpen);
+        QFETCH(QString, editorText);
+        m_rules->escape = CellEditRules::Escape(escape);
+        openAt(3, Hex);
+        QTest::keyClicks(m_rules->hex, u"9"_s);
+        QTest::keyClick(m_rules->hex, Qt::Key_Escape);
+        QCOMPARE(m_editor->isOpen(), staysOpen);
+        QCOMPARE(m_rules->hex->text(), editorText);
+        QCOMPARE(text(3, Hex), u"03"_s);
+        QCOMPARE(m_rules->commits, 0);
+        if (!staysOpen)
+            QVERIFY(m_view->hasFocus());
+    }
+
+    void scrolling_data()
+    {
+        QTest::addColumn<int>("scroll");
+        QTest::addColumn<QString>("stored");
+        QTest::newRow("commits") << int(CellEditRules::Scroll::Commit) << u"9"_s;
+        QTest::newRow("cancels") << int(CellEditRules::Scroll::Cancel) << u"03"_s;
+    }
+
+    void scrolling()
+    {
+        QFETCH(int, scroll);
+        QFETCH(QString, stored);
+        m_rules->scroll = CellEditRules::Scroll(scroll);
+        openAt(3, Hex);
+        QTest::keyClicks(m_rules->hex, u"9"_s);
+        m_view->verticalScrollBar()->setValue(m_view->verticalScrollBar()->maximum());
+        QVERIFY(!m_editor->isOpen());
+        QCOMPARE(text(3, Hex), stored);
+    }
+
+    // Leaving the editor commits it once, even when the commit itself moves
+    // the focus on and back.
+    void focusLeavingCommitsOnce()
+    {
+        m_rules->duringCommit = [this] {
+            m_outside->setFocus();
+            m_view->setFocus();
+            m_editor->commit();
+        };
+        openAt(3, Hex);
+        QTest::keyClicks(m_rules->hex, u"5"_s);
+        m_outside->setFocus();
+        QCOMPARE(m_rules->commits, 1);
+        QCOMPARE(text(3, Hex), u"5"_s);
+        QVERIFY(!m_editor->isOpen());
+    }
+
+    void listOpensInsideTheEditor_data()
+    {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        QTest::newRow("Alt+Down in a list") << int(List) << int(Qt::Key_Down) << int(Qt::AltModifier);
+        QTest::newRow("F4 in a list") << int(List) << int(Qt::Key_F4) << int(Qt::NoModifier);
+        QTest::newRow("Alt+Down in an editable list") << int(Editable) << int(Qt::Key_Down) << int(Qt::AltModifier);
+        QTest::newRow("F4 in an editable list") << int(Editable) << int(Qt::Key_F4) << int(Qt::NoModifier);
+    }
+
+    // The key that opens a combo box's list opens it; closing the list
+    // leaves the editor open with the focus, and Enter then commits.
+    void listOpensInsideTheEditor()
+    {
+        QFETCH(int, column);
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        openAt(2, column);
+        auto *combo = qobject_cast<QComboBox *>(m_editor->openEditor());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+        QTRY_VERIFY(combo->view()->isVisible());
+        QVERIFY(m_editor->isOpen());
+        QTest::keyClick(combo->view(), Qt::Key_Escape);
+        QTRY_VERIFY(!combo->view()->isVisible());
+        QVERIFY(m_editor->isOpen());
+        QVERIFY(combo->isAncestorOf(QApplication::focusWidget()) || QApplication::focusWidget() == combo);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QCOMPARE(m_rules->commits, 1);
+        QVERIFY(m_view->hasFocus());
+    }
+};
+
+QTEST_MAIN(TestCellEditor)
+#include "TestCellEditor.moc"

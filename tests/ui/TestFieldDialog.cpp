@@ -1,0 +1,172 @@
+// The dialog base and binder on a small dialog of their own: captions and
+// lists in each language, the image loaded into the controls, OK storing and
+// every other way out storing nothing, and a control the table names but
+// the dialog lacks.
+#include "TestSupport.h"
+
+#include "core/MemoryImage.h"
+#include "ui/FieldDialog.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QTest>
+#include <QVBoxLayout>
+
+#include <optional>
+
+using namespace wr;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr Caption Captions[]{
+    {u"frmExample", {u"Example", u"示例", u"示例"}},
+    {u"lblMode", {u"Mode", u"方式", u"方式"}},
+    {u"grpMore", {u"More", u"更多", u"更多"}},
+    {u"CmdOK", Words::OK},
+    {u"CmdCancel", Words::Cancel},
+};
+constexpr Choice Modes[]{{0, {u"Slow", u"慢", u"慢"}}, {2, {u"Fast", u"快", u"快"}}};
+constexpr Choice OffWord[]{{0, Words::Off}};
+constexpr ListField Lists[]{
+    {.control = u"cboMode", .bits = BitField{0x0CD1, 0, 2}, .words = Modes},
+    {.control = u"cboLevel", .bits = BitField{0x0CD6}, .words = OffWord, .numbers = {.first = 1, .last = 9}},
+};
+constexpr CheckField Checks[]{{u"chkBeep", {u"Beep", u"哗音", u"嘩音"}, BitField{0x0CD1, 6, 1}}};
+constexpr FieldTable Fields{.captions = Captions, .lists = Lists, .checks = Checks};
+
+constexpr ListField Missing[]{{.control = u"cboMissing", .bits = BitField{0x0CD8}, .words = OffWord}};
+constexpr FieldTable MissingFields{.lists = Missing};
+
+class frmExample : public FieldDialog
+{
+public:
+    frmExample(MemoryImage &image, int language, bool withMissing = false)
+        : FieldDialog(image, language)
+    {
+        setObjectName(u"frmExample"_s);
+        auto *layout = new QVBoxLayout(this);
+        const auto add = [layout](QWidget *control, const QString &name) {
+            control->setObjectName(name);
+            layout->addWidget(control);
+        };
+        add(new QLabel, u"lblMode"_s);
+        add(new QComboBox, u"cboMode"_s);
+        add(new QGroupBox, u"grpMore"_s);
+        add(new QComboBox, u"cboLevel"_s);
+        add(new QCheckBox, u"chkBeep"_s);
+        add(new QPushButton, u"CmdOK"_s);
+        add(new QPushButton, u"CmdCancel"_s);
+        bindFields(Fields);
+        if (withMissing)
+            bindFields(MissingFields);
+        connectButtons(findChild<QPushButton *>(u"CmdOK"_s), findChild<QPushButton *>(u"CmdCancel"_s));
+    }
+    QComboBox *list(const QString &name) const { return findChild<QComboBox *>(name); }
+    QCheckBox *beep() const { return findChild<QCheckBox *>(u"chkBeep"_s); }
+};
+
+} // namespace
+
+class TestFieldDialog : public QObject
+{
+    Q_OBJECT
+
+    std::optional<test::Fixture> m_fixture;
+
+private Q_SLOTS:
+    void initTestCase() { test::initTestProcess(); }
+    void init() { m_fixture.emplace(); }
+    void cleanup() { m_fixture.reset(); }
+
+    void captions_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QString>("texts"); // title, label, group, check, first items, OK, Cancel
+        QTest::newRow("English") << int(English) << u"Example|Mode|More|Beep|Slow|Off|OK|Cancel"_s;
+        QTest::newRow("Simplified") << int(SimplifiedChinese) << u"示例|方式|更多|哗音|慢|关|确定|取消"_s;
+        QTest::newRow("Traditional") << int(TraditionalChinese) << u"示例|方式|更多|嘩音|慢|關|確定|取消"_s;
+    }
+
+    void captions()
+    {
+        QFETCH(int, language);
+        QFETCH(QString, texts);
+        MemoryImage image;
+        frmExample form(image, language);
+        QCOMPARE(form.missingControls(), QStringList());
+        const QStringList shown{form.windowTitle(),
+                                form.findChild<QLabel *>(u"lblMode"_s)->text(),
+                                form.findChild<QGroupBox *>(u"grpMore"_s)->title(),
+                                form.beep()->text(),
+                                form.list(u"cboMode"_s)->itemText(0),
+                                form.list(u"cboLevel"_s)->itemText(0),
+                                form.findChild<QPushButton *>(u"CmdOK"_s)->text(),
+                                form.findChild<QPushButton *>(u"CmdCancel"_s)->text()};
+        QCOMPARE(shown.join(u'|'), texts);
+        QCOMPARE(form.list(u"cboLevel"_s)->count(), 10);
+    }
+
+    void leaving_data()
+    {
+        QTest::addColumn<QString>("how");
+        QTest::addColumn<bool>("stores");
+        QTest::newRow("OK stores") << u"CmdOK"_s << true;
+        QTest::newRow("Cancel stores nothing") << u"CmdCancel"_s << false;
+        QTest::newRow("the close box stores nothing") << u"close"_s << false;
+    }
+
+    // The controls show the image; what the user changes reaches it on OK
+    // only, and bits outside the fields stay as they were.
+    void leaving()
+    {
+        QFETCH(QString, how);
+        QFETCH(bool, stores);
+        MemoryImage image;
+        image.InitImage();
+        image.WriteByte(0x0CD1, 0xA2);
+        image.WriteByte(0x0CD6, 0x07);
+        const MemoryImage before = image;
+        frmExample form(image, English);
+        form.show();
+        QCOMPARE(form.list(u"cboMode"_s)->currentText(), u"Fast"_s);
+        QCOMPARE(form.list(u"cboLevel"_s)->currentIndex(), 7);
+        QVERIFY(!form.beep()->isChecked());
+
+        form.list(u"cboMode"_s)->setCurrentIndex(0);
+        form.list(u"cboLevel"_s)->setCurrentIndex(3);
+        form.beep()->setChecked(true);
+        if (how == u"close")
+            form.close();
+        else
+            QTest::mouseClick(form.findChild<QPushButton *>(how), Qt::LeftButton);
+        QVERIFY(form.isHidden());
+        QCOMPARE(form.result(), stores ? QDialog::Accepted : QDialog::Rejected);
+        MemoryImage expected = before;
+        if (stores) {
+            expected.WriteByte(0x0CD1, 0xE0);
+            expected.WriteByte(0x0CD6, 0x03);
+        }
+        QCOMPARE(image.bytes().toHex(), expected.bytes().toHex());
+    }
+
+    // A control the table names but the dialog lacks is reported, and its
+    // field is left as it is.
+    void missingControl()
+    {
+        MemoryImage image;
+        image.WriteByte(0x0CD8, 0x05);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"frmExample has no list named cboMissing"_s));
+        frmExample form(image, English, true);
+        QCOMPARE(form.missingControls(), QStringList{u"cboMissing"_s});
+        form.accept();
+        QCOMPARE(image.ReadByte(0x0CD8), 0x05);
+    }
+};
+
+QTEST_MAIN(TestFieldDialog)
+#include "TestFieldDialog.moc"

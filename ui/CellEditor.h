@@ -1,0 +1,131 @@
+#pragma once
+
+#include <QObject>
+#include <QPersistentModelIndex>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+#include <QWidget>
+
+#include <optional>
+
+class QAbstractItemView;
+class QComboBox;
+class QKeyEvent;
+
+namespace wr {
+
+// A character typed into an open editor, with what the editor held before.
+struct TypedKey
+{
+    QModelIndex cell;
+    QWidget *editor;
+    QChar typed;
+    QString text;       // the editor's text before the key
+    bool hasSelection;  // some of it is selected
+    bool wholeSelected; // all of it is selected; a list without a caret always is
+};
+
+// The rules of one grid edited in place: which editor a cell opens, which
+// characters it takes, how its text is stored and where Enter goes next.
+class CellEditRules
+{
+public:
+    enum class Escape {
+        Close,      // close the editor; the cell keeps its text
+        RevertText, // put the cell's text back into the editor, which stays open
+        Ignore,     // discard the key
+    };
+    enum class Scroll { Commit, Cancel };
+
+    virtual ~CellEditRules() = default;
+
+    // The cell an edit started on `cell` really goes to; the editor makes it
+    // current first. By default the cell itself.
+    virtual QModelIndex editableCell(const QModelIndex &cell) const { return cell; }
+    // The editor of a cell, set up to show text (list filled, text set), or
+    // null when the cell opens none. It is placed and shown afterwards.
+    virtual QWidget *editorFor(const QModelIndex &cell, const QString &text) = 0;
+    // A character typed on the grid: what the editor opens holding in place
+    // of the cell's text, or nothing when the key does not start an edit.
+    virtual std::optional<QChar> startingCharacter(const QModelIndex &cell, QChar typed) const = 0;
+    // A character typed into the open editor: the character that goes in
+    // (the typed one, or for example its upper case), or nothing to drop it.
+    virtual std::optional<QChar> acceptedCharacter(const TypedKey &key) const = 0;
+    // Stores an editor's text into the grid, normalised as the grid wants.
+    virtual void commit(const QModelIndex &cell, QWidget *editor, const QString &text) = 0;
+    // The cell made current after Enter committed `cell`, or an invalid
+    // index to stay (the rules may then give the focus to another widget).
+    virtual QModelIndex cellAfterEnter(const QModelIndex &cell) = 0;
+    virtual Escape onEscape(QWidget *editor) const;
+    virtual Scroll onScroll() const;
+};
+
+// Edits the cells of an item view in place. The grid's rules decide what is
+// edited and how; this class places an editor exactly over the cell, opens
+// it on Enter, on a typed character (which then replaces the text) or on a
+// click, commits it on Enter (then moves on as the rules say) or when the
+// focus leaves it, closes or reverts it on Esc, and commits or cancels it
+// when the view scrolls. Committing may move the focus; a commit that runs
+// into another never stores twice.
+//
+// Keys with Ctrl or Alt are left to the window's shortcuts while an editor
+// is open, so menu commands run wherever the focus is; only Enter and Esc
+// are kept from them.
+//
+// It watches the view and its editors and calls the rules for as long as it
+// lives, so its owner holds it (a member, for instance) and destroys it
+// before the view and the rules go.
+class CellEditor : public QObject
+{
+    Q_OBJECT
+
+public:
+    CellEditor(QAbstractItemView *view, CellEditRules &rules);
+
+    // Takes an editor (a QLineEdit or a QComboBox) onto the view's viewport,
+    // hidden. Only typed keys that pass the rules put text into it: no
+    // pasting, dropping or input-method composition.
+    void addEditor(QWidget *editor);
+
+    // Opens the editor of the view's current cell (after editableCell).
+    // Returns false when the cell opens none.
+    bool open();
+    // Stores the open editor's text through the rules and closes it.
+    void commit();
+    // Closes the open editor without storing.
+    void cancel();
+
+    bool isOpen() const { return m_editor != nullptr; }
+    QWidget *openEditor() const { return m_editor; }
+    QModelIndex editedCell() const { return m_cell; }
+    // The cell's text when its editor opened.
+    QString savedText() const { return m_savedText; }
+
+    // The width a combo box needs to show each text whole, arrow included.
+    static int comboWidthFor(const QComboBox *combo, const QStringList &texts);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    bool viewKeyPress(QKeyEvent *event);
+    bool editorKeyPress(QKeyEvent *event);
+    void enterPressed();
+    void escapePressed();
+    void scrolled();
+    void close();
+    void moveToEditableCell();
+    QWidget *editorOf(QObject *watched) const;
+    bool ownsFocusWidget() const;
+
+    QAbstractItemView *m_view;
+    QWidget *m_viewport;
+    CellEditRules &m_rules;
+    QPointer<QWidget> m_editor;
+    QPersistentModelIndex m_cell;
+    QString m_savedText;
+    bool m_busy = false; // committing or closing: the focus it moves is not a user's
+};
+
+} // namespace wr

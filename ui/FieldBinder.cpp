@@ -1,0 +1,102 @@
+#include "ui/FieldBinder.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QtDebug>
+
+namespace wr {
+
+template <typename Control>
+Control *FieldBinder::find(QStringView name, const char *kind)
+{
+    auto *control = m_form->findChild<Control *>(name.toString());
+    if (!control) {
+        m_missing.append(name.toString());
+        qWarning("%s has no %s named %s", qPrintable(m_form->objectName()), kind, qPrintable(name.toString()));
+    }
+    return control;
+}
+
+FieldBinder::FieldBinder(QWidget *form, const FieldTable &table)
+    : m_form(form)
+    , m_table(table)
+{
+    for (const Caption &caption : table.captions) {
+        QWidget *control = nullptr;
+        if (caption.control != form->objectName()) {
+            control = find<QWidget>(caption.control, "control");
+            if (control && !qobject_cast<QLabel *>(control) && !qobject_cast<QAbstractButton *>(control)
+                && !qobject_cast<QGroupBox *>(control)) {
+                m_missing.append(caption.control.toString());
+                qWarning("%s: %s cannot show a caption", qPrintable(form->objectName()),
+                         qPrintable(caption.control.toString()));
+                control = nullptr;
+            }
+        }
+        m_captions.append(control);
+    }
+    for (const ListField &list : table.lists)
+        m_lists.append(find<QComboBox>(list.control, "list"));
+    for (const CheckField &check : table.checks)
+        m_checks.append(find<QAbstractButton>(check.control, "check box"));
+}
+
+void FieldBinder::caption(int languageIndex)
+{
+    for (qsizetype i = 0; i < m_captions.size(); ++i) {
+        const QString text = m_table.captions[std::size_t(i)].text.in(languageIndex);
+        QWidget *control = m_captions.at(i);
+        if (m_table.captions[std::size_t(i)].control == m_form->objectName())
+            m_form->setWindowTitle(text);
+        else if (auto *label = qobject_cast<QLabel *>(control))
+            label->setText(text);
+        else if (auto *button = qobject_cast<QAbstractButton *>(control))
+            button->setText(text);
+        else if (auto *group = qobject_cast<QGroupBox *>(control))
+            group->setTitle(text);
+    }
+    for (qsizetype i = 0; i < m_lists.size(); ++i) {
+        if (QComboBox *combo = m_lists.at(i)) {
+            const int position = combo->currentIndex();
+            combo->clear();
+            combo->addItems(m_table.lists[std::size_t(i)].items(languageIndex));
+            combo->setCurrentIndex(position);
+        }
+    }
+    for (qsizetype i = 0; i < m_checks.size(); ++i) {
+        if (QAbstractButton *check = m_checks.at(i))
+            check->setText(m_table.checks[std::size_t(i)].text.in(languageIndex));
+    }
+}
+
+void FieldBinder::load(const MemoryImage &image)
+{
+    const FieldValues values = loadFields(image, m_table);
+    for (qsizetype i = 0; i < m_lists.size(); ++i) {
+        if (QComboBox *combo = m_lists.at(i))
+            combo->setCurrentIndex(values.positions.at(i));
+    }
+    for (qsizetype i = 0; i < m_checks.size(); ++i) {
+        if (QAbstractButton *check = m_checks.at(i))
+            check->setChecked(values.checked.at(i));
+    }
+}
+
+// As storeFields, but a control the form lacks stores nothing.
+void FieldBinder::store(MemoryImage &image) const
+{
+    for (const int address : m_table.rebuiltBytes)
+        image.WriteByte(address, 0);
+    for (qsizetype i = 0; i < m_lists.size(); ++i) {
+        if (const QComboBox *combo = m_lists.at(i))
+            m_table.lists[std::size_t(i)].store(image, combo->currentIndex());
+    }
+    for (qsizetype i = 0; i < m_checks.size(); ++i) {
+        if (const QAbstractButton *check = m_checks.at(i))
+            m_table.checks[std::size_t(i)].store(image, check->isChecked());
+    }
+}
+
+} // namespace wr

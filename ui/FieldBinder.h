@@ -1,0 +1,48 @@
+#pragma once
+
+#include "core/ImageFields.h"
+
+#include <QList>
+#include <QPointer>
+#include <QStringList>
+
+class QAbstractButton;
+class QComboBox;
+class QWidget;
+
+namespace wr {
+
+// Binds a form's FieldTable to its controls, found by objectName among the
+// form's children (a caption naming the form itself is its window title).
+// Captions go on labels, buttons, check boxes and group boxes; list fields
+// need a QComboBox and check fields a check box (any QAbstractButton).
+//
+// A control the table names but the form lacks, or one of the wrong kind, is
+// reported with a warning when the binder is made and listed by
+// missingControls(), so a test of the form fails on it; the rest of the
+// table works as usual.
+class FieldBinder
+{
+public:
+    FieldBinder(QWidget *form, const FieldTable &table);
+
+    QStringList missingControls() const { return m_missing; }
+
+    // Captions and list items in a language; a list keeps its position.
+    void caption(int languageIndex);
+    void load(const MemoryImage &image);
+    void store(MemoryImage &image) const;
+
+private:
+    template <typename Control>
+    Control *find(QStringView name, const char *kind);
+
+    QWidget *m_form;
+    FieldTable m_table;
+    QList<QPointer<QWidget>> m_captions; // one per caption, null for the window title
+    QList<QPointer<QComboBox>> m_lists;
+    QList<QPointer<QAbstractButton>> m_checks;
+    QStringList m_missing;
+};
+
+} // namespace wr
