@@ -17,6 +17,9 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QDate>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
@@ -24,6 +27,7 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QScreen>
 #include <QShowEvent>
 #include <QStyle>
@@ -35,6 +39,7 @@
 #include <QToolBar>
 #include <QToolButton>
 #include <QTreeWidget>
+#include <QUrl>
 #include <QVBoxLayout>
 
 #include <span>
@@ -77,6 +82,17 @@ enum Panel { PortPanel, DatePanel, ClockPanel, EmptyPanel, VersionPanel, PanelCo
 // The tree node's data holding the QAction a click runs.
 constexpr int CommandRole = Qt::UserRole + 1;
 
+// The data file a drag brings: one local file named *.tw, or "" for anything
+// else, which the window then refuses.
+QString draggedDataFile(const QMimeData *data)
+{
+    const QList<QUrl> urls = data ? data->urls() : QList<QUrl>();
+    if (urls.size() != 1 || !urls.first().isLocalFile())
+        return {};
+    const QString path = urls.first().toLocalFile();
+    return QFileInfo(path).suffix().compare(u"tw", Qt::CaseInsensitive) == 0 ? path : QString();
+}
+
 } // namespace
 
 MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
@@ -87,6 +103,7 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
     setObjectName(u"MDIForm1"_s);
     setWindowIcon(AppIcon());
     setWindowTitle(ModelName());
+    setAcceptDrops(true);
 
     // The tree of editors sits in a plain panel on the left, beside the
     // document area that holds the channel list.
@@ -451,7 +468,7 @@ void MDIForm1::showChannelList()
 
 void MDIForm1::fileNew()
 {
-    if (FileNew(this))
+    if (FileCommands(this, *m_settings).FileNew())
         RefreshMainWindow();
 }
 
@@ -461,18 +478,27 @@ void MDIForm1::fileOpen()
     // the image before the modified test, so the question can protect them.
     if (m_channels)
         m_channels->SaveData();
-    if (FileOpen(this))
+    if (FileCommands(this, *m_settings).FileOpen())
+        RefreshMainWindow();
+}
+
+void MDIForm1::openFile(const QString &path)
+{
+    CommitChannelEdit();
+    if (m_channels)
+        m_channels->SaveData();
+    if (FileCommands(this, *m_settings).FileOpen(path))
         RefreshMainWindow();
 }
 
 void MDIForm1::fileSave()
 {
-    FileSave(this);
+    FileCommands(this, *m_settings).FileSave();
 }
 
 void MDIForm1::fileSaveAs()
 {
-    FileSaveAs(this);
+    FileCommands(this, *m_settings).FileSaveAs();
 }
 
 void MDIForm1::fileExit()
@@ -621,6 +647,23 @@ void MDIForm1::closeEvent(QCloseEvent *event)
     // Closing by any means writes the settings back; only Exit commits.
     SaveSettings(app(), *m_settings);
     QMainWindow::closeEvent(event);
+}
+
+void MDIForm1::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!draggedDataFile(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MDIForm1::dropEvent(QDropEvent *event)
+{
+    const QString path = draggedDataFile(event->mimeData());
+    if (path.isEmpty())
+        return;
+    event->acceptProposedAction();
+    // The program the file came from waits until the drop is over; the
+    // questions of Open come after that.
+    QTimer::singleShot(0, this, [this, path] { openFile(path); });
 }
 
 } // namespace wr

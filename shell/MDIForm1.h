@@ -59,6 +59,10 @@ public:
     // The channel list, or null while it is closed.
     frmChannel *channelList() const;
 
+    // Runs Open with a file chosen outside the program (given on the command
+    // line or dropped on the window): the modified question, then the file.
+    void openFile(const QString &path);
+
     // How much a command commits before it runs.
     enum class Commit {
         Nothing,
@@ -69,6 +73,8 @@ public:
 protected:
     void closeEvent(QCloseEvent *event) override;
     void showEvent(QShowEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     using Handler = void (MDIForm1::*)();
