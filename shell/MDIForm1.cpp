@@ -3,6 +3,7 @@
 #include "channels/frmChannel.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
+#include "file/Backups.h"
 #include "link/frmclone.h"
 #include "shell/AppIcon.h"
 #include "shell/FileCommands.h"
@@ -565,6 +566,7 @@ void MDIForm1::runTransfer()
     QPointer<frmclone> form = new frmclone(this);
     connect(form, &frmclone::portNumberChanged, this, &MDIForm1::showPortPanel);
     connect(form, &frmclone::readCompleted, this, &MDIForm1::RefreshMainWindow);
+    connect(form, &frmclone::readCompleted, this, [this] { keepBackup(BackupReason::Read); });
     form->exec();
     delete form.data();
     // A cancelled scan puts the chosen port back.
@@ -646,7 +648,31 @@ void MDIForm1::closeEvent(QCloseEvent *event)
 {
     // Closing by any means writes the settings back; only Exit commits.
     SaveSettings(app(), *m_settings);
+    keepBackup(BackupReason::Exit);
     QMainWindow::closeEvent(event);
+}
+
+void MDIForm1::setBackupFolder(const QString &folder)
+{
+    m_backupFolder = folder;
+}
+
+// A backup is kept behind the user's back: whatever becomes of it, the read or
+// the exit that caused it goes on as if there were none.
+void MDIForm1::keepBackup(BackupReason reason)
+{
+    const QString folder = m_backupFolder.isEmpty() ? Backups::defaultFolder() : m_backupFolder;
+    if (reason == BackupReason::Read || !m_channels) {
+        Backups::keep(folder, app().image, reason, QDateTime::currentDateTime());
+        return;
+    }
+    // What is lost at exit is mostly what was typed into the channel list and
+    // never saved, so the exit backup holds the grid as it stands. The image
+    // itself stays as it is: closing other than by Exit commits nothing.
+    const MemoryImage image = app().image;
+    m_channels->SaveData();
+    Backups::keep(folder, app().image, reason, QDateTime::currentDateTime());
+    app().image = image;
 }
 
 void MDIForm1::dragEnterEvent(QDragEnterEvent *event)
