@@ -83,15 +83,22 @@ enum Panel { PortPanel, DatePanel, ClockPanel, EmptyPanel, VersionPanel, PanelCo
 // The tree node's data holding the QAction a click runs.
 constexpr int CommandRole = Qt::UserRole + 1;
 
-// The data file a drag brings: one local file named *.tw, or "" for anything
-// else, which the window then refuses.
-QString draggedDataFile(const QMimeData *data)
+// The data file a drag brings: one local file named *.tw. The window takes
+// it as a copy, since it only reads it: taken as a move (Shift held), the
+// file manager would delete the file afterwards. Anything else it refuses
+// and gives "".
+QString acceptDataFile(QDropEvent *event)
 {
-    const QList<QUrl> urls = data ? data->urls() : QList<QUrl>();
-    if (urls.size() != 1 || !urls.first().isLocalFile())
+    const QList<QUrl> urls = event->mimeData() ? event->mimeData()->urls() : QList<QUrl>();
+    const QString path = urls.size() == 1 && urls.first().isLocalFile() ? urls.first().toLocalFile() : QString();
+    if (QFileInfo(path).suffix().compare(u"tw", Qt::CaseInsensitive) != 0
+        || !(event->possibleActions() & Qt::CopyAction)) {
+        event->ignore();
         return {};
-    const QString path = urls.first().toLocalFile();
-    return QFileInfo(path).suffix().compare(u"tw", Qt::CaseInsensitive) == 0 ? path : QString();
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    return path;
 }
 
 } // namespace
@@ -677,16 +684,19 @@ void MDIForm1::keepBackup(BackupReason reason)
 
 void MDIForm1::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (!draggedDataFile(event->mimeData()).isEmpty())
-        event->acceptProposedAction();
+    acceptDataFile(event);
+}
+
+void MDIForm1::dragMoveEvent(QDragMoveEvent *event)
+{
+    acceptDataFile(event);
 }
 
 void MDIForm1::dropEvent(QDropEvent *event)
 {
-    const QString path = draggedDataFile(event->mimeData());
+    const QString path = acceptDataFile(event);
     if (path.isEmpty())
         return;
-    event->acceptProposedAction();
     // The program the file came from waits until the drop is over; the
     // questions of Open come after that.
     QTimer::singleShot(0, this, [this, path] { openFile(path); });

@@ -238,18 +238,23 @@ private Q_SLOTS:
     void dropOnWindow_data()
     {
         QTest::addColumn<QStringList>("names");
+        QTest::addColumn<Qt::KeyboardModifiers>("keys"); // Shift proposes a move
         QTest::addColumn<int>("answer"); // to "File has been modified, save it now?", 0 = drop refused
         QTest::addColumn<bool>("opened");
-        QTest::newRow("No: the file opens") << QStringList{u"other.tw"_s} << int(QMessageBox::No) << true;
-        QTest::newRow("Cancel keeps the edits") << QStringList{u"other.tw"_s} << int(QMessageBox::Cancel) << false;
-        QTest::newRow("suffix in capitals") << QStringList{u"OTHER.TW"_s} << int(QMessageBox::No) << true;
-        QTest::newRow("another kind of file refused") << QStringList{u"other.csv"_s} << 0 << false;
-        QTest::newRow("two files refused") << QStringList{u"other.tw"_s, u"more.tw"_s} << 0 << false;
+        const QStringList one{u"other.tw"_s};
+        const Qt::KeyboardModifiers none = Qt::NoModifier, shift = Qt::ShiftModifier;
+        QTest::newRow("No: the file opens") << one << none << int(QMessageBox::No) << true;
+        QTest::newRow("Cancel keeps the edits") << one << none << int(QMessageBox::Cancel) << false;
+        QTest::newRow("Shift held: still a copy") << one << shift << int(QMessageBox::No) << true;
+        QTest::newRow("suffix in capitals") << QStringList{u"OTHER.TW"_s} << none << int(QMessageBox::No) << true;
+        QTest::newRow("another kind of file refused") << QStringList{u"other.csv"_s} << none << 0 << false;
+        QTest::newRow("two files refused") << QStringList{u"other.tw"_s, u"more.tw"_s} << none << 0 << false;
     }
 
     void dropOnWindow()
     {
         QFETCH(QStringList, names);
+        QFETCH(Qt::KeyboardModifiers, keys);
         QFETCH(int, answer);
         QFETCH(bool, opened);
         const QByteArray otherImage = ShellHarness::imageWithChannels(20, 5);
@@ -263,22 +268,23 @@ private Q_SLOTS:
         data.setUrls(urls);
         QWidget *target = h->window->channelList()->grid()->viewport();
         const QPoint where = target->rect().center();
-        QDragEnterEvent enter(where, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(target, &enter);
-        QCOMPARE(enter.isAccepted(), answer != 0);
-        if (answer) {
+        const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
+        QDragEnterEvent enter(where, actions, &data, Qt::LeftButton, keys);
+        QDragMoveEvent move(where, actions, &data, Qt::LeftButton, keys);
+        QDropEvent drop(where, actions, &data, Qt::LeftButton, keys);
+        if (answer)
             wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
-            QDropEvent drop(where, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(target, &drop);
-            QVERIFY(drop.isAccepted());
-            QCOMPARE(drop.dropAction(), Qt::CopyAction); // the file stays where it is
-            QTRY_COMPARE(ShellHarness::shownBoxes(), QStringList{u"Warning||File has been modified, save it now?"_s});
+        for (QDropEvent *event : {static_cast<QDropEvent *>(&enter), static_cast<QDropEvent *>(&move), &drop}) {
+            QApplication::sendEvent(target, event);
+            QCOMPARE(event->isAccepted(), answer != 0);
+            if (answer)
+                QCOMPARE(event->dropAction(), Qt::CopyAction); // the file stays where it is
         }
+        if (answer)
+            QTRY_COMPARE(ShellHarness::shownBoxes(), QStringList{u"Warning||File has been modified, save it now?"_s});
         QCOMPARE(wr::app().image.bytes() == otherImage, opened);
         QCOMPARE(h->gridRx(20), opened ? u"450.12500"_s : QString());
         QCOMPARE(h->gridRx(1), opened ? QString() : u"145.50000"_s);
-        for (const QString &name : names)
-            QVERIFY(QFile::exists(h->fixture.path(name)));
     }
 
     // Names typed into the save dialog without a suffix get ".tw"; the file
