@@ -49,10 +49,9 @@ public:
     // "tw Files (*.tw)", the filter of both file dialogs.
     static QString DataFileFilter();
 
+private:
     // The folder the dialogs open in; "" when none is known or it is gone.
     QString dialogFolder() const;
-
-private:
     bool saveModifiedFirst();
     bool load(const QString &path);
     QString askSaveName(const QString &proposed);
