@@ -2,8 +2,13 @@
 
 #include "core/AppState.h"
 #include "core/Language.h"
+#include "core/SettingsStore.h"
 #include "file/DataFile.h"
 #include "ui/MessageBox.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
@@ -33,26 +38,49 @@ QString saveDialogTitle()
     return text({u"Save As", u"另存为", u"另存為"});
 }
 
-// Takes a chosen name as the current file once the image is in it.
-bool saveTo(QWidget *parent, const QString &path)
+// The dialogs' folder, under a key of its own so that the three start-up
+// values keep their key to themselves. It is kept as a file URL: plain ASCII,
+// which survives a store that keeps texts in a narrow code page.
+QString folderKey()
 {
-    if (!WriteDataFile(parent, path))
-        return false;
-    app().CurrentFileName = path;
-    return true;
+    return SettingsStore::keyPath() + u"\\File Dialogs"_s;
 }
+
+const QString FolderValue = u"Folder"_s;
 
 } // namespace
 
-QString DataFileFilter()
+FileCommands::FileCommands(QWidget *parent, SettingsStore &settings)
+    : m_parent(parent)
+    , m_settings(settings)
+{
+}
+
+QString FileCommands::DataFileFilter()
 {
     return u"tw Files (*.tw)"_s;
 }
 
-bool FileNew(QWidget *parent)
+QString FileCommands::dialogFolder() const
+{
+    const QString stored = m_settings.GetKeyValue(SettingsStore::Root::LocalMachine, folderKey(), FolderValue);
+    const QString folder = QUrl(stored).toLocalFile();
+    return !folder.isEmpty() && QFileInfo(folder).isDir() ? folder : QString();
+}
+
+void FileCommands::rememberFolder(const QString &file)
+{
+    const QString folder = QFileInfo(file).absolutePath();
+    if (!QFileInfo(folder).isDir())
+        return;
+    const QString url = QUrl::fromLocalFile(folder).toString(QUrl::FullyEncoded);
+    m_settings.SetKeyValue(SettingsStore::Root::LocalMachine, folderKey(), FolderValue, url);
+}
+
+bool FileCommands::FileNew()
 {
     const MessageBox::Button answer = MessageBox::show(
-        parent, QMessageBox::Warning, text(Words::Alert),
+        m_parent, QMessageBox::Warning, text(Words::Alert),
         text({u"All data will be cleared.", u"所有数据将被清空。", u"所有數據將被清空。"}),
         QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Cancel);
     if (answer != QMessageBox::Ok)
@@ -61,29 +89,52 @@ bool FileNew(QWidget *parent)
     return true;
 }
 
-bool FileOpen(QWidget *parent)
+bool FileCommands::saveModifiedFirst()
 {
     AppState &state = app();
-    if (state.image.IsModified()) {
-        // The Traditional Chinese interface asks in Simplified Chinese too.
-        const MessageBox::Button answer = MessageBox::show(
-            parent, QMessageBox::Warning, QString(),
-            text({u"File has been modified, save it now?", u"文件已被修改，是否保存？", u"文件已被修改，是否保存？"}),
-            QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
-        if (answer == QMessageBox::Yes) {
-            if (!FileSave(parent))
-                return false;
-            state.image.TakeSnapshot();
-        } else if (answer != QMessageBox::No) {
-            return false;
-        }
-    }
+    if (!state.image.IsModified())
+        return true;
+    // The Traditional Chinese interface asks in Simplified Chinese too.
+    const MessageBox::Button answer = MessageBox::show(
+        m_parent, QMessageBox::Warning, QString(),
+        text({u"File has been modified, save it now?", u"文件已被修改，是否保存？", u"文件已被修改，是否保存？"}),
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
+    if (answer == QMessageBox::No)
+        return true;
+    if (answer != QMessageBox::Yes || !FileSave())
+        return false;
+    state.image.TakeSnapshot();
+    return true;
+}
 
-    const QString path = FileDialog::getOpenFileName(parent, text({u"Open", u"打开", u"打開"}), QString(),
+bool FileCommands::FileOpen()
+{
+    if (!saveModifiedFirst())
+        return false;
+    const QString path = FileDialog::getOpenFileName(m_parent, text({u"Open", u"打开", u"打開"}), dialogFolder(),
                                                      DataFileFilter());
     if (path.isEmpty())
         return false;
+    return load(path);
+}
 
+bool FileCommands::FileOpen(const QString &path)
+{
+    return saveModifiedFirst() && load(path);
+}
+
+bool FileCommands::load(const QString &path)
+{
+    rememberFolder(path);
+    if (!QFileInfo::exists(path)) {
+        // Reached from outside the program, a name may well be wrong; say which.
+        MessageBox::show(m_parent, QMessageBox::Critical, text(Words::Error),
+                         text({u"The file does not exist.", u"文件不存在。", u"文件不存在。"}) + u'\n'
+                             + QDir::toNativeSeparators(path));
+        return false;
+    }
+
+    AppState &state = app();
     const DataFile::ReadResult result = DataFile::Read(path);
     switch (result.status) {
     case DataFile::ReadStatus::Ok:
@@ -92,45 +143,78 @@ bool FileOpen(QWidget *parent)
         state.LoadBandLimits();
         return true;
     case DataFile::ReadStatus::WrongType:
-        MessageBox::show(parent, QMessageBox::Critical, ModelName(), incorrectFileType());
+        MessageBox::show(m_parent, QMessageBox::Critical, ModelName(), incorrectFileType());
         return false;
     case DataFile::ReadStatus::Damaged:
-        MessageBox::show(parent, QMessageBox::Critical, text(Words::Error), incorrectFileType());
+        MessageBox::show(m_parent, QMessageBox::Critical, text(Words::Error), incorrectFileType());
         return false;
     case DataFile::ReadStatus::CannotOpen:
-        MessageBox::show(parent, QMessageBox::Critical, text(Words::Error), result.errorString);
+        MessageBox::show(m_parent, QMessageBox::Critical, text(Words::Error), result.errorString);
         return false;
     }
     return false;
 }
 
-bool FileSave(QWidget *parent)
+// The save dialog; a name typed without a suffix gets ".tw". The dialog's own
+// overwrite question was about the name as typed, so when the name with the
+// suffix exists the question is asked again for that file, and No goes back to
+// the dialog.
+QString FileCommands::askSaveName(const QString &proposed)
+{
+    QString start = proposed;
+    if (const QString folder = dialogFolder(); !folder.isEmpty() && QFileInfo(start).fileName() == start)
+        start = QDir(folder).filePath(start);
+    for (;;) {
+        QString path = FileDialog::getSaveFileName(m_parent, saveDialogTitle(), start, DataFileFilter());
+        if (path.isEmpty())
+            return {};
+        rememberFolder(path);
+        if (!QFileInfo(path).suffix().isEmpty())
+            return path;
+        path += path.endsWith(u'.') ? u"tw"_s : u".tw"_s;
+        if (!QFileInfo::exists(path))
+            return path;
+        const MessageBox::Button answer = MessageBox::show(
+            m_parent, QMessageBox::Warning, ModelName(),
+            text({u"%1 already exists.\nDo you want to replace it?", u"%1 已存在。\n要替换它吗？",
+                  u"%1 已存在。\n要替換它嗎？"})
+                .arg(QFileInfo(path).fileName()),
+            QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+        if (answer == QMessageBox::Yes)
+            return path;
+        start = path;
+    }
+}
+
+bool FileCommands::saveTo(const QString &path)
+{
+    if (!WriteDataFile(path))
+        return false;
+    app().CurrentFileName = path;
+    return true;
+}
+
+bool FileCommands::FileSave()
 {
     if (app().CurrentFileName != untitled())
-        return saveTo(parent, app().CurrentFileName);
-    const QString path =
-        FileDialog::getSaveFileName(parent, saveDialogTitle(), untitled() + u".tw"_s, DataFileFilter());
-    if (path.isEmpty())
-        return false;
-    return saveTo(parent, path);
+        return saveTo(app().CurrentFileName);
+    const QString path = askSaveName(untitled() + u".tw"_s);
+    return !path.isEmpty() && saveTo(path);
 }
 
-bool FileSaveAs(QWidget *parent)
+bool FileCommands::FileSaveAs()
 {
     const QString current = app().CurrentFileName;
-    const QString proposed = current == untitled() ? untitled() + u".tw"_s : current;
-    const QString path = FileDialog::getSaveFileName(parent, saveDialogTitle(), proposed, DataFileFilter());
-    if (path.isEmpty())
-        return false;
-    return saveTo(parent, path);
+    const QString path = askSaveName(current == untitled() ? untitled() + u".tw"_s : current);
+    return !path.isEmpty() && saveTo(path);
 }
 
-bool WriteDataFile(QWidget *parent, const QString &path)
+bool FileCommands::WriteDataFile(const QString &path)
 {
     QString error;
     if (DataFile::Write(path, app().image, &error))
         return true;
-    MessageBox::show(parent, QMessageBox::Warning, ModelName(), error);
+    MessageBox::show(m_parent, QMessageBox::Warning, ModelName(), error);
     return false;
 }
 

@@ -3,6 +3,7 @@
 #include "channels/frmChannel.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
+#include "file/Backups.h"
 #include "link/frmclone.h"
 #include "shell/AppIcon.h"
 #include "shell/FileCommands.h"
@@ -17,6 +18,9 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QDate>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
@@ -24,6 +28,7 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QScreen>
 #include <QShowEvent>
 #include <QStyle>
@@ -35,6 +40,7 @@
 #include <QToolBar>
 #include <QToolButton>
 #include <QTreeWidget>
+#include <QUrl>
 #include <QVBoxLayout>
 
 #include <span>
@@ -77,6 +83,24 @@ enum Panel { PortPanel, DatePanel, ClockPanel, EmptyPanel, VersionPanel, PanelCo
 // The tree node's data holding the QAction a click runs.
 constexpr int CommandRole = Qt::UserRole + 1;
 
+// The data file a drag brings: one local file named *.tw. The window takes
+// it as a copy, since it only reads it: taken as a move (Shift held), the
+// file manager would delete the file afterwards. Anything else it refuses
+// and gives "".
+QString acceptDataFile(QDropEvent *event)
+{
+    const QList<QUrl> urls = event->mimeData() ? event->mimeData()->urls() : QList<QUrl>();
+    const QString path = urls.size() == 1 && urls.first().isLocalFile() ? urls.first().toLocalFile() : QString();
+    if (QFileInfo(path).suffix().compare(u"tw", Qt::CaseInsensitive) != 0
+        || !(event->possibleActions() & Qt::CopyAction)) {
+        event->ignore();
+        return {};
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    return path;
+}
+
 } // namespace
 
 MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
@@ -87,6 +111,7 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
     setObjectName(u"MDIForm1"_s);
     setWindowIcon(AppIcon());
     setWindowTitle(ModelName());
+    setAcceptDrops(true);
 
     // The tree of editors sits in a plain panel on the left, beside the
     // document area that holds the channel list.
@@ -451,7 +476,7 @@ void MDIForm1::showChannelList()
 
 void MDIForm1::fileNew()
 {
-    if (FileNew(this))
+    if (FileCommands(this, *m_settings).FileNew())
         RefreshMainWindow();
 }
 
@@ -461,18 +486,27 @@ void MDIForm1::fileOpen()
     // the image before the modified test, so the question can protect them.
     if (m_channels)
         m_channels->SaveData();
-    if (FileOpen(this))
+    if (FileCommands(this, *m_settings).FileOpen())
+        RefreshMainWindow();
+}
+
+void MDIForm1::openFile(const QString &path)
+{
+    CommitChannelEdit();
+    if (m_channels)
+        m_channels->SaveData();
+    if (FileCommands(this, *m_settings).FileOpen(path))
         RefreshMainWindow();
 }
 
 void MDIForm1::fileSave()
 {
-    FileSave(this);
+    FileCommands(this, *m_settings).FileSave();
 }
 
 void MDIForm1::fileSaveAs()
 {
-    FileSaveAs(this);
+    FileCommands(this, *m_settings).FileSaveAs();
 }
 
 void MDIForm1::fileExit()
@@ -539,6 +573,7 @@ void MDIForm1::runTransfer()
     QPointer<frmclone> form = new frmclone(this);
     connect(form, &frmclone::portNumberChanged, this, &MDIForm1::showPortPanel);
     connect(form, &frmclone::readCompleted, this, &MDIForm1::RefreshMainWindow);
+    connect(form, &frmclone::readCompleted, this, [this] { keepBackup(BackupReason::Read); });
     form->exec();
     delete form.data();
     // A cancelled scan puts the chosen port back.
@@ -620,7 +655,51 @@ void MDIForm1::closeEvent(QCloseEvent *event)
 {
     // Closing by any means writes the settings back; only Exit commits.
     SaveSettings(app(), *m_settings);
+    keepBackup(BackupReason::Exit);
     QMainWindow::closeEvent(event);
+}
+
+void MDIForm1::setBackupFolder(const QString &folder)
+{
+    m_backupFolder = folder;
+}
+
+// A backup is kept behind the user's back: whatever becomes of it, the read or
+// the exit that caused it goes on as if there were none.
+void MDIForm1::keepBackup(BackupReason reason)
+{
+    const QString folder = m_backupFolder.isEmpty() ? Backups::defaultFolder() : m_backupFolder;
+    if (reason == BackupReason::Read || !m_channels) {
+        Backups::keep(folder, app().image, reason, QDateTime::currentDateTime());
+        return;
+    }
+    // What is lost at exit is mostly what was typed into the channel list and
+    // never saved, so the exit backup holds the grid as it stands. The image
+    // itself stays as it is: closing other than by Exit commits nothing.
+    const MemoryImage image = app().image;
+    m_channels->SaveData();
+    Backups::keep(folder, app().image, reason, QDateTime::currentDateTime());
+    app().image = image;
+}
+
+void MDIForm1::dragEnterEvent(QDragEnterEvent *event)
+{
+    acceptDataFile(event);
+}
+
+void MDIForm1::dragMoveEvent(QDragMoveEvent *event)
+{
+    acceptDataFile(event);
+}
+
+void MDIForm1::dropEvent(QDropEvent *event)
+{
+    const QString path = acceptDataFile(event);
+    if (path.isEmpty())
+        return;
+    // The program the file came from waits until the drop is over; the
+    // questions of Open come after that.
+    QTimer::singleShot(0, this, [this, path] { openFile(path); });
 }
 
 } // namespace wr

@@ -23,6 +23,7 @@ namespace wr {
 
 class SettingsStore;
 class frmChannel;
+enum class BackupReason;
 
 // The main window: menus, toolbar, the tree of editors, the status bar and
 // the channel list as its child window. It runs the start-up sequence when
@@ -59,6 +60,14 @@ public:
     // The channel list, or null while it is closed.
     frmChannel *channelList() const;
 
+    // Runs Open with a file chosen outside the program (given on the command
+    // line or dropped on the window): the modified question, then the file.
+    void openFile(const QString &path);
+
+    // Where the automatic backups go; the application data folder's unless a
+    // test gives a folder of its own.
+    void setBackupFolder(const QString &folder);
+
     // How much a command commits before it runs.
     enum class Commit {
         Nothing,
@@ -69,6 +78,9 @@ public:
 protected:
     void closeEvent(QCloseEvent *event) override;
     void showEvent(QShowEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     using Handler = void (MDIForm1::*)();
@@ -114,6 +126,7 @@ private:
     void openMemoryMap();
 
     void Tree0_NodeClick(QTreeWidgetItem *node);
+    void keepBackup(BackupReason reason);
 
     std::unique_ptr<SettingsStore> m_ownedSettings;
     SettingsStore *m_settings;
@@ -127,6 +140,7 @@ private:
     QList<QLabel *> m_panels; // MSBar panels 1-5
     QList<std::pair<QAction *, Text>> m_captions;
     bool m_shownOnce = false;
+    QString m_backupFolder;
 };
 
 } // namespace wr

@@ -3,6 +3,10 @@
 #include "shell/MDIForm1.h"
 
 #include <QApplication>
+#include <QCommandLineParser>
+#include <QTimer>
+
+#include <cstdio>
 
 int main(int argc, char *argv[])
 {
@@ -11,7 +15,23 @@ int main(int argc, char *argv[])
     QApplication::setWindowIcon(wr::AppIcon());
     QGuiApplication::setDesktopFileName(QStringLiteral("io.github.wrpd6t.wrpd6t"));
 
+    // The file manager starts the program with the .tw file the user opened.
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Programming software for the WR-PD6T handheld FM radio."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("A .tw data file to open."),
+                                 QStringLiteral("[FILE.tw]"));
+    parser.process(application);
+    const QStringList files = parser.positionalArguments();
+    if (files.size() > 1) {
+        std::fputs("wrpd6t: give at most one file to open\n", stderr);
+        return 1;
+    }
+
     wr::MDIForm1 window;
     window.show();
+    if (!files.isEmpty())
+        QTimer::singleShot(0, &window, [&window, file = files.first()] { window.openFile(file); });
     return application.exec();
 }

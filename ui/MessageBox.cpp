@@ -23,6 +23,7 @@ MessageBoxHooks &hooks()
 struct FileDialogHooks
 {
     QQueue<QString> names;
+    QStringList history;
 };
 
 FileDialogHooks &fileHooks()
@@ -91,6 +92,7 @@ void MessageBox::reset()
 QString FileDialog::getOpenFileName(QWidget *parent, const QString &title, const QString &directory,
                                     const QString &filter)
 {
+    fileHooks().history.append(directory);
     if (!fileHooks().names.isEmpty())
         return fileHooks().names.dequeue();
     return QFileDialog::getOpenFileName(parent, title, directory, filter, nullptr,
@@ -100,6 +102,7 @@ QString FileDialog::getOpenFileName(QWidget *parent, const QString &title, const
 QString FileDialog::getSaveFileName(QWidget *parent, const QString &title, const QString &proposed,
                                     const QString &filter)
 {
+    fileHooks().history.append(proposed);
     if (!fileHooks().names.isEmpty())
         return fileHooks().names.dequeue();
     return QFileDialog::getSaveFileName(parent, title, proposed, filter);
@@ -108,6 +111,11 @@ QString FileDialog::getSaveFileName(QWidget *parent, const QString &title, const
 void FileDialog::setNextFileName(const QString &fileName)
 {
     fileHooks().names.enqueue(fileName);
+}
+
+QStringList FileDialog::history()
+{
+    return fileHooks().history;
 }
 
 void FileDialog::reset()

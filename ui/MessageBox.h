@@ -3,6 +3,7 @@
 #include <QList>
 #include <QMessageBox>
 #include <QString>
+#include <QStringList>
 
 class QWidget;
 
@@ -51,10 +52,12 @@ public:
     static QString getSaveFileName(QWidget *parent, const QString &title, const QString &proposed,
                                    const QString &filter);
 
-    // Test hook: the next dialog returns this name without being shown; an
-    // empty name answers as a cancelled dialog.
+    // Test hooks. The next dialog returns this name without being shown; an
+    // empty name answers as a cancelled dialog. history() lists the folder or
+    // proposed name each dialog opened with, answered or shown.
     static void setNextFileName(const QString &fileName);
-    static void reset();
+    static QStringList history();
+    static void reset(); // names and history
 };
 
 } // namespace wr

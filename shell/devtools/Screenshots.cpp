@@ -72,6 +72,7 @@ int main(int argc, char *argv[])
         const QString tag = QString::fromLatin1(suffix[language]);
 
         wr::MDIForm1 window(&settings);
+        window.setBackupFolder(settingsFolder.filePath(QStringLiteral("backups")));
         fillSomeChannels(wr::app());
         window.RefreshMainWindow();
         save(&window, folder, QStringLiteral("main-window-") + tag);

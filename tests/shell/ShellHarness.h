@@ -26,10 +26,10 @@
 
 namespace wr::test {
 
-// A main window on a settings file of the test's own, with the message box,
-// file dialog and port list seams reset. Unexpected message boxes answer
-// their default button so a test never hangs on one; history() shows them
-// all the same.
+// A main window on a settings file and a data folder of the test's own, with
+// the message box, file dialog and port list seams reset. Unexpected message
+// boxes answer their default button so a test never hangs on one; history()
+// shows them all the same.
 class ShellHarness
 {
 public:
@@ -63,8 +63,12 @@ public:
         if (language >= 0)
             storeSetting(QStringLiteral("language"), QString::number(language));
         window = std::make_unique<MDIForm1>(&settings);
+        window->setBackupFolder(backupFolder());
         return *window;
     }
+    // The automatic backups go to the test's own data folder.
+    QString dataFolder() const { return fixture.path(QStringLiteral("data")); }
+    QString backupFolder() const { return dataFolder() + QStringLiteral("/backups"); }
 
     QAction *action(const QString &name) const
     {

@@ -1,8 +1,13 @@
-// New, Open, Save and Save As through the main window's menu: the questions,
-// the file names, and that a failure never changes the image or the files.
+// New, Open, Save and Save As through the main window's menu, and files
+// opened from outside (command line, drop): the questions, the file names and
+// folders, and that a failure never changes the image or the files.
 #include "ShellHarness.h"
 
+#include <QDir>
 #include <QFile>
+#include <QMimeData>
+#include <QProcess>
+#include <QUrl>
 
 #include <csignal>
 #include <optional>
@@ -16,6 +21,20 @@ namespace {
 QString rxInFile(const QString &path, int channel)
 {
     return ShellHarness::rxOf(wr::DataFile::Read(path).image, channel);
+}
+
+QByteArray freshImage()
+{
+    wr::MemoryImage image;
+    image.InitImage();
+    return image.bytes();
+}
+
+QByteArray fileOf(const QByteArray &bytes)
+{
+    wr::MemoryImage image;
+    image.setBytes(bytes);
+    return wr::DataFile::Encode(image).value_or(QByteArray());
 }
 
 } // namespace
@@ -159,6 +178,202 @@ private Q_SLOTS:
         QCOMPARE(wr::app().CurrentFileName, u"Untitled"_s); // the failed name is not taken
         QVERIFY(!ShellHarness::imageRx(100).isEmpty());
         QVERIFY(ShellHarness::imageRx(101).isEmpty());
+    }
+
+    // What the program does with the file it is started with.
+    void openFileFromCommandLine_data()
+    {
+        QTest::addColumn<QByteArray>("content"); // null: there is no such file
+        QTest::addColumn<QString>("shown");      // "%1" stands for the file's path
+        const QByteArray good = fileOf(ShellHarness::imageWithChannels(20, 5));
+        QTest::newRow("good file") << good << QString();
+        QTest::newRow("damaged file") << good.left(40) + good.right(1) << u"Critical|Error|Incorrect File Type."_s;
+        QTest::newRow("missing file") << QByteArray() << u"Critical|Error|The file does not exist.\n%1"_s;
+    }
+
+    void openFileFromCommandLine()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QString, shown);
+        const QString path = h->fixture.path(u"customer.tw"_s);
+        if (!content.isNull())
+            QVERIFY(wr::test::writeFile(path, content));
+        wr::app().BandLimits[0] = 140;
+        h->window->openFile(path);
+
+        const bool opened = shown.isEmpty();
+        QCOMPARE(ShellHarness::shownBoxes(), opened ? QStringList() : QStringList{QString(shown).replace(u"%1"_s, path)});
+        QCOMPARE(wr::app().image.bytes(), opened ? ShellHarness::imageWithChannels(20, 5) : freshImage());
+        QVERIFY(!wr::app().image.IsModified());
+        QCOMPARE(wr::app().BandLimits[0], opened ? 136 : 140);
+        QCOMPARE(h->gridRx(20), opened ? u"450.12500"_s : QString());
+        QCOMPARE(wr::app().CurrentFileName, u"Untitled"_s);
+    }
+
+    // The program itself: what it accepts on its command line before any
+    // window opens.
+    void commandLine_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("output"); // on standard output, or standard error on failure
+        QTest::newRow("version") << QStringList{u"--version"_s} << 0 << u"wrpd6t 1.03\n"_s;
+        QTest::newRow("two files") << QStringList{u"a.tw"_s, u"b.tw"_s} << 1 << u"wrpd6t: give at most one file"_s;
+    }
+
+    void commandLine()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(int, exitCode);
+        QFETCH(QString, output);
+        QProcess program;
+        program.start(QStringLiteral(WRPD6T_PROGRAM), arguments);
+        QVERIFY(program.waitForFinished(20000));
+        QCOMPARE(program.exitCode(), exitCode);
+        const QString written = QString::fromUtf8(exitCode ? program.readAllStandardError() : program.readAllStandardOutput());
+        QVERIFY2(written.contains(output), qPrintable(written));
+    }
+
+    // Files dropped on the channel list, which covers most of the window.
+    void dropOnWindow_data()
+    {
+        QTest::addColumn<QStringList>("names");
+        QTest::addColumn<Qt::KeyboardModifiers>("keys"); // Shift proposes a move
+        QTest::addColumn<int>("answer"); // to "File has been modified, save it now?", 0 = drop refused
+        QTest::addColumn<bool>("opened");
+        const QStringList one{u"other.tw"_s};
+        const Qt::KeyboardModifiers none = Qt::NoModifier, shift = Qt::ShiftModifier;
+        QTest::newRow("No: the file opens") << one << none << int(QMessageBox::No) << true;
+        QTest::newRow("Cancel keeps the edits") << one << none << int(QMessageBox::Cancel) << false;
+        QTest::newRow("Shift held: still a copy") << one << shift << int(QMessageBox::No) << true;
+        QTest::newRow("suffix in capitals") << QStringList{u"OTHER.TW"_s} << none << int(QMessageBox::No) << true;
+        QTest::newRow("another kind of file refused") << QStringList{u"other.csv"_s} << none << 0 << false;
+        QTest::newRow("two files refused") << QStringList{u"other.tw"_s, u"more.tw"_s} << none << 0 << false;
+    }
+
+    void dropOnWindow()
+    {
+        QFETCH(QStringList, names);
+        QFETCH(Qt::KeyboardModifiers, keys);
+        QFETCH(int, answer);
+        QFETCH(bool, opened);
+        const QByteArray otherImage = ShellHarness::imageWithChannels(20, 5);
+        QList<QUrl> urls;
+        for (const QString &name : names) {
+            QVERIFY(ShellHarness::writeDataFile(h->fixture.path(name), otherImage));
+            urls << QUrl::fromLocalFile(h->fixture.path(name));
+        }
+        h->editRx(1, u"145.5"_s);
+        QMimeData data;
+        data.setUrls(urls);
+        QWidget *target = h->window->channelList()->grid()->viewport();
+        const QPoint where = target->rect().center();
+        const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
+        QDragEnterEvent enter(where, actions, &data, Qt::LeftButton, keys);
+        QDragMoveEvent move(where, actions, &data, Qt::LeftButton, keys);
+        QDropEvent drop(where, actions, &data, Qt::LeftButton, keys);
+        if (answer)
+            wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
+        for (QDropEvent *event : {static_cast<QDropEvent *>(&enter), static_cast<QDropEvent *>(&move), &drop}) {
+            QApplication::sendEvent(target, event);
+            QCOMPARE(event->isAccepted(), answer != 0);
+            if (answer)
+                QCOMPARE(event->dropAction(), Qt::CopyAction); // the file stays where it is
+        }
+        if (answer)
+            QTRY_COMPARE(ShellHarness::shownBoxes(), QStringList{u"Warning||File has been modified, save it now?"_s});
+        QCOMPARE(wr::app().image.bytes() == otherImage, opened);
+        QCOMPARE(h->gridRx(20), opened ? u"450.12500"_s : QString());
+        QCOMPARE(h->gridRx(1), opened ? QString() : u"145.50000"_s);
+    }
+
+    // Names typed into the save dialog without a suffix get ".tw"; the file
+    // then written must not replace another without asking.
+    void saveAsAddsSuffix_data()
+    {
+        QTest::addColumn<QStringList>("typed");    // into successive dialogs; "" cancels
+        QTest::addColumn<QString>("existing");     // a file there before, "" for none
+        QTest::addColumn<QList<int>>("answers");   // to "... already exists."
+        QTest::addColumn<QString>("written");      // "" for none
+        QTest::newRow("no suffix") << QStringList{u"radio"_s} << QString() << QList<int>{} << u"radio.tw"_s;
+        QTest::newRow("a dot at the end") << QStringList{u"radio."_s} << QString() << QList<int>{} << u"radio.tw"_s;
+        QTest::newRow("a suffix of its own") << QStringList{u"radio.bak"_s} << QString() << QList<int>{} << u"radio.bak"_s;
+        QTest::newRow("suffixed name taken, Yes replaces it") << QStringList{u"radio"_s} << u"radio.tw"_s
+                                                              << QList<int>{QMessageBox::Yes} << u"radio.tw"_s;
+        QTest::newRow("suffixed name taken, No asks again") << QStringList{u"radio"_s, u"copy"_s} << u"radio.tw"_s
+                                                            << QList<int>{QMessageBox::No} << u"copy.tw"_s;
+        QTest::newRow("suffixed name taken, No, then cancelled") << QStringList{u"radio"_s, QString()} << u"radio.tw"_s
+                                                                 << QList<int>{QMessageBox::No} << QString();
+    }
+
+    void saveAsAddsSuffix()
+    {
+        QFETCH(QStringList, typed);
+        QFETCH(QString, existing);
+        QFETCH(QList<int>, answers);
+        QFETCH(QString, written);
+        if (!existing.isEmpty())
+            QVERIFY(wr::test::writeFile(h->fixture.path(existing), "theirs"));
+        for (const QString &name : typed)
+            wr::FileDialog::setNextFileName(name.isEmpty() ? QString() : h->fixture.path(name));
+        for (int answer : answers)
+            wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
+        h->editRx(7, u"439.5"_s);
+        h->trigger(u"mnuFile_SaveAs"_s);
+
+        QStringList questions;
+        for (qsizetype i = 0; i < answers.size(); ++i)
+            questions << u"Warning|WR-PD6T|%1 already exists.\nDo you want to replace it?"_s.arg(existing);
+        QCOMPARE(ShellHarness::shownBoxes(), questions);
+        // A dialog that comes back starts from the name that was refused.
+        QStringList proposed{u"Untitled.tw"_s};
+        if (typed.size() > 1)
+            proposed << h->fixture.path(existing);
+        QCOMPARE(wr::FileDialog::history(), proposed);
+        QCOMPARE(wr::app().CurrentFileName, written.isEmpty() ? u"Untitled"_s : h->fixture.path(written));
+        if (!written.isEmpty())
+            QCOMPARE(rxInFile(h->fixture.path(written), 7), u"439.50000"_s);
+        if (!existing.isEmpty() && existing != written)
+            QCOMPARE(wr::test::readFile(h->fixture.path(existing)), QByteArray("theirs"));
+        // No file under the name as typed.
+        QStringList files{u"settings.ini"_s, existing, written};
+        files.removeAll(QString());
+        files.removeDuplicates();
+        files.sort();
+        QCOMPARE(QDir(h->fixture.folder()).entryList(QDir::Files, QDir::Name), files);
+    }
+
+    // Open and save dialogs start in the folder of the file last opened or
+    // saved, in this run or an earlier one, by a dialog or from outside.
+    void dialogsRememberTheFolder()
+    {
+        const QString first = h->fixture.path(u"first"_s);
+        const QString second = h->fixture.path(u"客户 2"_s);
+        const QString third = h->fixture.path(u"third"_s);
+        for (const QString &folder : {first, second, third})
+            QVERIFY(QDir().mkpath(folder));
+        QVERIFY(ShellHarness::writeDataFile(first + u"/a.tw"_s, ShellHarness::imageWithChannels(1, 3)));
+        QVERIFY(ShellHarness::writeDataFile(third + u"/c.tw"_s, ShellHarness::imageWithChannels(1, 3)));
+
+        wr::FileDialog::setNextFileName(first + u"/a.tw"_s);
+        h->trigger(u"mnuFile_Open"_s);
+        wr::FileDialog::setNextFileName(second + u"/b.tw"_s);
+        h->trigger(u"mnuFile_SaveAs"_s);
+        QVERIFY(QFile::exists(second + u"/b.tw"_s));
+        // The next run.
+        h->window.reset();
+        h->open(0);
+        wr::FileDialog::setNextFileName(QString());
+        h->trigger(u"mnuFile_Open"_s);
+        h->window->openFile(third + u"/c.tw"_s);
+        wr::FileDialog::setNextFileName(QString());
+        h->trigger(u"mnuFile_Save"_s); // Untitled: Save asks for a name
+        QVERIFY(QDir(third).removeRecursively());
+        wr::FileDialog::setNextFileName(QString());
+        h->trigger(u"mnuFile_Open"_s);
+
+        QCOMPARE(wr::FileDialog::history(),
+                 QStringList({QString(), first + u"/Untitled.tw"_s, second, third + u"/Untitled.tw"_s, QString()}));
     }
 
     void fileNew_data()

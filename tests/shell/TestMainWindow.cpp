@@ -3,10 +3,13 @@
 // dialog and the about box.
 #include "ShellHarness.h"
 
+#include "file/Backups.h"
+
 #include "shell/QtTranslations.h"
 #include "ui/Twips.h"
 
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QGlyphRun>
 #include <QHeaderView>
@@ -267,17 +270,26 @@ private Q_SLOTS:
         QCOMPARE(h->gridRx(9), u"147.00000"_s);
     }
 
+    // Closing also keeps the memory as a backup, with what was typed into the
+    // grid; a backup that cannot be written goes unnoticed.
     void settingsWrittenAtClose_data()
     {
         QTest::addColumn<bool>("viaExit");
-        QTest::newRow("close box: settings, no commit") << false;
-        QTest::newRow("Exit item: commit, then settings") << true;
+        QTest::addColumn<bool>("backupBlocked"); // by a file named "backups"
+        QTest::newRow("close box: settings, no commit") << false << false;
+        QTest::newRow("Exit item: commit, then settings") << true << false;
+        QTest::newRow("close box, backups blocked") << false << true;
+        QTest::newRow("Exit item, backups blocked") << true << true;
     }
 
     void settingsWrittenAtClose()
     {
         QFETCH(bool, viaExit);
+        QFETCH(bool, backupBlocked);
+        if (backupBlocked)
+            QVERIFY(QDir().mkpath(h->dataFolder()) && wr::test::writeFile(h->backupFolder(), "in the way"));
         h->open();
+        h->window->show();
         wr::app().LanguageIndex = 2;
         wr::app().PortNumber = 17;
         wr::app().ModelIndex = 9;
@@ -290,6 +302,16 @@ private Q_SLOTS:
                  QStringList({u"9"_s, u"2"_s, u"17"_s}));
         QCOMPARE(wr::app().image.ReadByte(0x0CD0), viaExit ? 0x00 : 0x20);
         QCOMPARE(ShellHarness::imageRx(4).isEmpty(), !viaExit);
+        QVERIFY(!h->window->isVisible());
+        QCOMPARE(ShellHarness::shownBoxes(), QStringList());
+        const QList<wr::Backups::Entry> backups = wr::Backups::list(h->backupFolder());
+        if (backupBlocked) {
+            QCOMPARE(wr::test::readFile(h->backupFolder()), QByteArray("in the way"));
+        } else {
+            QCOMPARE(backups.size(), 1);
+            QCOMPARE(backups.first().reason, wr::BackupReason::Exit);
+            QCOMPARE(ShellHarness::rxOf(wr::DataFile::Read(backups.first().path).image, 4), u"438.10000"_s);
+        }
 
         // The next start reads them back.
         h->window.reset();

@@ -1,8 +1,11 @@
 // Write and Read through the main window's menu against the virtual radio
-// on a pseudo-terminal: the radio's memory and the refreshed channel list.
+// on a pseudo-terminal: the radio's memory, the refreshed channel list and
+// the backup of what was read.
 // Cancelled confirmations are in TestMainWindow's shortcuts; the port scan
 // is tested with the link.
 #include "ShellHarness.h"
+
+#include "file/Backups.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -103,6 +106,38 @@ private Q_SLOTS:
         QVERIFY(!wr::app().image.IsModified());
         QCOMPARE(wr::app().BandLimits[0], 136);
         QCOMPARE(h->gridRx(100), u"145.50000"_s);
+    }
+
+    // Every completed read is kept as a backup; a data folder that cannot
+    // take one changes nothing about the read.
+    void readKeepsBackup_data()
+    {
+        QTest::addColumn<bool>("blocked"); // by a file named "backups"
+        QTest::newRow("backup written") << false;
+        QTest::newRow("backups blocked") << true;
+    }
+
+    void readKeepsBackup()
+    {
+        QFETCH(bool, blocked);
+        const QString inRadio = h->fixture.path(u"in-radio.tw"_s);
+        QVERIFY(ShellHarness::writeDataFile(inRadio, ShellHarness::imageWithChannels(1, 40)));
+        if (blocked)
+            QVERIFY(QDir().mkpath(h->dataFolder()) && wr::test::writeFile(h->backupFolder(), "in the way"));
+        QVERIFY(startRadioAndWindow({u"--image"_s, inRadio}));
+        transfer(u"mnuRead"_s, u"Read data from radio.\nDo you wish to continue?"_s, u"Reading completed!"_s);
+
+        QCOMPARE(wr::MessageBox::history().size(), 2); // the question and "Reading completed!"
+        QCOMPARE(h->gridRx(40), u"440.12500"_s);
+        QVERIFY(!wr::app().image.IsModified());
+        const QList<wr::Backups::Entry> backups = wr::Backups::list(h->backupFolder());
+        if (blocked) {
+            QCOMPARE(wr::test::readFile(h->backupFolder()), QByteArray("in the way"));
+            return;
+        }
+        QCOMPARE(backups.size(), 1);
+        QCOMPARE(backups.first().reason, wr::BackupReason::Read);
+        QCOMPARE(wr::DataFile::Read(backups.first().path).image, wr::app().image.bytes());
     }
 };
 
