@@ -54,6 +54,15 @@ protected:
     // extends it.
     virtual void storeFields();
 
+    // A new control of the dialog, or of one of its groups, by objectName.
+    template <typename Control>
+    Control *makeControl(const QString &name, QWidget *parent = nullptr)
+    {
+        auto *control = new Control(parent ? parent : this);
+        control->setObjectName(name);
+        return control;
+    }
+
 private:
     MemoryImage &m_image;
     int m_language;
