@@ -7,8 +7,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
-#include <QPushButton>
-#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -124,21 +122,8 @@ frmKey::frmKey(MemoryImage &image, int language, QWidget *parent)
     top->addSpacing(12);
     top->addLayout(keys, 1);
 
-    auto *ok = makeControl<QPushButton>(u"CmdOK"_s);
-    auto *cancel = makeControl<QPushButton>(u"CmdCannel"_s);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(ok);
-    buttons->addWidget(cancel);
-
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(top);
-    layout->addSpacing(4);
-    layout->addLayout(buttons);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
-
+    layOutWithButtons(top, u"CmdOK"_s, u"CmdCannel"_s);
     bindFields(KeyFields);
-    connectButtons(ok, cancel);
 }
 
 } // namespace wr

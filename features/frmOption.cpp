@@ -6,9 +6,7 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
-#include <QHBoxLayout>
 #include <QLabel>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -55,24 +53,14 @@ frmOption::frmOption(MemoryImage &image, int language, QWidget *parent)
     keys->setColumnStretch(1, 1);
     keys->setColumnStretch(2, 1);
 
-    auto *ok = makeControl<QPushButton>(u"CmdOK"_s);
-    auto *cancel = makeControl<QPushButton>(u"CmdCannel"_s);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(ok);
-    buttons->addWidget(cancel);
-
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(fields);
-    layout->addSpacing(4);
-    layout->addWidget(frame3);
-    layout->addSpacing(4);
-    layout->addLayout(buttons);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
+    auto *content = new QVBoxLayout;
+    content->addLayout(fields);
+    content->addSpacing(4);
+    content->addWidget(frame3);
+    layOutWithButtons(content, u"CmdOK"_s, u"CmdCannel"_s);
 
     addHiddenControls();
     bindFields(OptionFields);
-    connectButtons(ok, cancel);
 }
 
 // Settings of other radios of the family: made, named and filled with their

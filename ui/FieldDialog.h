@@ -7,6 +7,7 @@
 #include <vector>
 
 class QAbstractButton;
+class QLayout;
 
 namespace wr {
 
@@ -50,6 +51,10 @@ protected:
     void bindFields(const FieldTable &table);
     // OK accepts (storing), Cancel rejects.
     void connectButtons(QAbstractButton *ok, QAbstractButton *cancel);
+    // Lays the dialog out at a fixed size: `content`, and under it a row
+    // with the OK and Cancel buttons (made with these objectNames) at its
+    // right, connected as connectButtons does.
+    void layOutWithButtons(QLayout *content, const QString &okName, const QString &cancelName);
     // Stores every bound field; a dialog with more to store (a grid)
     // extends it.
     virtual void storeFields();
