@@ -110,4 +110,49 @@ void storeFields(MemoryImage &image, const FieldTable &table, const FieldValues 
         table.checks[i].store(image, values.checked.at(qsizetype(i)));
 }
 
+namespace {
+
+QString captionText(const FieldTable &table, QStringView control, int languageIndex)
+{
+    for (const Caption &caption : table.captions) {
+        if (caption.control == control) {
+            QString text = caption.text.in(languageIndex);
+            while (text.endsWith(u':') || text.endsWith(u'\uFF1A'))
+                text.chop(1);
+            return text;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+QStringList describeFields(const MemoryImage &image, const FieldTable &table, std::span<const ReportLine> lines,
+                           int languageIndex)
+{
+    QStringList report;
+    for (const ReportLine &line : lines) {
+        QStringList name;
+        for (const QStringView caption : {line.caption, line.subCaption}) {
+            if (!caption.isEmpty())
+                name.append(captionText(table, caption, languageIndex));
+        }
+        const auto add = [&](const QString &value) {
+            report.append(name.join(u' ') + u':' + (value.isEmpty() ? QString() : u' ' + value));
+        };
+        for (const ListField &list : table.lists) {
+            if (list.control == line.field)
+                add(list.items(languageIndex).value(list.load(image)));
+        }
+        for (const CheckField &check : table.checks) {
+            if (check.control != line.field)
+                continue;
+            if (name.isEmpty())
+                name.append(check.text.in(languageIndex));
+            add((check.load(image) ? Words::On : Words::Off).in(languageIndex));
+        }
+    }
+    return report;
+}
+
 } // namespace wr

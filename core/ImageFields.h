@@ -126,4 +126,20 @@ FieldValues loadFields(const MemoryImage &image, const FieldTable &table);
 // Clears the rebuilt bytes, then stores every list and check box.
 void storeFields(MemoryImage &image, const FieldTable &table, const FieldValues &values);
 
+// One line of a text report of a form's fields: the list or check box (by
+// objectName) and the captions of the table that name it, joined by a
+// space. Without captions a check box is named by its own text.
+struct ReportLine
+{
+    QStringView field;
+    QStringView caption = {};
+    QStringView subCaption = {};
+};
+
+// "caption: value" for each line, in a language, with the texts the form
+// shows: a list's selected item, On or Off for a check box; a list without
+// a selection gives "caption:". A caption's closing colon is left out.
+QStringList describeFields(const MemoryImage &image, const FieldTable &table, std::span<const ReportLine> lines,
+                           int languageIndex);
+
 } // namespace wr

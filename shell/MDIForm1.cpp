@@ -3,6 +3,8 @@
 #include "channels/frmChannel.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
+#include "features/frmKey.h"
+#include "features/frmOption.h"
 #include "file/Backups.h"
 #include "link/frmclone.h"
 #include "shell/AppIcon.h"
@@ -589,12 +591,21 @@ bool MDIForm1::editModal()
 
 void MDIForm1::openOptionalFeatures()
 {
-    // frmOption (optional features) opens here.
+    if (!editModal<frmOption>())
+        return;
+    // The channel list follows a change of its row count once the settings
+    // are stored, and is opened for it if it was closed.
+    if (app().ChannelGridRowsShown != app().ChannelGridRows) {
+        showChannelList();
+        m_channels->RefreshChannelOP();
+        m_channels->RefreshChannel();
+        app().ChannelGridRowsShown = app().ChannelGridRows;
+    }
 }
 
 void MDIForm1::openKeySetting()
 {
-    // frmKey (key assignment) opens here.
+    editModal<frmKey>();
 }
 
 void MDIForm1::openScramble()

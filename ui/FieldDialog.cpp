@@ -1,7 +1,9 @@
 #include "ui/FieldDialog.h"
 
 #include <QAbstractButton>
+#include <QHBoxLayout>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 namespace wr {
 
@@ -37,6 +39,22 @@ void FieldDialog::connectButtons(QAbstractButton *ok, QAbstractButton *cancel)
         push->setDefault(true);
     connect(ok, &QAbstractButton::clicked, this, &FieldDialog::accept);
     connect(cancel, &QAbstractButton::clicked, this, &FieldDialog::reject);
+}
+
+void FieldDialog::layOutWithButtons(QLayout *content, const QString &okName, const QString &cancelName)
+{
+    auto *ok = makeControl<QPushButton>(okName);
+    auto *cancel = makeControl<QPushButton>(cancelName);
+    auto *buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(ok);
+    buttons->addWidget(cancel);
+    auto *layout = new QVBoxLayout(this);
+    layout->addLayout(content);
+    layout->addSpacing(4);
+    layout->addLayout(buttons);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    connectButtons(ok, cancel);
 }
 
 void FieldDialog::storeFields()

@@ -7,6 +7,7 @@
 #include <vector>
 
 class QAbstractButton;
+class QLayout;
 
 namespace wr {
 
@@ -50,9 +51,22 @@ protected:
     void bindFields(const FieldTable &table);
     // OK accepts (storing), Cancel rejects.
     void connectButtons(QAbstractButton *ok, QAbstractButton *cancel);
+    // Lays the dialog out at a fixed size: `content`, and under it a row
+    // with the OK and Cancel buttons (made with these objectNames) at its
+    // right, connected as connectButtons does.
+    void layOutWithButtons(QLayout *content, const QString &okName, const QString &cancelName);
     // Stores every bound field; a dialog with more to store (a grid)
     // extends it.
     virtual void storeFields();
+
+    // A new control of the dialog, or of one of its groups, by objectName.
+    template <typename Control>
+    Control *makeControl(const QString &name, QWidget *parent = nullptr)
+    {
+        auto *control = new Control(parent ? parent : this);
+        control->setObjectName(name);
+        return control;
+    }
 
 private:
     MemoryImage &m_image;

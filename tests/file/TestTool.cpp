@@ -110,6 +110,9 @@ void TestTool::exitCodes_data()
     QTest::newRow("info, Simplified Chinese")
         << QStringList{u"info"_s, u"-l"_s, u"1"_s, u"@/channels.tw"_s} << 0
         << u"BCL\n3\t145.50000\t146.00000\t88.5\tD023N\t高\t宽\t开\t载波\n10\t435.12500\t\t无\t\t低\t窄\t关\t关\n"_s;
+    QTest::newRow("info --settings, Traditional Chinese")
+        << QStringList{u"info"_s, u"--settings"_s, u"-l"_s, u"2"_s, u"@/channels.tw"_s} << 0
+        << u"\n側鍵 長按: 監聽\n側鍵 短按: 背光燈\nP1 長按: 監聽\n"_s;
     QTest::newRow("overview") << QStringList{u"--help"_s} << 0 << u"\n  unpack "_s;
     QTest::newRow("help of a command") << QStringList{u"pack"_s, u"--help"_s} << 0
                                        << u"Usage: wrpd6t-tool pack [options] IN.bin OUT.tw\n"_s;

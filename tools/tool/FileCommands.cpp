@@ -5,6 +5,7 @@
 #include "channels/ChannelRecord.h"
 #include "core/Language.h"
 #include "core/MemoryImage.h"
+#include "features/SettingsReport.h"
 #include "file/Backups.h"
 #include "file/DataFile.h"
 
@@ -76,6 +77,10 @@ int runInfo(const QStringList &arguments)
                                                      "2 Traditional Chinese."),
                                       QStringLiteral("index"), QStringLiteral("0"));
     line.parser().addOption(language);
+    const QCommandLineOption settings(QStringLiteral("settings"),
+                                      QStringLiteral("List the optional features and the key setting instead, "
+                                                     "one \"caption: value\" line each, as the dialogs show them."));
+    line.parser().addOption(settings);
     line.addArgument(QStringLiteral("FILE.tw"), QStringLiteral("The data file to list."));
     if (const auto status = line.parse(arguments))
         return *status;
@@ -91,6 +96,11 @@ int runInfo(const QStringList &arguments)
         return Failure;
     MemoryImage image;
     image.setBytes(file->image);
+    if (line.parser().isSet(settings)) {
+        for (const QString &setting : describeSettings(image, languageIndex))
+            out() << setting << '\n';
+        return Success;
+    }
 
     // The headers of the channel list's columns.
     out() << "CH.\tRx Freq\tTx Freq\tCTCSS/DCS Dec\tCTCSS/DCS Enc\tTX Power\tW/N\tScan Add\tBCL\n";
