@@ -5,6 +5,7 @@
 #include "channels/ChannelRecord.h"
 #include "core/Language.h"
 #include "core/MemoryImage.h"
+#include "features/FmRadio.h"
 #include "file/Backups.h"
 #include "file/DataFile.h"
 
@@ -67,6 +68,15 @@ int runNew(const QStringList &arguments)
     return Success;
 }
 
+// The FM receiver's VFO and its 32 channels, as its grid shows them.
+void printFmChannels(const MemoryImage &image, int languageIndex)
+{
+    const fm::Texts texts = fm::load(image);
+    out() << "CH.\tFrequency\n" << fm::VfoName.in(languageIndex) << '\t' << texts.vfo << '\n';
+    for (int channel = 0; channel < fm::ChannelCount; ++channel)
+        out() << channel << '\t' << texts.channels[std::size_t(channel)] << '\n';
+}
+
 int runInfo(const QStringList &arguments)
 {
     CommandLine line(QStringLiteral("info"),
@@ -76,6 +86,9 @@ int runInfo(const QStringList &arguments)
                                                      "2 Traditional Chinese."),
                                       QStringLiteral("index"), QStringLiteral("0"));
     line.parser().addOption(language);
+    const QCommandLineOption fmRadio(QStringLiteral("fm"), QStringLiteral("Lists the FM radio's VFO and its 32 "
+                                                                          "channels instead, empty ones included."));
+    line.parser().addOption(fmRadio);
     line.addArgument(QStringLiteral("FILE.tw"), QStringLiteral("The data file to list."));
     if (const auto status = line.parse(arguments))
         return *status;
@@ -91,6 +104,10 @@ int runInfo(const QStringList &arguments)
         return Failure;
     MemoryImage image;
     image.setBytes(file->image);
+    if (line.parser().isSet(fmRadio)) {
+        printFmChannels(image, languageIndex);
+        return Success;
+    }
 
     // The headers of the channel list's columns.
     out() << "CH.\tRx Freq\tTx Freq\tCTCSS/DCS Dec\tCTCSS/DCS Enc\tTX Power\tW/N\tScan Add\tBCL\n";
