@@ -10,6 +10,7 @@
 
 #include "core/Language.h"
 #include "core/MemoryImage.h"
+#include "features/FmRadio.h"
 #include "features/frmMemoryMap.h"
 #include "features/frmRadio.h"
 #include "features/frmSMB.h"
@@ -48,16 +49,13 @@ MemoryImage imageWithFmChannels()
 {
     MemoryImage image;
     image.InitImage();
+    fm::Texts texts;
+    texts.vfo = u"101.70"_s;
     for (int channel = 0; channel < 10; ++channel) {
-        const int kHz10 = 8750 + 145 * channel; // 10 kHz units, on the 50 kHz raster
-        const int digits[]{kHz10 / 1000, kHz10 / 100 % 10, kHz10 / 10 % 10, kHz10 % 10};
-        const int address = 0x1910 + 4 * channel;
-        image.WriteByte(address, static_cast<std::uint8_t>(digits[0]));
-        image.WriteByte(address + 1, static_cast<std::uint8_t>(digits[1] << 4 | digits[2]));
-        image.WriteByte(address + 2, static_cast<std::uint8_t>(digits[3] << 4));
-        image.WriteByte(address + 3, 0);
-        image.WriteByte(0x1900 + channel / 8, image.ReadByte(0x1900 + channel / 8) & ~(1 << (channel % 8)));
+        const int hundredths = 8750 + 145 * channel;
+        texts.channels[std::size_t(channel)] = u"%1.%2"_s.arg(hundredths / 100).arg(hundredths % 100, 2, 10, QChar(u'0'));
     }
+    fm::save(image, texts);
     return image;
 }
 

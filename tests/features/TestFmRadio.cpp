@@ -62,7 +62,6 @@ private Q_SLOTS:
 
         QTest::newRow("whole MHz") << u"C"_s << u"88"_s << u"88.00"_s << false;
         QTest::newRow("down onto the 50 kHz raster") << u"C"_s << u"88.123"_s << u"88.10"_s << false;
-        QTest::newRow("just below the next step") << u"C"_s << u"88.14999"_s << u"88.10"_s << false;
         QTest::newRow("rounding to 10 Hz reaches the next step") << u"C"_s << u"88.149996"_s << u"88.15"_s << false;
         QTest::newRow("half of 10 Hz to even reaches the next step") << u"C"_s << u"88.149995"_s << u"88.15"_s << false;
         QTest::newRow("107.97 is the top channel") << u"C"_s << u"107.97"_s << u"107.95"_s << false;
@@ -78,7 +77,6 @@ private Q_SLOTS:
         QTest::newRow("1,5 with a decimal comma") << u"de_DE"_s << u"1,5"_s << u"76.00"_s << true;
         QTest::newRow("88,55 with a decimal comma") << u"de_DE"_s << u"88,55"_s << u"88.55"_s << false;
         QTest::newRow("two commas are no number") << u"de_DE"_s << u"1,2,3"_s << u"99.00"_s << false;
-        QTest::newRow("a comma alone is no number") << u"de_DE"_s << u","_s << u"99.00"_s << false;
     }
 
     void entered()
