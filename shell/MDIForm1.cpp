@@ -6,6 +6,9 @@
 #include "features/frmKey.h"
 #include "features/frmOption.h"
 #include "file/Backups.h"
+#include "features/frmMemoryMap.h"
+#include "features/frmRadio.h"
+#include "features/frmSMB.h"
 #include "link/frmclone.h"
 #include "shell/AppIcon.h"
 #include "shell/FileCommands.h"
@@ -610,17 +613,30 @@ void MDIForm1::openKeySetting()
 
 void MDIForm1::openScramble()
 {
-    // frmSMB (scramble table) opens here.
+    editModal<frmSMB>();
 }
 
 void MDIForm1::openRadio()
 {
-    // frmRadio (FM broadcast channels) opens here.
+    editModal<frmRadio>();
 }
 
+// The memory map stays open beside this window; a second gesture brings it
+// to the front. After its OK the channel list reloads from the image, or
+// its older texts would undo a patch of the channel rows at the next save.
 void MDIForm1::openMemoryMap()
 {
-    // frmMemoryMap (memory map, beside this window) opens here.
+    if (!m_memoryMap) {
+        m_memoryMap = new frmMemoryMap(app().image, this);
+        m_memoryMap->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_memoryMap, &QDialog::accepted, this, [this] {
+            if (m_channels)
+                m_channels->RefreshChannel();
+        });
+    }
+    m_memoryMap->show();
+    m_memoryMap->raise();
+    m_memoryMap->activateWindow();
 }
 
 void MDIForm1::showEvent(QShowEvent *event)

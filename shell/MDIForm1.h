@@ -24,6 +24,7 @@ namespace wr {
 class SettingsStore;
 class frmChannel;
 enum class BackupReason;
+class frmMemoryMap;
 
 // The main window: menus, toolbar, the tree of editors, the status bar and
 // the channel list as its child window. It runs the start-up sequence when
@@ -134,6 +135,7 @@ private:
     QMdiArea *m_mdiArea = nullptr;
     QPointer<frmChannel> m_channels;
     QPointer<QMdiSubWindow> m_channelWindow;
+    QPointer<frmMemoryMap> m_memoryMap; // open beside this window, at most one
     QTreeWidget *m_tree = nullptr;
     QToolBar *m_toolBar = nullptr;
     QTimer *m_time = nullptr;

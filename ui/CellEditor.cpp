@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QFocusEvent>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
@@ -11,6 +12,7 @@
 #include <QScrollBar>
 #include <QStyle>
 #include <QStyleOptionComboBox>
+#include <QTableView>
 
 #include <algorithm>
 
@@ -336,6 +338,21 @@ bool CellEditor::eventFilter(QObject *watched, QEvent *event)
     }
     default:
         return false;
+    }
+}
+
+void prepareEditedGrid(QTableView *grid)
+{
+    grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    grid->setSelectionMode(QAbstractItemView::SingleSelection);
+    grid->setSelectionBehavior(QAbstractItemView::SelectItems);
+    grid->setTabKeyNavigation(false);
+    grid->setWordWrap(false);
+    grid->setCornerButtonEnabled(false);
+    for (QHeaderView *header : {grid->horizontalHeader(), grid->verticalHeader()}) {
+        header->setSectionResizeMode(QHeaderView::Fixed);
+        header->setSectionsClickable(false);
+        header->setHighlightSections(false);
     }
 }
 

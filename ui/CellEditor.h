@@ -12,6 +12,7 @@
 class QAbstractItemView;
 class QComboBox;
 class QKeyEvent;
+class QTableView;
 
 namespace wr {
 
@@ -127,5 +128,10 @@ private:
     QString m_savedText;
     bool m_busy = false; // committing or closing: the focus it moves is not a user's
 };
+
+// Sets up a grid whose cells only a CellEditor edits: none of the view's own
+// editing, one cell selected at a time, Tab leaving the grid, single-line
+// cells, no corner button, and headers that neither resize nor select.
+void prepareEditedGrid(QTableView *grid);
 
 } // namespace wr

@@ -54,6 +54,10 @@ MemoryImage imageWithChannels()
     image.setRow(9, QByteArray::fromHex("43512500" "FFFFFFFF" "FFFF" "FFFF" "0000" "00" "00"));
     image.WriteByte(202, 0, 0xFF & ~(1 << 2)); // channel 3 in use
     image.WriteByte(202, 1, 0xFF & ~(1 << 1)); // channel 10 in use
+    // FM radio: VFO 101.70 MHz, channel 1 on 98.10 MHz.
+    image.setRow(409, QByteArray::fromHex("10170000") + QByteArray(12, '\xFF'));
+    image.setRow(401, QByteArray::fromHex("FFFFFFFF" "09810000") + QByteArray(8, '\xFF'));
+    image.WriteByte(400, 0, 0xFF & ~(1 << 1));
     return image;
 }
 
@@ -113,6 +117,12 @@ void TestTool::exitCodes_data()
     QTest::newRow("info --settings, Traditional Chinese")
         << QStringList{u"info"_s, u"--settings"_s, u"-l"_s, u"2"_s, u"@/channels.tw"_s} << 0
         << u"\n側鍵 長按: 監聽\n側鍵 短按: 背光燈\nP1 長按: 監聽\n"_s;
+    // The FM radio's VFO and all its channels, empty ones included.
+    QTest::newRow("info --fm") << QStringList{u"info"_s, u"--fm"_s, u"@/channels.tw"_s} << 0
+                               << u"CH.\tFrequency\nVFO\t101.70\n0\t\n1\t98.10\n2\t\n"_s;
+    QTest::newRow("info --fm, Traditional Chinese")
+        << QStringList{u"info"_s, u"--fm"_s, u"-l"_s, u"2"_s, u"@/channels.tw"_s} << 0
+        << u"全頻\t101.70\n0\t\n1\t98.10\n"_s;
     QTest::newRow("overview") << QStringList{u"--help"_s} << 0 << u"\n  unpack "_s;
     QTest::newRow("help of a command") << QStringList{u"pack"_s, u"--help"_s} << 0
                                        << u"Usage: wrpd6t-tool pack [options] IN.bin OUT.tw\n"_s;

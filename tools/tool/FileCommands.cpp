@@ -6,6 +6,7 @@
 #include "core/Language.h"
 #include "core/MemoryImage.h"
 #include "features/SettingsReport.h"
+#include "features/FmRadio.h"
 #include "file/Backups.h"
 #include "file/DataFile.h"
 
@@ -68,6 +69,15 @@ int runNew(const QStringList &arguments)
     return Success;
 }
 
+// The FM receiver's VFO and its 32 channels, as its grid shows them.
+void printFmChannels(const MemoryImage &image, int languageIndex)
+{
+    const fm::Texts texts = fm::load(image);
+    out() << "CH.\tFrequency\n" << fm::VfoName.in(languageIndex) << '\t' << texts.vfo << '\n';
+    for (int channel = 0; channel < fm::ChannelCount; ++channel)
+        out() << channel << '\t' << texts.channels[std::size_t(channel)] << '\n';
+}
+
 int runInfo(const QStringList &arguments)
 {
     CommandLine line(QStringLiteral("info"),
@@ -81,6 +91,9 @@ int runInfo(const QStringList &arguments)
                                       QStringLiteral("List the optional features and the key setting instead, "
                                                      "one \"caption: value\" line each, as the dialogs show them."));
     line.parser().addOption(settings);
+    const QCommandLineOption fmRadio(QStringLiteral("fm"), QStringLiteral("Lists the FM radio's VFO and its 32 "
+                                                                          "channels instead, empty ones included."));
+    line.parser().addOption(fmRadio);
     line.addArgument(QStringLiteral("FILE.tw"), QStringLiteral("The data file to list."));
     if (const auto status = line.parse(arguments))
         return *status;
@@ -99,6 +112,10 @@ int runInfo(const QStringList &arguments)
     if (line.parser().isSet(settings)) {
         for (const QString &setting : describeSettings(image, languageIndex))
             out() << setting << '\n';
+        return Success;
+    }
+    if (line.parser().isSet(fmRadio)) {
+        printFmChannels(image, languageIndex);
         return Success;
     }
 

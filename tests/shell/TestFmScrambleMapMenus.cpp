@@ -1,0 +1,124 @@
+// How the main window opens the FM radio and scramble forms (hidden menu
+// items, modal) and the memory map (the channel list's right click with
+// Shift, Ctrl and Alt, beside the window), and what each leaves in the image.
+#include "ShellHarness.h"
+
+#include "features/MemoryMapModel.h"
+#include "features/frmMemoryMap.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableView>
+
+#include <optional>
+
+using namespace Qt::StringLiterals;
+using wr::test::ShellHarness;
+
+class TestFmScrambleMapMenus : public QObject
+{
+    Q_OBJECT
+
+    std::optional<ShellHarness> h;
+
+    void gesture() const
+    {
+        QTableWidget *grid = h->window->channelList()->grid();
+        const QPoint cell = grid->visualRect(grid->model()->index(5, 2)).center();
+        QTest::mouseClick(grid->viewport(), Qt::RightButton, Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier,
+                          cell);
+    }
+    QList<wr::frmMemoryMap *> memoryMaps() const { return h->window->findChildren<wr::frmMemoryMap *>(); }
+
+private Q_SLOTS:
+    void initTestCase() { wr::test::initTestProcess(); }
+    void init() { h.emplace(); }
+    void cleanup() { h.reset(); }
+
+    void hiddenItems_data()
+    {
+        QTest::addColumn<QString>("item");
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<bool>("stores");
+        QTest::newRow("Radio, OK") << u"mnuRadio"_s << u"CmdOK"_s << u"收音機設置"_s << true;
+        QTest::newRow("Radio, Cancel") << u"mnuRadio"_s << u"CmdCannel"_s << u"收音機設置"_s << false;
+        QTest::newRow("Scramble, OK") << u"mnuScramble"_s << u"CmdOK"_s << u"擾頻(&S)"_s << false;
+    }
+
+    // The item opens its form modal in the interface language; channel 5 of
+    // the FM radio typed as 100 reaches the image with OK only.
+    void hiddenItems()
+    {
+        QFETCH(QString, item);
+        QFETCH(QString, button);
+        QFETCH(QString, title);
+        QFETCH(bool, stores);
+        h->open(2).show();
+        QVERIFY(QTest::qWaitForWindowExposed(h->window.get()));
+        QByteArray expected = wr::app().image.bytes();
+        if (stores) {
+            expected.replace(0x1900, 1, "\xDF");
+            expected.replace(0x1924, 4, QByteArray::fromHex("10000000"));
+            expected.replace(0x1990, 4, QByteArray::fromHex("08750000"));
+        }
+        QString shown;
+        ShellHarness::whenModal([&](QDialog *form) {
+            shown = form->windowTitle();
+            if (auto *grid = form->findChild<QTableWidget *>(u"MSRadioGrid"_s)) {
+                grid->setCurrentCell(2 + 5, 1);
+                QTest::keyClick(grid, Qt::Key_1);
+                QTest::keyClicks(form->findChild<QLineEdit *>(u"txtRadio"_s), u"00"_s);
+            }
+            QTest::mouseClick(form->findChild<QPushButton *>(button), Qt::LeftButton);
+        });
+        h->trigger(item);
+        QCOMPARE(shown, title);
+        QCOMPARE(wr::app().image.bytes(), expected);
+        QVERIFY(!h->action(item)->isVisible());
+    }
+
+    void memoryMapGesture_data()
+    {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QString>("rx"); // channel 3 in the list afterwards
+        QTest::newRow("OK keeps the patch") << u"cmdOK"_s << u"145.50000"_s;
+        QTest::newRow("Cancel drops it") << u"cmdCancel"_s << u"145.00000"_s;
+    }
+
+    // The gesture saves the grid and opens one memory map beside the
+    // window; a patch of channel 3 made there shows in the channel list
+    // after OK and survives the next commit step.
+    void memoryMapGesture()
+    {
+        QFETCH(QString, button);
+        QFETCH(QString, rx);
+        h->open(0).show();
+        QVERIFY(QTest::qWaitForWindowExposed(h->window.get()));
+        h->editRx(3, u"145"_s);
+        gesture();
+        QCOMPARE(memoryMaps().size(), 1);
+        wr::frmMemoryMap *map = memoryMaps().first();
+        QVERIFY(map->isVisible());
+        QVERIFY(!map->isModal());
+        QCOMPARE(ShellHarness::imageRx(3), u"145.00000"_s);
+        gesture();
+        QCOMPARE(memoryMaps(), QList<wr::frmMemoryMap *>{map});
+
+        const QByteArray before = wr::app().image.bytes();
+        map->grid()->setCurrentIndex(map->model()->index(2, 1));
+        QTest::keyClick(map->grid(), Qt::Key_5);
+        QTest::keyClick(map->findChild<QLineEdit *>(u"txtMemory"_s), Qt::Key_5);
+        QTest::keyClick(map->findChild<QLineEdit *>(u"txtMemory"_s), Qt::Key_Return);
+        QTest::mouseClick(map->findChild<QPushButton *>(button), Qt::LeftButton);
+        QVERIFY(!map->isVisible());
+        QCOMPARE(h->gridRx(3), rx);
+        if (button == u"cmdCancel")
+            QCOMPARE(wr::app().image.bytes(), before);
+        h->window->CommitStep();
+        QCOMPARE(ShellHarness::imageRx(3), rx);
+    }
+};
+
+QTEST_MAIN(TestFmScrambleMapMenus)
+#include "TestFmScrambleMapMenus.moc"
