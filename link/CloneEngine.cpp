@@ -246,6 +246,16 @@ void CloneEngine::notePortTried(const QString &device)
     m_portsTried.append({m_state.PortNumber, device});
 }
 
+QString CloneEngine::lostConnectionText(int language, const QString &detail)
+{
+    return lostConnection().in(language) + QStringLiteral("\n\n") + detail;
+}
+
+QString CloneEngine::lostConnectionTitle(int language)
+{
+    return errorTitle().in(language);
+}
+
 Actions CloneEngine::askLostConnection(const QString &detail)
 {
     m_asking = true;
@@ -253,8 +263,8 @@ Actions CloneEngine::askLostConnection(const QString &detail)
     Actions actions{make(Action::StopSendTimer)};
     actions += setStatus({});
     Action ask = make(Action::AskLostConnection);
-    ask.text = lostConnection().in(m_state.LanguageIndex) + QStringLiteral("\n\n") + detail;
-    ask.title = errorTitle().in(m_state.LanguageIndex);
+    ask.text = lostConnectionText(m_state.LanguageIndex, detail);
+    ask.title = lostConnectionTitle(m_state.LanguageIndex);
     actions += ask;
     return actions;
 }

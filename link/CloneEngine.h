@@ -140,6 +140,9 @@ public:
     int replyLengthFor(int step) const;
     // Image row moved by a data step; -1 for steps that move none.
     static int rowForStep(int step);
+    // The lost-connection question with what is said under it, and its title.
+    static QString lostConnectionText(int language, const QString &detail);
+    static QString lostConnectionTitle(int language);
 
     Direction direction() const { return m_direction; }
     QString caption() const;

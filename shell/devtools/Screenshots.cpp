@@ -6,8 +6,9 @@
 #include "channels/ChannelRecord.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
-#include "link/PortProblem.h"
+#include "link/CloneEngine.h"
 #include "link/PortCatalogue.h"
+#include "link/PortProblem.h"
 #include "link/frmclone.h"
 #include "shell/LanguageForm.h"
 #include "shell/MDIForm1.h"
@@ -120,16 +121,14 @@ void savePortBoxes(QWidget *window, int language, const QString &folder, const Q
             wr::describePortProblem(1, scanned, language) + u'\n' + wr::scanNote(1, 33, language), QMessageBox::Ok,
             folder, QStringLiteral("port-search-permission-") + tag);
 
-    const wr::Triple question{QStringLiteral("Check Connection. Retry or Cancel?"),
-                              QStringLiteral("检测连接。重试或取消？"), QStringLiteral("檢測連接。重試或取消？")};
-    const wr::Triple error{QStringLiteral("Error"), QStringLiteral("错误"), QStringLiteral("錯誤")};
+    const QString title = wr::CloneEngine::lostConnectionTitle(language);
     const wr::PortProblem lost{Kind::Lost, usb, QStringLiteral("Input/output error"), {}};
-    saveBox(window, QMessageBox::Critical, error.in(language),
-            question.in(language) + QStringLiteral("\n\n") + wr::describePortProblem(33, lost, language),
+    saveBox(window, QMessageBox::Critical, title,
+            wr::CloneEngine::lostConnectionText(language, wr::describePortProblem(33, lost, language)),
             QMessageBox::Retry | QMessageBox::Cancel, folder, QStringLiteral("port-lost-") + tag);
-    saveBox(window, QMessageBox::Critical, error.in(language),
-            question.in(language) + QStringLiteral("\n\n")
-                + wr::portsTriedLine({{33, usb}, {1, QStringLiteral("/dev/ttyS0")}}, language),
+    saveBox(window, QMessageBox::Critical, title,
+            wr::CloneEngine::lostConnectionText(
+                language, wr::portsTriedLine({{33, usb}, {1, QStringLiteral("/dev/ttyS0")}}, language)),
             QMessageBox::Retry | QMessageBox::Cancel, folder, QStringLiteral("port-no-answer-") + tag);
 }
 

@@ -226,10 +226,7 @@ void TestCloneEngine::transfer()
     QFETCH(QString, status);
     const bool completes = progress > 0;
 
-    AppState &state = app();
-    state.LinkDirection = read ? 0 : 1;
-    state.LanguageIndex = 0;
-    state.PortNumber = 2;
+    AppState &state = test::transferState(0, read, 2);
     VirtualRadio radio(faults);
     test::fillPattern(radio.memory(), 5);
     test::fillPattern(state.image, 6);
@@ -295,10 +292,7 @@ void TestCloneEngine::portScan()
     QFETCH(int, openingFramesOnChosenPort);
     QFETCH(QString, portsTried);
 
-    AppState &state = app();
-    state.LinkDirection = 0;
-    state.LanguageIndex = 0;
-    state.PortNumber = 5;
+    AppState &state = test::transferState(0, true, 5);
     VirtualRadio radio;
     CloneEngine engine(state, [ports] { return ports; });
     FakeLink link(engine, radioPort, &radio);
@@ -325,10 +319,7 @@ void TestCloneEngine::portScan()
 // naming the port; Retry finds it still gone and says so.
 void TestCloneEngine::cablePulled()
 {
-    AppState &state = app();
-    state.LinkDirection = 0;
-    state.LanguageIndex = 0;
-    state.PortNumber = 33;
+    AppState &state = test::transferState(0, true, 33);
     VirtualRadio radio;
     CloneEngine engine(state, [] { return QStringList{u"COM33"_s}; });
     FakeLink link(engine, 33, &radio);
@@ -352,10 +343,7 @@ void TestCloneEngine::cablePulled()
 // with the time-out as one failed frame, and the budget leads to the question.
 void TestCloneEngine::babblingLine()
 {
-    AppState &state = app();
-    state.LinkDirection = 1;
-    state.LanguageIndex = 0;
-    state.PortNumber = 2;
+    AppState &state = test::transferState(0, false, 2);
     CloneEngine engine(state, [] { return QStringList{QString()}; });
     FakeLink link(engine, 2, nullptr);
     link.babbleEveryMs = 10;

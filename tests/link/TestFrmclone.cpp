@@ -62,10 +62,7 @@ void TestFrmclone::transfer()
     test::RadioOnPty line(m_fixture->path(u"serial-ports"_s)); // on COM200
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     test::fillPattern(line.radio.memory(), 9);
-    AppState &state = app();
-    state.LanguageIndex = static_cast<quint8>(language);
-    state.LinkDirection = 0;
-    state.PortNumber = static_cast<quint8>(port);
+    AppState &state = test::transferState(language, true, port);
     test::fillPattern(state.image, 10);
     state.image.TakeSnapshot();
     const MemoryImage before = state.image;
@@ -103,10 +100,7 @@ void TestFrmclone::cancelWhileRetrying()
     test::RadioOnPty line(m_fixture->path(u"serial-ports"_s), sim::RadioFaults{.hangUpAfterRows = 5});
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     test::fillPattern(line.radio.memory(), 1);
-    AppState &state = app();
-    state.LanguageIndex = 2;
-    state.LinkDirection = 0;
-    state.PortNumber = 200;
+    AppState &state = test::transferState(2, true, 200);
     test::fillPattern(state.image, 2);
     const MemoryImage before = state.image;
 
