@@ -3,8 +3,6 @@
 #include "link/PortCatalogue.h"
 #include "link/PortProblem.h"
 
-#include <cerrno>
-
 namespace wr {
 
 namespace {
@@ -171,23 +169,18 @@ void CloneDriver::checkWaitingBytes()
 void CloneDriver::openPort(int number)
 {
     const std::optional<PortEntry> entry = findPort(number);
-    if (!entry) {
-        // The system lists no such port (an unplugged adapter is no longer
-        // listed); opening a guessed name could only meet some other device.
-        PortProblem problem;
-        problem.kind = PortProblem::Kind::Missing;
-        problem.device = m_devices.value(number);
-        problem.systemText = qt_error_string(ENOENT);
-        run(m_engine.portFailed(problem));
-        return;
-    }
-    m_port.setPortName(entry->devicePath);
+    const QString name = QStringLiteral("COM%1").arg(number);
+    m_port.setPortName(entry ? entry->devicePath : name);
     m_port.setReadBufferSize(ReceiveBufferSize);
     const bool opened = m_port.open(QIODevice::ReadWrite) && m_port.setBaudRate(QSerialPort::Baud9600)
         && m_port.setDataBits(QSerialPort::Data8) && m_port.setParity(QSerialPort::NoParity)
         && m_port.setStopBits(QSerialPort::TwoStop) && m_port.setFlowControl(QSerialPort::NoFlowControl);
-    // On Windows the device is the COM name itself; only a path says more.
-    const QString device = entry->devicePath != entry->name ? entry->devicePath : QString();
+    // The device behind the name, for the messages. On Windows it is the
+    // name itself; a port that is no longer listed (an adapter unplugged)
+    // is named by the device it had while it was.
+    QString device = entry ? entry->devicePath : m_devices.value(number);
+    if (device == name)
+        device.clear();
     if (!opened) {
         const QSerialPort::SerialPortError error = m_port.error();
         const QString text = m_port.errorString();
