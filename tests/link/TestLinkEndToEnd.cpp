@@ -124,6 +124,7 @@ void TestLinkEndToEnd::cablePulled()
         if (line.radio.rowsAnswered() >= 20 && !sincePulled.isValid()) {
             line.hangUp();
             sincePulled.start();
+            puller.stop();
         }
     });
     puller.start(1);
@@ -152,7 +153,6 @@ void TestLinkEndToEnd::cablePulled()
                                 }});
     driver.start();
     QTRY_VERIFY_WITH_TIMEOUT(!driver.isRunning(), 20000);
-    puller.stop();
 
     QVERIFY(!engine.Finished);
     QCOMPARE(asked.size(), 1);
