@@ -341,6 +341,7 @@ Actions CloneEngine::portLost(const PortProblem &problem)
     m_threshold = 0;
     m_wait = WaitKind::None;
     m_staleBytes = false;
+    m_resent = false;
     Rejected = false;
     Actions actions{make(Action::StopSendTimer), make(Action::StopTimeout), make(Action::SetThreshold, 0),
                     make(Action::ClosePort)};
@@ -352,6 +353,7 @@ Actions CloneEngine::portLost(const PortProblem &problem)
 
 Actions CloneEngine::beginAttempt()
 {
+    m_resent = false;
     Actions actions{make(Action::DiscardBuffers)};
     actions += resetProgress();
     Step = 0;
@@ -430,8 +432,9 @@ Actions CloneEngine::replyRead(const QByteArray &reply)
 {
     if (m_unloaded)
         return {};
-    // More than awaited: another answer is arriving behind this one.
-    m_staleBytes = reply.size() > ReplyLength;
+    // More than awaited, another answer is arriving behind this one; after a
+    // resend one may still come for the other copy of the frame.
+    m_staleBytes = reply.size() > ReplyLength || std::exchange(m_resent, false);
     if (Step == 0) {
         // Whatever the radio says before its ACK (line noise as it wakes) is ignored.
         if (!reply.isEmpty() && reply.back() == Ack) {
@@ -510,6 +513,7 @@ Actions CloneEngine::timeoutTick()
         actions += resetProgress();
         actions += make(Action::DiscardBuffers);
         SentStep = NothingSent;
+        m_resent = true;
         actions += make(Action::StartSendTimer, SendIntervalMs);
         actions += setStatus((answered ? wrongAnswer() : noAnswer())
                                  .in(m_state.LanguageIndex)
@@ -562,6 +566,7 @@ Actions CloneEngine::answered(bool retry)
             return {make(Action::OpenPort, m_state.PortNumber)};
         }
         RetryCount = 0;
+        m_resent = false;
         Actions actions = resetProgress();
         actions += make(Action::DiscardBuffers);
         SentStep = NothingSent;

@@ -48,10 +48,11 @@ struct AppState;
 // waiting is dropped, and so is every byte that follows, until nothing has
 // come in for ReplyQuietMs, the time one whole read reply takes on the cable
 // (20 bytes of 11 bits at 9600 baud: 23 ms). A new frame meets the same
-// drain only when bytes are stale: when the reply just read was longer than
-// awaited, or bytes are waiting as the frame falls due. A radio that answers
-// just what it is asked never meets it and sees the same bytes at the same
-// times as ever.
+// drain only when bytes may be stale: when the frame before it had to be
+// sent again (the radio may yet answer the other copy), when the reply just
+// read was longer than awaited, or when bytes are waiting as the frame falls
+// due. A radio that answers just what it is asked never meets it and sees
+// the same bytes at the same times as ever.
 //
 // Where the drain sits among the waits. Each frame still goes: send, wait
 // 20 ms, reply complete, wait 10 ms, read; 300 ms after the send the
@@ -194,7 +195,8 @@ private:
     bool m_unloaded = false;
     bool m_reopenBeforeAsking = false;
     bool m_scanOpening = false; // the port being opened was chosen by the port scan
-    bool m_staleBytes = false;  // the last reply was longer than awaited: drain before the next frame
+    bool m_staleBytes = false;  // drain before the next frame: the last reply was long, or followed a resend
+    bool m_resent = false;      // the frame awaiting its reply has been sent more than once
     QString m_status;
     QList<PortTried> m_portsTried;
 };

@@ -23,8 +23,9 @@ namespace {
 
 // Drives a CloneEngine against virtual radios on numbered ports with a made-up
 // microsecond clock. Every byte takes its time on the cable at 9600 baud both
-// ways, and a radio answers one request after the other, as the virtual radio
-// on a pseudo-terminal does. The earliest of the next byte, the wait (or the
+// ways, and a radio answers one request after the other, with a pause
+// between two answers sent back to back, as the virtual radio on a
+// pseudo-terminal does. The earliest of the next byte, the wait (or the
 // quiet a drain waits for), the time-out and the send tick happens next, so a
 // whole transfer, time-outs and port scan included, takes a few milliseconds
 // of real time.
@@ -105,8 +106,11 @@ struct FakeLink
             return;
         const qint64 arrived = now + bytes.size() * ByteUs;
         for (const VirtualRadio::Piece &piece : radio->receive(bytes)) {
+            qint64 ready = arrived + piece.atMs * 1000;
+            if (ready < lineFree) // queued behind another answer
+                ready = lineFree + VirtualRadio::AnswerGapMs * 1000;
             for (const char byte : piece.bytes) {
-                lineFree = std::max(arrived + piece.atMs * 1000, lineFree) + ByteUs;
+                lineFree = std::max(ready, lineFree) + ByteUs;
                 if (!lost)
                     line.emplace_back(lineFree, byte);
             }

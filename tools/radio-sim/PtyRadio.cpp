@@ -115,7 +115,9 @@ void PtyRadio::pump()
         // other: a late one holds back those behind it.
         const VirtualRadio::Answer answer = m_radio.receive(arrived);
         for (const VirtualRadio::Piece &piece : answer) {
-            const qint64 ready = arrivedAt + qint64{piece.atMs} * 1000000;
+            qint64 ready = arrivedAt + qint64{piece.atMs} * 1000000;
+            if (ready < m_outFreeNs)
+                ready = m_outFreeNs + qint64{VirtualRadio::AnswerGapMs} * 1000000;
             for (const char byte : piece.bytes) {
                 const qint64 due = std::max(ready, m_outFreeNs) + (m_pacing ? ByteTimeNs : 0);
                 m_outFreeNs = due;

@@ -46,7 +46,9 @@ struct RadioFaults
 // that starts no known frame is dropped.
 //
 // The radio works on one request at a time: an answer never overtakes the
-// answer to an earlier request, however late that one is.
+// answer to an earlier request, however late that one is, and one that has
+// to wait for another starts AnswerGapMs after it, the time the radio takes
+// to turn to the next request.
 class VirtualRadio
 {
 public:
@@ -56,6 +58,7 @@ public:
     static constexpr int SplitReplyMs = 290;
     static constexpr int SplitGapMs = 20;
     static constexpr int DuplicateAckMs = 40;
+    static constexpr int AnswerGapMs = 12;
 
     // Part of an answer: its bytes leave the radio atMs after the request was
     // in, or as soon as the part before them is out, whichever is later.
