@@ -36,8 +36,13 @@ public:
     bool isOpen() const { return m_open; }
     QString errorString() const { return m_line.errorString(); }
     QString devicePath() const { return m_line.devicePath(); }
-    // Pulls the cable: the device is gone, its COM200 link left dangling.
-    void hangUp() { m_line.hangUp(); }
+    // Pulls the cable: the device is gone and the system lists it no more.
+    // (The link goes too: another test may be given the same device name.)
+    void hangUp()
+    {
+        m_line.hangUp();
+        QFile::remove(serialPortsFolder() + QStringLiteral("/com200"));
+    }
 
     sim::VirtualRadio radio;
 
