@@ -5,7 +5,14 @@
 #include <QSaveFile>
 
 #include <array>
+#include <cerrno>
 #include <cstdint>
+
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
 
 namespace wr::DataFile {
 
@@ -253,23 +260,67 @@ ReadResult Decode(QByteArrayView fileBytes)
     return result;
 }
 
+FileBytes ReadRegularFile(const QString &path, qint64 limit)
+{
+    FileBytes result;
+    QFile file;
+#ifdef Q_OS_UNIX
+    // Looked at before opening, and what was opened looked at again (the
+    // name may have changed hands in between); the open never waits.
+    const QByteArray name = QFile::encodeName(path);
+    struct stat info{};
+    if (::stat(name.constData(), &info) == 0 && !S_ISREG(info.st_mode)) {
+        result.status = ReadStatus::WrongType;
+        return result;
+    }
+    const int descriptor = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0) {
+        result.errorString = qt_error_string(errno);
+        return result;
+    }
+    if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) {
+        ::close(descriptor);
+        result.status = ReadStatus::WrongType;
+        return result;
+    }
+    if (!file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+        ::close(descriptor);
+        result.errorString = file.errorString();
+        return result;
+    }
+#else
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile()) {
+        result.status = ReadStatus::WrongType;
+        return result;
+    }
+    file.setFileName(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        result.errorString = file.errorString();
+        return result;
+    }
+#endif
+    result.bytes = file.read(limit);
+    if (file.error() != QFileDevice::NoError) {
+        result.bytes.clear();
+        result.errorString = file.errorString();
+        return result;
+    }
+    result.status = ReadStatus::Ok;
+    return result;
+}
+
 ReadResult Read(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    // One byte more than the limit tells an oversized file without reading all of it.
+    FileBytes file = ReadRegularFile(path, qint64(MaxUnpackedSize) + 1);
+    if (file.status != ReadStatus::Ok) {
         ReadResult result;
-        result.errorString = file.errorString();
+        result.status = file.status;
+        result.errorString = file.errorString;
         return result;
     }
-    // One byte more than the limit tells an oversized file without reading
-    // all of it (a device or a pipe may never end).
-    const QByteArray bytes = file.read(qint64(MaxUnpackedSize) + 1);
-    if (file.error() != QFileDevice::NoError) {
-        ReadResult result;
-        result.errorString = file.errorString();
-        return result;
-    }
-    return Decode(bytes);
+    return Decode(file.bytes);
 }
 
 std::optional<QByteArray> Encode(const MemoryImage &image)
@@ -293,16 +344,22 @@ bool WriteBytes(const QString &path, QByteArrayView content, QString *errorStrin
             return fail(existing.errorString());
     }
 
+    // Unbuffered, every write goes straight to the system and each failure
+    // comes with its reason. On a disk that fills up the system first takes
+    // part of a write; through Qt's buffer that short write would only be
+    // "Unknown error", here the write of the rest fails with "No space left
+    // on device". A failed file is never committed over the old one.
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         return fail(file.errorString());
-    // The write only fills Qt's buffer; a disk that fills up is reported by
-    // the flush, and QSaveFile::commit() would rename the short file over
-    // the old one all the same, so the flush is checked first.
-    if (file.write(content.data(), content.size()) != content.size() || !file.flush()) {
-        const QString text = file.errorString();
-        file.cancelWriting();
-        return fail(text);
+    for (qsizetype written = 0; written < content.size();) {
+        const qint64 count = file.write(content.data() + written, content.size() - written);
+        if (count <= 0) {
+            const QString text = file.errorString();
+            file.cancelWriting();
+            return fail(text);
+        }
+        written += count;
     }
     if (!file.commit())
         return fail(file.errorString());

@@ -60,7 +60,7 @@ enum class ReadStatus {
     Ok,
     CannotOpen, // the file could not be read; errorString says why
     Damaged,    // the packing is broken ("Incorrect File Type." titled "Error")
-    WrongType,  // wrong length or marker ("Incorrect File Type." titled WR-PD6T)
+    WrongType,  // wrong length or marker, or no regular file ("Incorrect File Type." titled WR-PD6T)
 };
 
 struct ReadResult
@@ -73,13 +73,25 @@ struct ReadResult
 
 // Reads and checks a data file; the caller's image is not involved.
 ReadResult Read(const QString &path);
+
+// At most limit bytes of a regular file. Anything else (a pipe, a device, a
+// socket, a folder) is WrongType at once: it is never opened in a way that
+// could wait, as opening a pipe waits for a writer and reading it for its end.
+struct FileBytes
+{
+    ReadStatus status = ReadStatus::CannotOpen; // Ok, CannotOpen or WrongType
+    QByteArray bytes;
+    QString errorString; // the system's text when status is CannotOpen
+};
+FileBytes ReadRegularFile(const QString &path, qint64 limit);
 ReadResult Decode(QByteArrayView fileBytes);
 
 // The complete file content for an image.
 std::optional<QByteArray> Encode(const MemoryImage &image);
 
 // Replaces the file atomically: on failure the previous file is left as it
-// was and errorString holds the system's description.
+// was and errorString holds the system's description ("No space left on
+// device" when the disk fills up).
 bool Write(const QString &path, const MemoryImage &image, QString *errorString);
 // The same for any content: the whole file is staged in memory and replaces
 // the target only when completely written.

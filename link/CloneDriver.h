@@ -2,6 +2,7 @@
 
 #include "link/CloneEngine.h"
 
+#include <QHash>
 #include <QObject>
 #include <QSerialPort>
 #include <QTimer>
@@ -12,7 +13,11 @@ namespace wr {
 
 // Connects a CloneEngine to a real serial port and three timers on the
 // calling thread: the 1 ms send timer, the 300 ms time-out and a one-shot
-// timer for the short waits. Shared by the progress form and the tool.
+// timer for the short waits and for the quiet time a drain looks for.
+// Shared by the progress form and the tool.
+//
+// A port whose device goes away (a cable pulled) is closed at once: left
+// open it would wake the event loop without end, each time failing again.
 class CloneDriver : public QObject
 {
     Q_OBJECT
@@ -37,6 +42,7 @@ public:
 
 Q_SIGNALS:
     void progressChanged(int value, const QString &text);
+    void statusChanged(const QString &text);
     void portNumberChanged(int portNumber);
     void readCompleted();
     void unloaded();
@@ -46,7 +52,10 @@ private:
     void perform(const CloneEngine::Action &action);
     void checkWaitingBytes();
     void kickSendTimer();
+    void sendTick();
     void openPort(int number);
+    void portError(QSerialPort::SerialPortError error);
+    void discardInput();
     void stopAll();
 
     CloneEngine &m_engine;
@@ -57,8 +66,12 @@ private:
     QTimer m_waitTimer;
     int m_threshold = 0;
     int m_depth = 0;
+    int m_quietMs = 0;       // while draining: the quiet the drain waits for
+    bool m_draining = false;
     bool m_running = false;
     bool m_kickPending = false;
+    QHash<int, QString> m_devices; // port number -> device, as opened in this transfer
+    QString m_openDevice;
 };
 
 } // namespace wr

@@ -4,6 +4,8 @@
 #include "core/Language.h"
 #include "link/PortCatalogue.h"
 
+#include <utility>
+
 namespace wr {
 
 namespace {
@@ -49,6 +51,18 @@ constexpr Text LostConnection{u"Check Connection. Retry or Cancel?", u"检测连
                               u"檢測連接。重試或取消？"};
 constexpr Text ReadDone{u"Reading completed!", u"成功读完！", u"成功讀完"};
 constexpr Text WriteDone{u"Writing completed!", u"成功写完！", u"成功寫完"};
+
+constexpr Text NoAnswer{u"No answer on %1, retrying (%2 of %3)\u2026",
+    u"%1 无应答，正在重试（第 %2 次，共 %3 次）\u2026",
+    u"%1 無應答，正在重試（第 %2 次，共 %3 次）\u2026"};
+
+constexpr Text WrongAnswer{u"Unexpected answer on %1, retrying (%2 of %3)\u2026",
+    u"%1 应答有误，正在重试（第 %2 次，共 %3 次）\u2026",
+    u"%1 應答有誤，正在重試（第 %2 次，共 %3 次）\u2026"};
+
+constexpr Text TryingPort{u"Trying %1\u2026",
+    u"正在尝试 %1\u2026",
+    u"正在嘗試 %1\u2026"};
 
 Action make(Action::Kind kind, int value = 0)
 {
@@ -153,6 +167,57 @@ Actions CloneEngine::wait(WaitKind kind, int ms)
     return {make(Action::Wait, ms)};
 }
 
+Actions CloneEngine::drain()
+{
+    m_wait = WaitKind::Drain;
+    return {make(Action::Drain, ReplyQuietMs), make(Action::StartTimeout, TimeoutMs)};
+}
+
+Actions CloneEngine::setStatus(const QString &text)
+{
+    if (text == m_status)
+        return {};
+    m_status = text;
+    Action action = make(Action::Status);
+    action.text = text;
+    return {action};
+}
+
+void CloneEngine::notePortTried(const QString &device)
+{
+    for (PortTried &port : m_portsTried) {
+        if (port.number == m_state.PortNumber) {
+            if (!device.isEmpty())
+                port.device = device;
+            return;
+        }
+    }
+    m_portsTried.append({m_state.PortNumber, device});
+}
+
+QString CloneEngine::lostConnectionText(int language, const QString &detail)
+{
+    return LostConnection.in(language) + QStringLiteral("\n\n") + detail;
+}
+
+QString CloneEngine::lostConnectionTitle(int language)
+{
+    return Words::Error.in(language);
+}
+
+Actions CloneEngine::askLostConnection(const QString &detail)
+{
+    m_asking = true;
+    // Nothing to send or time while the question is up.
+    Actions actions{make(Action::StopSendTimer)};
+    actions += setStatus({});
+    Action ask = make(Action::AskLostConnection);
+    ask.text = lostConnectionText(m_state.LanguageIndex, detail);
+    ask.title = lostConnectionTitle(m_state.LanguageIndex);
+    actions += ask;
+    return actions;
+}
+
 void CloneEngine::prepare()
 {
     m_direction = m_state.LinkDirection == 0 ? Direction::Read : Direction::Write;
@@ -179,40 +244,65 @@ Actions CloneEngine::TransferDatas()
     return beginAttempt();
 }
 
-Actions CloneEngine::portOpened()
+Actions CloneEngine::portOpened(const QString &device)
 {
     if (!m_opening || m_unloaded)
         return {};
     m_opening = false;
+    m_scanOpening = false;
     m_portOpen = true;
+    notePortTried(device);
     if (m_reopenBeforeAsking) {
         m_reopenBeforeAsking = false;
-        m_asking = true;
-        Action ask = make(Action::AskLostConnection);
-        ask.text = LostConnection.in(m_state.LanguageIndex);
-        ask.title = Words::Error.in(m_state.LanguageIndex);
-        return {ask};
+        return askLostConnection(portsTriedLine(m_portsTried, m_state.LanguageIndex));
     }
     return beginAttempt();
 }
 
-Actions CloneEngine::portFailed(const QString &errorText)
+Actions CloneEngine::portFailed(const PortProblem &problem)
 {
     if (!m_opening || m_unloaded)
         return {};
     m_opening = false;
     m_reopenBeforeAsking = false;
+    notePortTried(problem.device);
     Action message = make(Action::ShowMessage);
-    message.text = errorText;
+    message.text = describePortProblem(m_state.PortNumber, problem, m_state.LanguageIndex);
+    // The user chose one port; the search may have met another they never meant.
+    if (std::exchange(m_scanOpening, false))
+        message.text += u'\n' + scanNote(m_state.PortNumber, SavedPort, m_state.LanguageIndex);
     message.title = ModelName();
     message.icon = MessageIcon::Exclamation;
-    Actions actions{make(Action::StopSendTimer), make(Action::StopTimeout), message};
+    Actions actions{make(Action::StopSendTimer), make(Action::StopTimeout)};
+    actions += setStatus({});
+    actions += message;
     actions += unload();
+    return actions;
+}
+
+Actions CloneEngine::portLost(const PortProblem &problem)
+{
+    if (m_unloaded || !m_portOpen)
+        return {};
+    // Nothing more can come or go: stop every timer at once and put the
+    // question, whatever step the transfer was at. Retry opens the port again.
+    m_portOpen = false;
+    m_threshold = 0;
+    m_wait = WaitKind::None;
+    m_staleBytes = false;
+    m_resent = false;
+    Rejected = false;
+    Actions actions{make(Action::StopSendTimer), make(Action::StopTimeout), make(Action::SetThreshold, 0),
+                    make(Action::ClosePort)};
+    if (m_asking)
+        return actions;
+    actions += askLostConnection(describePortProblem(m_state.PortNumber, problem, m_state.LanguageIndex));
     return actions;
 }
 
 Actions CloneEngine::beginAttempt()
 {
+    m_resent = false;
     Actions actions{make(Action::DiscardBuffers)};
     actions += resetProgress();
     Step = 0;
@@ -224,10 +314,14 @@ Actions CloneEngine::beginAttempt()
     return actions;
 }
 
-Actions CloneEngine::sendTick()
+Actions CloneEngine::sendTick(qint64 bytesWaiting)
 {
     if (m_unloaded || waiting() || m_asking || !m_portOpen || SentStep == Step)
         return {};
+    // Nothing is awaited now, so whatever is on the line is left over from
+    // an earlier exchange; it must not run into the answer to this frame.
+    if (m_staleBytes || bytesWaiting > 0)
+        return drain();
     Actions actions{make(Action::StopSendTimer)};
     Action send = make(Action::Send);
     send.bytes = frameFor(Step);
@@ -262,6 +356,10 @@ Actions CloneEngine::waitElapsed()
     const WaitKind kind = m_wait;
     m_wait = WaitKind::None;
     switch (kind) {
+    case WaitKind::Drain:
+        // The line is quiet: the send tick sends the frame.
+        m_staleBytes = false;
+        return {make(Action::StopTimeout)};
     case WaitKind::BeforeReply:
         return {make(Action::StopTimeout), make(Action::ReadReply)};
     case WaitKind::BeforeClose: {
@@ -283,6 +381,9 @@ Actions CloneEngine::replyRead(const QByteArray &reply)
 {
     if (m_unloaded)
         return {};
+    // More than awaited, another answer is arriving behind this one; after a
+    // resend one may still come for the other copy of the frame.
+    m_staleBytes = reply.size() > ReplyLength || std::exchange(m_resent, false);
     if (Step == 0) {
         // Whatever the radio says before its ACK (line noise as it wakes) is ignored.
         if (!reply.isEmpty() && reply.back() == Ack) {
@@ -329,7 +430,7 @@ Actions CloneEngine::afterAccepted()
         Step = SecondBlockStep;
     if (Step < LastStep)
         SentStep = NothingSent;
-    return {};
+    return setStatus({});
 }
 
 Actions CloneEngine::reject()
@@ -340,6 +441,12 @@ Actions CloneEngine::reject()
 
 Actions CloneEngine::timeoutTick()
 {
+    if (m_wait == WaitKind::Drain) {
+        // The line never fell quiet: as good as a rejected reply.
+        m_wait = WaitKind::None;
+        m_staleBytes = false;
+        Rejected = true;
+    }
     if (m_unloaded || waiting() || m_asking || m_opening)
         return {};
     Actions actions{make(Action::StopTimeout)};
@@ -349,12 +456,20 @@ Actions CloneEngine::timeoutTick()
     }
     if (RetryCount < RetryBudget) {
         // Same step again; the progress count restarts from here.
+        const bool answered = Rejected;
         ++RetryCount;
         Rejected = false;
         actions += resetProgress();
         actions += make(Action::DiscardBuffers);
         SentStep = NothingSent;
+        m_resent = true;
         actions += make(Action::StartSendTimer, SendIntervalMs);
+        actions += setStatus((answered ? WrongAnswer : NoAnswer)
+                                 .in(m_state.LanguageIndex)
+                                 .arg(QStringLiteral("COM%1").arg(m_state.PortNumber))
+                                 .arg(RetryCount)
+                                 .arg(RetryBudget));
+        actions += drain();
         return actions;
     }
     if (Step == 0) {
@@ -368,7 +483,10 @@ Actions CloneEngine::timeoutTick()
             }
             m_state.PortNumber = portNumberOf(ports.at(ScanIndex));
             actions += make(Action::PortChanged, m_state.PortNumber);
+            actions += setStatus(
+                TryingPort.in(m_state.LanguageIndex).arg(QStringLiteral("COM%1").arg(m_state.PortNumber)));
             ++ScanIndex;
+            m_scanOpening = true;
             actions += TransferDatas();
             return actions;
         }
@@ -379,11 +497,7 @@ Actions CloneEngine::timeoutTick()
         actions += make(Action::OpenPort, m_state.PortNumber);
         return actions;
     }
-    m_asking = true;
-    Action ask = make(Action::AskLostConnection);
-    ask.text = LostConnection.in(m_state.LanguageIndex);
-    ask.title = Words::Error.in(m_state.LanguageIndex);
-    actions += ask;
+    actions += askLostConnection(portsTriedLine(m_portsTried, m_state.LanguageIndex));
     return actions;
 }
 
@@ -394,10 +508,16 @@ Actions CloneEngine::answered(bool retry)
     m_asking = false;
     Rejected = false;
     if (retry) {
+        Step = 0;
+        if (!m_portOpen) {
+            // The port went away: open it again; the attempt starts once it is.
+            m_opening = true;
+            return {make(Action::OpenPort, m_state.PortNumber)};
+        }
         RetryCount = 0;
+        m_resent = false;
         Actions actions = resetProgress();
         actions += make(Action::DiscardBuffers);
-        Step = 0;
         SentStep = NothingSent;
         actions += make(Action::StartSendTimer, SendIntervalMs);
         return actions;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/PortProblem.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -33,10 +35,35 @@ struct AppState;
 //
 // The engine owns neither the port nor any timer. The driver feeds it events
 // (send tick, time-out tick, bytes waiting, a finished wait, the user's
-// answer, the port opened or not) and carries out the actions it returns, in
-// order. A short wait is an action too, so the user-interface thread never
-// blocks; until the driver reports it elapsed the engine ignores ticks and
-// leaves waiting bytes alone, which keeps the order of the exchange.
+// answer, the port opened, failed or lost) and carries out the actions it
+// returns, in order. A short wait is an action too, so the user-interface
+// thread never blocks; until the driver reports it elapsed the engine
+// ignores ticks and leaves waiting bytes alone, which keeps the order of the
+// exchange.
+//
+// Keeping replies in step. Nothing in a reply says which request it answers,
+// so a reply that comes late, or is cut in two by the time-out, would run
+// into the answer to the resend and put bytes of one row into another. The
+// line is therefore drained before a frame is sent again: whatever is
+// waiting is dropped, and so is every byte that follows, until nothing has
+// come in for ReplyQuietMs, the time one whole read reply takes on the cable
+// (20 bytes of 11 bits at 9600 baud: 23 ms). A new frame meets the same
+// drain only when bytes may be stale: when the frame before it had to be
+// sent again (the radio may yet answer the other copy), when the reply just
+// read was longer than awaited, or when bytes are waiting as the frame falls
+// due. A radio that answers just what it is asked never meets it and sees
+// the same bytes at the same times as ever.
+//
+// Where the drain sits among the waits. Each frame still goes: send, wait
+// 20 ms, reply complete, wait 10 ms, read; 300 ms after the send the
+// time-out tick gives up on it. After a time-out or a rejected reply the
+// steps stay in their order (count the retry, progress back to 0, discard
+// both buffers, start the send timer) and the drain stretches the discard
+// until the line is quiet; the send timer runs meanwhile but sends nothing,
+// as it sends nothing during a wait. A drain before a new frame stands in
+// the same place between the read and the send. While a drain lasts the
+// 300 ms time-out is armed, so a line that never falls quiet counts as one
+// more failed frame against the retry budget of 7.
 class CloneEngine
 {
 public:
@@ -56,8 +83,11 @@ public:
             StartTimeout,      // value: interval in ms, periodic until stopped
             StopTimeout,
             Wait,              // value: ms; answer with waitElapsed()
+            Drain,             // value: ms; drop every byte waiting or arriving until none has
+                               // come for that long, then answer with waitElapsed()
             ReadReply,         // read every waiting byte; answer with replyRead()
             Progress,          // value: 0-188, text: the label
+            Status,            // text: what the transfer is doing beyond the progress; empty when nothing
             PortChanged,       // value: the new PortNumber, for the status bar
             AskLostConnection, // text, title; answer with answered()
             ShowMessage,       // text, title, icon
@@ -80,6 +110,7 @@ public:
     static constexpr int WaitAfterFrameMs = 20;
     static constexpr int WaitBeforeReplyMs = 10;
     static constexpr int WaitBeforeCloseMs = 5;
+    static constexpr int ReplyQuietMs = 25;
     static constexpr qint16 NothingSent = 1800; // SentStep when the frame of Step is still to go
 
     // The image, band limits, PortNumber and language of state are used and
@@ -92,13 +123,17 @@ public:
     // Form load: remembers the port and starts the transfer.
     Actions start();
 
-    Actions sendTick();
+    // bytesWaiting: what the receive buffer holds as the tick comes.
+    Actions sendTick(qint64 bytesWaiting);
     Actions timeoutTick();
     Actions dataWaiting();
     Actions waitElapsed();
     Actions replyRead(const QByteArray &reply);
-    Actions portOpened();
-    Actions portFailed(const QString &errorText);
+    // device: what the port's name stands for, for the messages.
+    Actions portOpened(const QString &device = {});
+    Actions portFailed(const PortProblem &problem);
+    // The open port went away (a cable pulled); the driver has closed it.
+    Actions portLost(const PortProblem &problem);
     Actions answered(bool retry);
 
     // The frame and the awaited reply length of a step, for the direction.
@@ -106,10 +141,14 @@ public:
     int replyLengthFor(int step) const;
     // Image row moved by a data step; -1 for steps that move none.
     static int rowForStep(int step);
+    // The lost-connection question with what is said under it, and its title.
+    static QString lostConnectionText(int language, const QString &detail);
+    static QString lostConnectionTitle(int language);
 
     Direction direction() const { return m_direction; }
     QString caption() const;
     QString progressText() const;
+    QString status() const { return m_status; }
     int progress() const { return m_progress; }
     bool waiting() const { return m_wait != WaitKind::None; }
     bool asking() const { return m_asking; }
@@ -128,9 +167,13 @@ public:
     quint8 SavedPort = 1;
 
 private:
-    enum class WaitKind { None, AfterFrame, BeforeReply, BeforeClose, AfterFinish };
+    enum class WaitKind { None, AfterFrame, BeforeReply, BeforeClose, AfterFinish, Drain };
 
     Actions TransferDatas();
+    Actions drain();
+    Actions setStatus(const QString &text);
+    Actions askLostConnection(const QString &detail);
+    void notePortTried(const QString &device);
     Actions beginAttempt();
     Actions reject();
     Actions countRowDone();
@@ -151,6 +194,11 @@ private:
     bool m_asking = false;
     bool m_unloaded = false;
     bool m_reopenBeforeAsking = false;
+    bool m_scanOpening = false; // the port being opened was chosen by the port scan
+    bool m_staleBytes = false;  // drain before the next frame: the last reply was long, or followed a resend
+    bool m_resent = false;      // the frame awaiting its reply has been sent more than once
+    QString m_status;
+    QList<PortTried> m_portsTried;
 };
 
 } // namespace wr

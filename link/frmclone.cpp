@@ -3,10 +3,13 @@
 #include "core/AppState.h"
 #include "link/CloneDriver.h"
 #include "link/CloneEngine.h"
+#include "core/Language.h"
 #include "ui/MessageBox.h"
 
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -27,12 +30,28 @@ frmclone::frmclone(QWidget *parent)
     m_progress->setRange(0, CloneEngine::ProgressMaximum);
     m_progress->setValue(0);
     m_progress->setTextVisible(false);
+    // What the transfer is doing when the bar alone would look stuck:
+    // retrying, or trying another port. One line, kept even when empty so
+    // that the form does not jump; a long text never widens the form.
+    m_status = new QLabel(this);
+    m_status->setObjectName(QStringLiteral("lblStatus"));
+    m_status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    m_status->setMinimumHeight(m_status->fontMetrics().height());
+    auto *cancel = new QPushButton(this);
+    cancel->setObjectName(QStringLiteral("cmdCancel"));
+    cancel->setAutoDefault(false);
+    connect(cancel, &QPushButton::clicked, this, &frmclone::reject);
 
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(18, 14, 18, 18);
+    layout->setContentsMargins(18, 14, 18, 14);
     layout->setSpacing(8);
     layout->addWidget(m_label);
     layout->addWidget(m_progress);
+    layout->addWidget(m_status);
+    auto *buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(cancel);
+    layout->addLayout(buttons);
     setMinimumWidth(380);
 
     CloneDriver::Prompts prompts;
@@ -52,6 +71,10 @@ frmclone::frmclone(QWidget *parent)
         m_progress->setValue(value);
         m_label->setText(text);
     });
+    connect(m_driver.get(), &CloneDriver::statusChanged, this, [this](const QString &text) {
+        m_status->setText(text);
+        m_status->setToolTip(text);
+    });
     connect(m_driver.get(), &CloneDriver::portNumberChanged, this, &frmclone::portNumberChanged);
     connect(m_driver.get(), &CloneDriver::readCompleted, this, &frmclone::readCompleted);
     connect(m_driver.get(), &CloneDriver::unloaded, this, [this] { done(m_engine->Finished ? Accepted : Rejected); });
@@ -60,6 +83,7 @@ frmclone::frmclone(QWidget *parent)
     m_engine->prepare();
     setWindowTitle(m_engine->caption());
     m_label->setText(m_engine->progressText());
+    cancel->setText(Words::Cancel.in(app().LanguageIndex));
 }
 
 frmclone::~frmclone()

@@ -14,7 +14,9 @@ class CloneEngine;
 
 // The modal progress form of one transfer. It reads the radio into the image
 // (LinkDirection 0) or writes the image into it (1) over "COM" + PortNumber,
-// and owns the serial port for the length of the transfer.
+// and owns the serial port for the length of the transfer. Under the bar a
+// line says when the transfer retries or the port search moves on; Cancel
+// ends the transfer as closing the form does.
 class frmclone : public QDialog
 {
     Q_OBJECT
@@ -46,6 +48,7 @@ private:
     std::unique_ptr<CloneDriver> m_driver;
     QProgressBar *m_progress = nullptr;
     QLabel *m_label = nullptr;
+    QLabel *m_status = nullptr;
     bool m_started = false;
 };
 

@@ -3,9 +3,14 @@
 // 800 x 800 pixels, too small for the main window's prescribed size:
 //   QT_QPA_PLATFORM=offscreen:configfile=tests/shell/screens/large.json wrpd6t-screenshots OUTPUT_FOLDER
 // (QT_SCALE_FACTOR=1.5 for 150 %).
+// The progress form is also shown retrying and searching the ports against a
+// silent virtual radio, and the port error boxes with made-up devices.
 #include "channels/ChannelRecord.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
+#include "link/CloneEngine.h"
+#include "link/PortCatalogue.h"
+#include "link/PortProblem.h"
 #include "link/frmclone.h"
 #include "shell/LanguageForm.h"
 #include "shell/MDIForm1.h"
@@ -13,12 +18,19 @@
 #include "shell/frmAbout.h"
 #include "shell/frmComPort.h"
 
+#include "PtyRadio.h"
+#include "VirtualRadio.h"
+
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QDir>
+#include <QFile>
+#include <QLabel>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include <cstdio>
+#include <functional>
 
 namespace {
 
@@ -49,6 +61,77 @@ void save(QWidget *widget, const QString &folder, const QString &name)
     const QString path = QDir(folder).filePath(name + QStringLiteral(".png"));
     if (!widget->grab().save(path))
         std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
+}
+
+void waitFor(const std::function<bool()> &done, int ms)
+{
+    for (QDeadlineTimer deadline(ms); !done() && !deadline.hasExpired();)
+        QApplication::processEvents(QEventLoop::AllEvents, 10);
+}
+
+// A read against a radio that never answers: once retrying, once trying the
+// next port of the search.
+void saveRetrying(QWidget *window, const QString &folder, const QString &tag)
+{
+    wr::sim::VirtualRadio radio(wr::sim::RadioFaults{.silent = true});
+    wr::sim::PtyRadio line(radio, false);
+    QTemporaryDir links;
+    if (!line.open() || !QFile::link(line.devicePath(), links.filePath(QStringLiteral("com3"))))
+        return;
+    wr::setSerialPortsFolder(links.path());
+    wr::setSystemPortSource([] { return QList<wr::SystemPort>{}; });
+    wr::app().PortNumber = 3;
+    auto *clone = new wr::frmclone(window);
+    auto *status = clone->findChild<QLabel *>(QStringLiteral("lblStatus"));
+    clone->show();
+    waitFor([status] { return status->text().contains(u'2'); }, 3000);
+    save(clone, folder, QStringLiteral("progress-retrying-") + tag);
+    waitFor([status] { return status->text().contains(QStringLiteral("COM3\u2026")); }, 5000);
+    save(clone, folder, QStringLiteral("progress-port-search-") + tag);
+    delete clone;
+    wr::setSerialPortsFolder(QString());
+    wr::setSystemPortSource({});
+}
+
+void saveBox(QWidget *window, QMessageBox::Icon icon, const QString &title, const QString &text,
+             QMessageBox::StandardButtons buttons, const QString &folder, const QString &name)
+{
+    QMessageBox box(icon, title, text, buttons, window);
+    save(&box, folder, name);
+}
+
+// The boxes a port that fails shows, as the progress form words them.
+void savePortBoxes(QWidget *window, int language, const QString &folder, const QString &tag)
+{
+    using Kind = wr::PortProblem::Kind;
+    const QString usb = QStringLiteral("/dev/ttyUSB0");
+    const struct
+    {
+        const char *name;
+        wr::PortProblem problem;
+    } failures[] = {
+        {"port-missing-", {Kind::Missing, usb, QStringLiteral("No such file or directory"), {}}},
+        {"port-permission-", {Kind::NoPermission, usb, QStringLiteral("Permission denied"), QStringLiteral("dialout")}},
+        {"port-busy-", {Kind::Busy, usb, QStringLiteral("Permission error while locking the device"), {}}},
+    };
+    for (const auto &failure : failures)
+        saveBox(window, QMessageBox::Warning, wr::ModelName(), wr::describePortProblem(33, failure.problem, language),
+                QMessageBox::Ok, folder, QString::fromLatin1(failure.name) + tag);
+    const wr::PortProblem scanned{Kind::NoPermission, QStringLiteral("/dev/ttyS0"), QStringLiteral("Permission denied"),
+                                  QStringLiteral("dialout")};
+    saveBox(window, QMessageBox::Warning, wr::ModelName(),
+            wr::describePortProblem(1, scanned, language) + u'\n' + wr::scanNote(1, 33, language), QMessageBox::Ok,
+            folder, QStringLiteral("port-search-permission-") + tag);
+
+    const QString title = wr::CloneEngine::lostConnectionTitle(language);
+    const wr::PortProblem lost{Kind::Lost, usb, QStringLiteral("Input/output error"), {}};
+    saveBox(window, QMessageBox::Critical, title,
+            wr::CloneEngine::lostConnectionText(language, wr::describePortProblem(33, lost, language)),
+            QMessageBox::Retry | QMessageBox::Cancel, folder, QStringLiteral("port-lost-") + tag);
+    saveBox(window, QMessageBox::Critical, title,
+            wr::CloneEngine::lostConnectionText(
+                language, wr::portsTriedLine({{33, usb}, {1, QStringLiteral("/dev/ttyS0")}}, language)),
+            QMessageBox::Retry | QMessageBox::Cancel, folder, QStringLiteral("port-no-answer-") + tag);
 }
 
 } // namespace
@@ -88,6 +171,8 @@ int main(int argc, char *argv[])
         auto *clone = new wr::frmclone(&window);
         save(clone, folder, QStringLiteral("progress-form-") + tag);
         delete clone;
+        saveRetrying(&window, folder, tag);
+        savePortBoxes(&window, language, folder, tag);
         window.close();
     }
     return 0;

@@ -6,7 +6,13 @@
 #include <QRandomGenerator>
 #include <QTest>
 
+#include <algorithm>
 #include <memory>
+
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 using namespace wr;
 namespace DF = wr::DataFile;
@@ -78,6 +84,8 @@ private Q_SLOTS:
     void roundTrip();
     void hostileFiles_data();
     void hostileFiles();
+    void notRegularFiles_data();
+    void notRegularFiles();
     void garbageNeverCrashes();
     void write_data();
     void write();
@@ -268,6 +276,42 @@ void TestDataFile::hostileFiles()
     QCOMPARE(read.status, status);
     QCOMPARE(read.image.size(), status == DF::ReadStatus::Ok ? MemoryImage::Size : 0);
     QCOMPARE(read.errorString.isEmpty(), status != DF::ReadStatus::CannotOpen);
+}
+
+void TestDataFile::notRegularFiles_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("folder") << QStringLiteral("folder");
+    QTest::newRow("device") << QStringLiteral("device");
+    QTest::newRow("pipe without a writer") << QStringLiteral("pipe");
+    QTest::newRow("socket") << QStringLiteral("socket");
+}
+
+// Only regular files are read: anything else is refused at once, where a
+// pipe with no writer would otherwise hold the reader for ever.
+void TestDataFile::notRegularFiles()
+{
+    QFETCH(QString, kind);
+    QString path = m_fixture->path(kind);
+    const QByteArray name = QFile::encodeName(path);
+    const int socket = kind == u"socket" ? ::socket(AF_UNIX, SOCK_STREAM, 0) : -1;
+    if (kind == u"folder") {
+        QVERIFY(QDir().mkdir(path));
+    } else if (kind == u"device") {
+        path = QStringLiteral("/dev/zero");
+    } else if (kind == u"pipe") {
+        QCOMPARE(::mkfifo(name.constData(), 0600), 0);
+    } else {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        QVERIFY(name.size() < qsizetype(sizeof address.sun_path));
+        std::copy(name.begin(), name.end(), address.sun_path);
+        QCOMPARE(::bind(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+    }
+    const DF::ReadResult read = DF::Read(path);
+    if (socket >= 0)
+        ::close(socket);
+    QCOMPARE(read.status, DF::ReadStatus::WrongType);
 }
 
 void TestDataFile::garbageNeverCrashes()

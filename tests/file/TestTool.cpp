@@ -12,6 +12,8 @@
 
 #include <memory>
 
+#include <sys/stat.h>
+
 using namespace wr;
 using namespace Qt::Literals::StringLiterals;
 namespace DF = wr::DataFile;
@@ -37,7 +39,7 @@ Run runTool(QStringList arguments, const QString &folder)
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(WRPD6T_TOOL_PATH), arguments);
     Run run;
-    if (process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit)
+    if (process.waitForFinished(10000) && process.exitStatus() == QProcess::NormalExit)
         run = {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
                QString::fromUtf8(process.readAllStandardError())};
     return run;
@@ -77,6 +79,8 @@ private Q_SLOTS:
     void fileCommands();
     void backups();
 
+    void fullDisk();
+
 private:
     std::unique_ptr<test::Fixture> m_fixture;
 };
@@ -91,6 +95,8 @@ void TestTool::init()
     QVERIFY(test::writeFile(folder + u"/png.tw"_s, QByteArray::fromHex("89504E470D0A1A0A0000000D49484452")));
     QVERIFY(test::writeFile(folder + u"/truncated.tw"_s, test::readFile(folder + u"/channels.tw"_s).first(60)));
     QVERIFY(test::writeFile(folder + u"/plain"_s, "previous content"));
+    QVERIFY(QDir(folder).mkdir(u"folder.bin"_s));
+    QCOMPARE(::mkfifo(QFile::encodeName(folder + u"/pipe.tw"_s).constData(), 0600), 0);
 }
 
 void TestTool::exitCodes_data()
@@ -138,6 +144,11 @@ void TestTool::exitCodes_data()
     QTest::newRow("pack of a short container") << QStringList{u"pack"_s, u"@/short.bin"_s, u"@/out.tw"_s} << 1
                                                << u"@/short.bin: Incorrect File Type."_s;
     QTest::newRow("new under a regular file") << QStringList{u"new"_s, u"@/plain/radio.tw"_s} << 1 << u"@/plain"_s;
+    // Nobody writes into the pipe: reading it would wait for ever.
+    QTest::newRow("info of a pipe") << QStringList{u"info"_s, u"@/pipe.tw"_s} << 1
+                                    << u"@/pipe.tw: Incorrect File Type."_s;
+    QTest::newRow("pack of a folder") << QStringList{u"pack"_s, u"@/folder.bin"_s, u"@/out.tw"_s} << 1
+                                      << u"@/folder.bin: Incorrect File Type."_s;
 }
 
 void TestTool::exitCodes()
@@ -199,6 +210,27 @@ void TestTool::backups()
                       "2026-11-24 09:00:00\tread\tunreadable\t@/2026-11-24_090000-read.tw\n"
                       "2026-11-23 18:00:00\texit\t0\t@/2026-11-23_180000-exit.tw\n"
                       "2026-11-23 14:15:02\tread\t2\t@/2026-11-23_141502-read.tw\n"_s.replace(u"@"_s, backups));
+}
+
+// On a disk that fills up half way through the file, the tool says so in
+// the system's words. The disk is a small memory file system that only this
+// run sees, where the system allows one.
+void TestTool::fullDisk()
+{
+    const QString folder = m_fixture->folder();
+    const QString disk = folder + u"/disk"_s;
+    QVERIFY(QDir().mkdir(disk));
+    QProcess process;
+    process.start(u"unshare"_s, {u"--map-root-user"_s, u"--mount"_s, u"sh"_s, u"-c"_s,
+                                 u"mount -t tmpfs -o size=8k none \"$1\" || exit 99; "
+                                 "exec \"$2\" unpack \"$3\" \"$1/channels.bin\""_s,
+                                 u"sh"_s, disk, QStringLiteral(WRPD6T_TOOL_PATH), folder + u"/channels.tw"_s});
+    if (!process.waitForFinished(10000) || process.exitStatus() != QProcess::NormalExit || process.exitCode() == 99
+        || process.error() == QProcess::FailedToStart)
+        QSKIP("no private memory file system can be mounted here");
+    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
+             u"wrpd6t-tool: %1/channels.bin: No space left on device\n"_s.arg(disk));
 }
 
 QTEST_GUILESS_MAIN(TestTool)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/AppState.h"
 #include "core/MemoryImage.h"
 
 #include <QList>
@@ -25,6 +26,16 @@ inline void fillPattern(MemoryImage &image, int seed)
 {
     for (int address = 0; address < MemoryImage::Size; ++address)
         image.WriteByte(address, static_cast<std::uint8_t>((address * 7 + (address >> 4) * 3 + seed * 101) & 0xFF));
+}
+
+// The application state for one transfer: its language, direction and port.
+inline AppState &transferState(int language, bool read, int port)
+{
+    AppState &state = app();
+    state.LanguageIndex = static_cast<quint8>(language);
+    state.LinkDirection = read ? 0 : 1;
+    state.PortNumber = static_cast<quint8>(port);
+    return state;
 }
 
 } // namespace wr::test

@@ -12,13 +12,14 @@ namespace wr::test {
 
 // A virtual radio on a pseudo-terminal in this process, listed as COM200
 // through a link in a private serial-ports folder; the system's own serial
-// devices are hidden so a port scan only sees the radio of the test.
+// devices are hidden so a port scan only sees the radio of the test. Without
+// pacing every answer is on the line at once.
 class RadioOnPty
 {
 public:
-    explicit RadioOnPty(const QString &folder, sim::RadioFaults faults = {})
+    explicit RadioOnPty(const QString &folder, sim::RadioFaults faults = {}, bool pacing = false)
         : radio(faults)
-        , m_line(radio, false)
+        , m_line(radio, pacing)
     {
         QDir().mkpath(folder);
         setSerialPortsFolder(folder);
@@ -34,6 +35,14 @@ public:
 
     bool isOpen() const { return m_open; }
     QString errorString() const { return m_line.errorString(); }
+    QString devicePath() const { return m_line.devicePath(); }
+    // Pulls the cable: the device is gone and the system lists it no more.
+    // (The link goes too: another test may be given the same device name.)
+    void hangUp()
+    {
+        m_line.hangUp();
+        QFile::remove(serialPortsFolder() + QStringLiteral("/com200"));
+    }
 
     sim::VirtualRadio radio;
 

@@ -1,3 +1,4 @@
+#include "LinkTestData.h"
 #include "TestSupport.h"
 
 #include "core/AppState.h"
@@ -7,6 +8,7 @@
 
 #include <QTest>
 
+#include <deque>
 #include <utility>
 
 using namespace wr;
@@ -20,46 +22,98 @@ Q_DECLARE_METATYPE(wr::sim::RadioFaults)
 namespace {
 
 // Drives a CloneEngine against virtual radios on numbered ports with a made-up
-// millisecond clock: the earliest of the reply (5 ms after its frame), the
-// wait, the time-out and the send tick happens next, so a whole transfer,
-// time-outs and port scan included, takes a few milliseconds of real time.
+// microsecond clock. Every byte takes its time on the cable at 9600 baud both
+// ways, and a radio answers one request after the other, with a pause
+// between two answers sent back to back, as the virtual radio on a
+// pseudo-terminal does. The earliest of the next byte, the wait (or the
+// quiet a drain waits for), the time-out and the send tick happens next, so a
+// whole transfer, time-outs and port scan included, takes a few milliseconds
+// of real time.
 struct FakeLink
 {
+    static constexpr qint64 ByteUs = 11'000'000 / 9600;
+
     FakeLink(CloneEngine &e, int radioPort, VirtualRadio *radio) : engine(e) { radios[radioPort] = radio; }
     CloneEngine &engine;
     QMap<int, VirtualRadio *> radios; // ports without one are silent but open
     QSet<int> lostReplies;            // indexes of frames whose answer is lost
+    int pullCableAtFrame = -1;        // the device goes away instead of sending this frame
+    int babbleEveryMs = 0;            // noise on the line, one byte this often, for ever
     bool retry = false;               // the first answer to the lost-connection question; then Cancel
 
     QList<QPair<int, QByteArray>> frames; // port, bytes
     QList<int> portChanges;
-    QList<qint64> questionTimes;
-    int messages = 0;
+    QList<qint64> questionTimes; // ms
+    QStringList questions, messages, statuses;
     int port = 0, threshold = 0;
-    bool unloaded = false;
-    qint64 now = 0, due[4] = {-1, -1, -1, -1}; // reply, wait, time-out, send tick; -1 when idle
-    int every[4] = {};
-    QByteArray rx, pending;
+    bool unloaded = false, draining = false, cablePulled = false;
+    int quietMs = 0;
+    qint64 now = 0, due[3] = {-1, -1, -1}; // µs: wait, time-out, send tick; -1 when idle
+    qint64 every[3] = {};
+    std::deque<std::pair<qint64, char>> line; // bytes on their way to the program, with their arrival
+    qint64 lineFree = 0;
+    QByteArray rx;
 
     int count(int onPort, const QByteArray &frame) const { return int(frames.count({onPort, frame})); }
+    qint64 nowMs() const { return now / 1000; }
 
     void run()
     {
         perform(engine.start());
         while (!unloaded) {
-            int next = -1; // ties go to the lower index
-            for (int i = 0; i < 4; ++i)
+            int next = -1; // ties go to the lower index; a byte goes before any timer
+            for (int i = 0; i < 3; ++i)
                 next = due[i] >= 0 && (next < 0 || due[i] < due[next]) ? i : next;
-            if (next < 0)
+            if (babbleEveryMs > 0 && line.empty())
+                line.emplace_back(now + babbleEveryMs * 1000, char(0x55));
+            const bool byteFirst = !line.empty() && (next < 0 || line.front().first <= due[next]);
+            if (!byteFirst && next < 0)
                 return; // nothing left that could move the transfer on
-            now = std::max(now, due[next]);
-            due[next] = next < 2 ? -1 : now + every[next];
-            if (next == 0)
-                rx += std::exchange(pending, {});
-            else
-                perform(next == 1 ? engine.waitElapsed() : next == 2 ? engine.timeoutTick() : engine.sendTick());
+            if (byteFirst) {
+                now = std::max(now, line.front().first);
+                while (!line.empty() && line.front().first <= now)
+                    rx += line.front().second, line.pop_front();
+                if (draining) // dropped, and the quiet starts again
+                    rx.clear(), due[0] = now + quietMs * 1000;
+            } else {
+                now = std::max(now, due[next]);
+                due[next] = next == 0 ? -1 : now + every[next];
+                if (next == 0)
+                    draining = false;
+                perform(next == 0   ? engine.waitElapsed()
+                            : next == 1 ? engine.timeoutTick()
+                                        : engine.sendTick(rx.size()));
+            }
             if (!unloaded && threshold > 0 && port && rx.size() >= threshold && !engine.waiting() && !engine.asking())
                 perform(engine.dataWaiting());
+        }
+    }
+
+    void send(const QByteArray &bytes)
+    {
+        if (frames.size() == pullCableAtFrame) {
+            cablePulled = true;
+            port = 0;
+            line.clear();
+            PortProblem lost{PortProblem::Kind::Lost, u"/dev/ttyUSB0"_s, u"Input/output error"_s, {}};
+            perform(engine.portLost(lost));
+            return;
+        }
+        VirtualRadio *radio = radios.value(port);
+        const bool lost = lostReplies.contains(int(frames.size()));
+        frames.append({port, bytes});
+        if (!radio)
+            return;
+        const qint64 arrived = now + bytes.size() * ByteUs;
+        for (const VirtualRadio::Piece &piece : radio->receive(bytes)) {
+            qint64 ready = arrived + piece.atMs * 1000;
+            if (ready < lineFree) // queued behind another answer
+                ready = lineFree + VirtualRadio::AnswerGapMs * 1000;
+            for (const char byte : piece.bytes) {
+                lineFree = std::max(ready, lineFree) + ByteUs;
+                if (!lost)
+                    line.emplace_back(lineFree, byte);
+            }
         }
     }
 
@@ -69,30 +123,34 @@ struct FakeLink
             if (unloaded)
                 return;
             switch (a.kind) {
-            case Action::OpenPort: port = a.value; perform(engine.portOpened()); break;
-            case Action::ClosePort: port = 0; pending.clear(); due[0] = -1; [[fallthrough]];
-            case Action::DiscardBuffers: rx.clear(); break;
-            case Action::Send: {
-                VirtualRadio *radio = radios.value(port);
-                const QByteArray answer = radio ? radio->receive(a.bytes) : QByteArray();
-                if (!answer.isEmpty() && !lostReplies.contains(int(frames.size())))
-                    pending += answer, due[0] = now + 5;
-                frames.append({port, a.bytes});
+            case Action::OpenPort:
+                if (cablePulled) {
+                    perform(engine.portFailed({PortProblem::Kind::Missing, u"/dev/ttyUSB0"_s,
+                                               u"No such file or directory"_s, {}}));
+                    break;
+                }
+                port = a.value;
+                perform(engine.portOpened());
                 break;
-            }
+            case Action::ClosePort: port = 0; line.clear(); draining = false; [[fallthrough]];
+            case Action::DiscardBuffers: rx.clear(); break;
+            case Action::Send: send(a.bytes); break;
             case Action::SetThreshold: threshold = a.value; break;
-            case Action::StartSendTimer: due[3] = now + (every[3] = a.value); break;
-            case Action::StopSendTimer: due[3] = -1; break;
-            case Action::StartTimeout: due[2] = now + (every[2] = a.value); break;
-            case Action::StopTimeout: due[2] = -1; break;
-            case Action::Wait: due[1] = now + a.value; break;
+            case Action::StartSendTimer: due[2] = now + (every[2] = a.value * 1000); break;
+            case Action::StopSendTimer: due[2] = -1; break;
+            case Action::StartTimeout: due[1] = now + (every[1] = a.value * 1000); break;
+            case Action::StopTimeout: due[1] = -1; break;
+            case Action::Wait: due[0] = now + a.value * 1000, draining = false; break;
+            case Action::Drain: due[0] = now + (quietMs = a.value) * 1000, draining = true, rx.clear(); break;
+            case Action::Status: statuses.append(a.text); break;
             case Action::ReadReply: perform(engine.replyRead(std::exchange(rx, {}))); break;
             case Action::PortChanged: portChanges.append(a.value); break;
             case Action::AskLostConnection:
-                questionTimes.append(now);
+                questionTimes.append(nowMs());
+                questions.append(a.text);
                 perform(engine.answered(std::exchange(retry, false)));
                 break;
-            case Action::ShowMessage: ++messages; break;
+            case Action::ShowMessage: messages.append(a.text); break;
             case Action::Unload: unloaded = true; break;
             default: break; // progress and refresh: what the form shows
             }
@@ -120,6 +178,8 @@ private Q_SLOTS:
     void transfer();
     void portScan_data();
     void portScan();
+    void cablePulled();
+    void babblingLine();
     void replyWhileRejectedChangesNothing();
 
 private:
@@ -134,18 +194,29 @@ void TestCloneEngine::transfer_data()
     QTest::addColumn<bool>("retry");
     QTest::addColumn<int>("progress"); // at the closing message; -1: the transfer failed
     QTest::addColumn<int>("identityRequests");
+    QTest::addColumn<QString>("status"); // the last line shown under the bar; it goes when the transfer moves on
 
     const QList<int> none, seven{4, 9, 30, 31, 32, 100, 150};
-    QTest::newRow("read ends at 188") << true << RadioFaults{} << none << false << 188 << 1;
-    QTest::newRow("write ends at 187") << false << RadioFaults{} << none << false << 187 << 1;
+    const QString noAnswer = u"No answer on COM2, retrying (%1 of 7)\u2026"_s;
+    QTest::newRow("read ends at 188") << true << RadioFaults{} << none << false << 188 << 1 << QString();
+    QTest::newRow("write ends at 187") << false << RadioFaults{} << none << false << 187 << 1 << QString();
     QTest::newRow("identification one off: 8 requests, no scan")
-        << true << RadioFaults{.wrongId = true} << none << false << -1 << 8;
+        << true << RadioFaults{.wrongId = true} << none << false << -1 << 8
+        << u"Unexpected answer on COM2, retrying (7 of 7)\u2026"_s;
     // Each resend starts the bar over: 46 rows follow the last lost reply.
-    QTest::newRow("seven lost replies are resent") << true << RadioFaults{} << seven << false << 46 << 1;
-    QTest::newRow("eighth lost reply spends the budget") << true << RadioFaults{} << seven + QList<int>{170} << false
-                                                         << -1 << 1;
+    QTest::newRow("seven lost replies are resent")
+        << true << RadioFaults{} << seven << false << 46 << 1 << noAnswer.arg(7);
+    QTest::newRow("eighth lost reply spends the budget")
+        << true << RadioFaults{} << seven + QList<int>{170} << false << -1 << 1 << noAnswer.arg(7);
     QTest::newRow("Retry starts over from PROGRAM")
-        << true << RadioFaults{.hangUpAfterRows = 10} << none << true << 188 << 2;
+        << true << RadioFaults{.hangUpAfterRows = 10} << none << true << 188 << 2 << noAnswer.arg(7);
+    // One resend of row 40, after which the bar counts the other 148 rows.
+    QTest::newRow("read, one reply past the time-out")
+        << true << RadioFaults{.lateReplyRow = 40} << none << false << 148 << 1 << noAnswer.arg(1);
+    QTest::newRow("read, one reply across the time-out")
+        << true << RadioFaults{.splitReplyRow = 40} << none << false << 148 << 1 << noAnswer.arg(1);
+    QTest::newRow("write, a late second ACK")
+        << false << RadioFaults{.duplicateAckRow = 40} << none << false << 187 << 1 << QString();
 }
 
 void TestCloneEngine::transfer()
@@ -156,13 +227,13 @@ void TestCloneEngine::transfer()
     QFETCH(bool, retry);
     QFETCH(int, progress);
     QFETCH(int, identityRequests);
+    QFETCH(QString, status);
     const bool completes = progress > 0;
 
-    AppState &state = app();
-    state.LinkDirection = read ? 0 : 1;
-    state.LanguageIndex = 0;
-    state.PortNumber = 2;
+    AppState &state = test::transferState(0, read, 2);
     VirtualRadio radio(faults);
+    test::fillPattern(radio.memory(), 5);
+    test::fillPattern(state.image, 6);
     CloneEngine engine(state, [] { return QStringList{u"COM2"_s}; });
     FakeLink link(engine, 2, &radio);
     link.lostReplies = {lostReplies.begin(), lostReplies.end()};
@@ -175,11 +246,17 @@ void TestCloneEngine::transfer()
     QVERIFY(link.portChanges.isEmpty()); // the opening command was answered: no scan
     QCOMPARE(link.count(2, "PROGRAM"), retry ? 2 : 1);
     QCOMPARE(link.count(2, QByteArray(1, 0x02)), identityRequests);
-    QCOMPARE(link.messages, completes ? 1 : 0); // "Reading completed!"
+    QCOMPARE(link.messages.size(), completes ? 1 : 0); // "Reading completed!"
+    const QStringList shown = link.statuses.filter(u"COM"_s);
+    QCOMPARE(shown.isEmpty() ? QString() : shown.last(), status);
     if (!completes)
         return;
+    QCOMPARE(engine.status(), QString());
     QCOMPARE(engine.progress(), progress);
-    if (lostReplies.isEmpty()) { // one frame per step of the last attempt
+    // Every row moved is an exact copy: no byte of one answer ends up in another row.
+    for (const int row : test::transferredRows(read))
+        QCOMPARE(state.image.row(row), radio.memory().row(row));
+    if (progress >= 187) { // no resend: one frame per step of the last attempt
         QCOMPARE(engine.progressText(), u"Completion percentage:  %1%"_s.arg(read ? 100 : 99));
         QCOMPARE(link.frames.size() - (retry ? link.frames.indexOf({2, "PROGRAM"}, 1) : 0), 2 + progress + 1);
     }
@@ -199,14 +276,16 @@ void TestCloneEngine::portScan_data()
     QTest::addColumn<int>("radioPort");
     QTest::addColumn<QList<int>>("portChanges");
     QTest::addColumn<int>("openingFramesOnChosenPort");
+    QTest::addColumn<QString>("portsTried"); // under the lost-connection question
 
     // The chosen port 5 opens, but nothing answers there; each port tried
     // gets the opening command 1 + 7 times.
     QTest::newRow("radio found on a listed port, which is kept")
-        << QStringList{u"COM1"_s, u"COM4"_s, u"COM5"_s} << 4 << QList<int>{1, 4} << 8;
+        << QStringList{u"COM1"_s, u"COM4"_s, u"COM5"_s} << 4 << QList<int>{1, 4} << 8 << QString();
     QTest::newRow("no radio: Cancel gives the chosen port back")
-        << QStringList{u"COM1"_s, u"COM5"_s} << 0 << QList<int>{1, 5, 5} << 16;
-    QTest::newRow("no port listed: straight to the question") << QStringList{QString()} << 0 << QList<int>{5} << 8;
+        << QStringList{u"COM1"_s, u"COM5"_s} << 0 << QList<int>{1, 5, 5} << 16 << u"Ports tried: COM5, COM1"_s;
+    QTest::newRow("no port listed: straight to the question")
+        << QStringList{QString()} << 0 << QList<int>{5} << 8 << u"Port tried: COM5"_s;
 }
 
 void TestCloneEngine::portScan()
@@ -215,10 +294,9 @@ void TestCloneEngine::portScan()
     QFETCH(int, radioPort);
     QFETCH(QList<int>, portChanges);
     QFETCH(int, openingFramesOnChosenPort);
+    QFETCH(QString, portsTried);
 
-    AppState &state = app();
-    state.LinkDirection = 0;
-    state.PortNumber = 5;
+    AppState &state = test::transferState(0, true, 5);
     VirtualRadio radio;
     CloneEngine engine(state, [ports] { return ports; });
     FakeLink link(engine, radioPort, &radio);
@@ -229,8 +307,57 @@ void TestCloneEngine::portScan()
     QCOMPARE(int{state.PortNumber}, radioPort ? radioPort : 5);
     QCOMPARE(engine.Finished, radioPort != 0);
     QCOMPARE(link.count(5, "PROGRAM"), openingFramesOnChosenPort);
-    if (ports.first().isEmpty()) // a dead attempt is bounded: 8 frames, 300 ms each
+    // A dead attempt is bounded: 8 frames, 300 ms each, and a quiet line before each resend.
+    if (ports.first().isEmpty())
         QVERIFY(link.questionTimes.value(0) >= 2400 && link.questionTimes.value(0) < 2700);
+    QCOMPARE(link.questions, portsTried.isEmpty() ? QStringList{}
+                                                  : QStringList{u"Check Connection. Retry or Cancel?\n\n"_s + portsTried});
+    // Each port the scan moves to is named under the bar; Cancel's return to port 5 is not a scan step.
+    QStringList trying;
+    for (const int port : radioPort ? portChanges : portChanges.first(portChanges.size() - 1))
+        trying.append(u"Trying COM%1\u2026"_s.arg(port));
+    QCOMPARE(link.statuses.filter(u"Trying"_s), trying);
+}
+
+// The device goes away in the middle of a read: the question comes at once,
+// naming the port; Retry finds it still gone and says so.
+void TestCloneEngine::cablePulled()
+{
+    AppState &state = test::transferState(0, true, 33);
+    VirtualRadio radio;
+    CloneEngine engine(state, [] { return QStringList{u"COM33"_s}; });
+    FakeLink link(engine, 33, &radio);
+    link.pullCableAtFrame = 30;
+    link.retry = true;
+    link.run();
+
+    QVERIFY(link.unloaded);
+    QCOMPARE(link.frames.size(), 30);
+    QCOMPARE(engine.RetryCount, quint8{0}); // no resends into a port that is gone
+    QCOMPARE(link.questions,
+             QStringList{u"Check Connection. Retry or Cancel?\n\nCOM33 (/dev/ttyUSB0): Input/output error\n"
+                         "The port went away during the transfer: check that the cable is still plugged in, then "
+                         "choose Retry."_s});
+    QCOMPARE(link.messages, QStringList{u"COM33 (/dev/ttyUSB0): No such file or directory\nCheck that the programming "
+                                        "cable is plugged in and that this is the right port."_s});
+    QCOMPARE(engine.progress(), 28); // the rows before stay read
+}
+
+// A line that never falls quiet cannot hold the transfer: each drain ends
+// with the time-out as one failed frame, and the budget leads to the question.
+void TestCloneEngine::babblingLine()
+{
+    AppState &state = test::transferState(0, false, 2);
+    CloneEngine engine(state, [] { return QStringList{QString()}; });
+    FakeLink link(engine, 2, nullptr);
+    link.babbleEveryMs = 10;
+    link.run();
+
+    QVERIFY(link.unloaded);
+    QCOMPARE(link.count(2, "PROGRAM"), 1); // the line is never quiet enough to send it again
+    QCOMPARE(link.questionTimes.size(), 1);
+    QVERIFY(link.questionTimes.first() >= 7 * 300 && link.questionTimes.first() < 8 * 300);
+    QCOMPARE(link.statuses.filter(u"COM"_s).last(), u"Unexpected answer on COM2, retrying (7 of 7)\u2026"_s);
 }
 
 void TestCloneEngine::replyWhileRejectedChangesNothing()
@@ -242,21 +369,24 @@ void TestCloneEngine::replyWhileRejectedChangesNothing()
     };
     engine.start();
     engine.portOpened();
-    engine.sendTick(); // PROGRAM
+    engine.sendTick(0); // PROGRAM
     engine.waitElapsed();
     engine.replyRead(QByteArray(1, 0x06));
-    engine.sendTick(); // 02
+    engine.sendTick(0); // 02
     engine.waitElapsed();
     QVERIFY(has(engine.replyRead("QAWPD6X"), Action::StartTimeout, 1, {}));
     QVERIFY(engine.Rejected);
     // A late reply arriving now is not even read.
     QVERIFY(engine.dataWaiting().isEmpty());
     QCOMPARE(engine.Step, qint16{1});
-    // The time-out tick that follows resends the identification request.
-    engine.timeoutTick();
+    // The time-out tick that follows drains the line and then resends the
+    // identification request.
+    QVERIFY(has(engine.timeoutTick(), Action::Drain, CloneEngine::ReplyQuietMs, {}));
     QCOMPARE(engine.RetryCount, quint8{1});
     QVERIFY(!engine.Rejected);
-    QVERIFY(has(engine.sendTick(), Action::Send, 0, QByteArray(1, 0x02)));
+    QVERIFY(engine.sendTick(0).isEmpty());
+    engine.waitElapsed();
+    QVERIFY(has(engine.sendTick(0), Action::Send, 0, QByteArray(1, 0x02)));
 }
 
 QTEST_GUILESS_MAIN(TestCloneEngine)

@@ -7,6 +7,7 @@
 #include "ui/MessageBox.h"
 
 #include <QLabel>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -33,6 +34,7 @@ private Q_SLOTS:
 
     void transfer_data();
     void transfer();
+    void cancelWhileRetrying();
 
 private:
     std::unique_ptr<test::Fixture> m_fixture;
@@ -60,10 +62,7 @@ void TestFrmclone::transfer()
     test::RadioOnPty line(m_fixture->path(u"serial-ports"_s)); // on COM200
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     test::fillPattern(line.radio.memory(), 9);
-    AppState &state = app();
-    state.LanguageIndex = static_cast<quint8>(language);
-    state.LinkDirection = 0;
-    state.PortNumber = static_cast<quint8>(port);
+    AppState &state = test::transferState(language, true, port);
     test::fillPattern(state.image, 10);
     state.image.TakeSnapshot();
     const MemoryImage before = state.image;
@@ -84,13 +83,43 @@ void TestFrmclone::transfer()
     QCOMPARE(shown.size(), 1);
     QCOMPARE(shown.first().title, u"WR-PD6T"_s);
     QCOMPARE(shown.first().icon, reads ? QMessageBox::Information : QMessageBox::Warning);
-    QVERIFY(reads ? shown.first().text == u"Reading completed!"_s : !shown.first().text.isEmpty());
+    QCOMPARE(shown.first().text, reads ? u"Reading completed!"_s
+                                       : u"COM201: No such file or directory\n请检查写频线是否插好，以及所选端口是否正确。"_s);
 
     const QList<int> moved = reads ? test::transferredRows(true) : QList<int>{};
     for (int row = 0; row < MemoryImage::RowCount; ++row)
         QCOMPARE(state.image.row(row), moved.contains(row) ? line.radio.memory().row(row) : before.row(row));
     QVERIFY(!state.image.IsModified());
     QCOMPARE(state.BandLimits, reads ? LoadBandLimits(line.radio.memory()) : limitsBefore);
+}
+
+// The radio stops answering after five rows: the line under the bar says
+// that the form retries, and Cancel ends the transfer with the rows read.
+void TestFrmclone::cancelWhileRetrying()
+{
+    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s), sim::RadioFaults{.hangUpAfterRows = 5});
+    QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
+    test::fillPattern(line.radio.memory(), 1);
+    AppState &state = test::transferState(2, true, 200);
+    test::fillPattern(state.image, 2);
+    const MemoryImage before = state.image;
+
+    frmclone form;
+    form.show();
+    auto *status = form.findChild<QLabel *>(u"lblStatus"_s);
+    auto *cancel = form.findChild<QPushButton *>(u"cmdCancel"_s);
+    QVERIFY(status && cancel);
+    QCOMPARE(cancel->text(), u"取消"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(status->text(), u"COM200 無應答，正在重試（第 2 次，共 7 次）\u2026"_s, 10000);
+    QCOMPARE(form.findChild<QLabel *>(u"lblPercent"_s)->text(), u"完成進度:  0%"_s);
+    QTest::mouseClick(cancel, Qt::LeftButton);
+
+    QVERIFY(!form.isVisible());
+    QCOMPARE(form.result(), int{QDialog::Rejected});
+    QVERIFY(!form.isTransferring());
+    QVERIFY(MessageBox::history().isEmpty());
+    for (int row = 0; row < MemoryImage::RowCount; ++row)
+        QCOMPARE(state.image.row(row), row < 5 ? line.radio.memory().row(row) : before.row(row));
 }
 
 QTEST_MAIN(TestFrmclone)

@@ -9,7 +9,14 @@
 #include "link/CloneDriver.h"
 #include "link/CloneEngine.h"
 
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QSerialPort>
 #include <QTest>
+#include <QTimer>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 using namespace wr;
 using namespace Qt::Literals::StringLiterals;
@@ -28,6 +35,9 @@ private Q_SLOTS:
 
     void transfer_data();
     void transfer();
+    void cablePulled();
+    void portErrors_data();
+    void portErrors();
 
 private:
     std::unique_ptr<test::Fixture> m_fixture;
@@ -37,32 +47,37 @@ void TestLinkEndToEnd::transfer_data()
 {
     QTest::addColumn<bool>("read");
     QTest::addColumn<RadioFaults>("faults");
+    QTest::addColumn<bool>("pacing"); // bytes at 9600 baud, where their timing is the fault
     QTest::addColumn<int>("rowsMoved"); // 188 read or 187 written when complete; else a question, answered Cancel
 
-    QTest::newRow("read, noise before the ACK") << true << RadioFaults{.noiseBeforeAck = true} << 188;
-    QTest::newRow("write, a dropped reply is resent") << false << RadioFaults{.dropReplyRow = 200} << 187;
-    QTest::newRow("read, late replies") << true << RadioFaults{.delayMs = 20} << 188;
-    QTest::newRow("silent: scan, Cancel") << true << RadioFaults{.silent = true} << 0;
-    QTest::newRow("wrong id: Cancel") << true << RadioFaults{.wrongId = true} << 0;
-    QTest::newRow("hang-up, Cancel keeps 20 rows") << true << RadioFaults{.hangUpAfterRows = 20} << 20;
-    QTest::newRow("refused writes: radio untouched") << false << RadioFaults{.nakWrites = true} << 0;
+    QTest::newRow("read, noise before the ACK") << true << RadioFaults{.noiseBeforeAck = true} << false << 188;
+    QTest::newRow("write, a dropped reply and a late second ACK")
+        << false << RadioFaults{.dropReplyRow = 200, .duplicateAckRow = 40} << false << 187;
+    QTest::newRow("read, late replies") << true << RadioFaults{.delayMs = 20} << false << 188;
+    QTest::newRow("silent: scan, Cancel") << true << RadioFaults{.silent = true} << false << 0;
+    QTest::newRow("wrong id: Cancel") << true << RadioFaults{.wrongId = true} << false << 0;
+    QTest::newRow("hang-up, Cancel keeps 20 rows") << true << RadioFaults{.hangUpAfterRows = 20} << false << 20;
+    QTest::newRow("refused writes: radio untouched") << false << RadioFaults{.nakWrites = true} << false << 0;
+    // The answer to a resend follows the late answer at once, and the rest
+    // of a split answer comes after the time-out; no byte of either may end
+    // up in another row.
+    QTest::newRow("read, replies past and across the time-out")
+        << true << RadioFaults{.lateReplyRow = 40, .splitReplyRow = 100} << true << 188;
 }
 
 void TestLinkEndToEnd::transfer()
 {
     QFETCH(bool, read);
     QFETCH(RadioFaults, faults);
+    QFETCH(bool, pacing);
     QFETCH(int, rowsMoved);
     const bool completes = rowsMoved >= 187;
 
-    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s), faults);
+    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s), faults, pacing);
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     test::fillPattern(line.radio.memory(), 7);
     const MemoryImage radioBefore = line.radio.memory();
-    AppState &state = app();
-    state.LanguageIndex = 0;
-    state.LinkDirection = read ? 0 : 1;
-    state.PortNumber = 200;
+    AppState &state = test::transferState(0, read, 200);
     test::fillPattern(state.image, 8);
     state.image.TakeSnapshot();
     const MemoryImage imageBefore = state.image;
@@ -88,6 +103,150 @@ void TestLinkEndToEnd::transfer()
     QCOMPARE(state.image.IsModified(), read && !completes && rowsMoved > 0);
     QVERIFY(read || state.image == imageBefore);
     QCOMPARE(line.radio.sessionsEnded(), completes ? 1 : 0); // "END" took the radio out of clone mode
+}
+
+// The cable is pulled in the middle of a read. The transfer goes straight to
+// the lost-connection question and, while it is up, costs no more CPU than
+// waiting; Retry reopens the port and reports that the device is gone.
+void TestLinkEndToEnd::cablePulled()
+{
+    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s));
+    QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
+    test::fillPattern(line.radio.memory(), 3);
+    const QString device = line.devicePath();
+    AppState &state = test::transferState(0, true, 200);
+    test::fillPattern(state.image, 4);
+    const MemoryImage before = state.image;
+
+    QElapsedTimer sincePulled;
+    QTimer puller;
+    QObject::connect(&puller, &QTimer::timeout, [&] {
+        if (line.radio.rowsAnswered() >= 20 && !sincePulled.isValid()) {
+            line.hangUp();
+            sincePulled.start();
+            puller.stop();
+        }
+    });
+    puller.start(1);
+
+    const auto cpuSeconds = [] {
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
+            + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+    };
+    QStringList asked, shown;
+    qint64 askedAfterMs = -1;
+    double questionCpu = -1;
+    CloneEngine engine(state);
+    CloneDriver driver(engine, {[&](const QString &, const QString &text) {
+                                    asked.append(text);
+                                    askedAfterMs = sincePulled.isValid() ? sincePulled.elapsed() : -1;
+                                    // The question stays up for a second, its event loop running.
+                                    const double start = cpuSeconds();
+                                    QTest::qWait(1000);
+                                    questionCpu = cpuSeconds() - start;
+                                    return true;
+                                },
+                                [&](CloneEngine::MessageIcon, const QString &, const QString &text) {
+                                    shown.append(text);
+                                }});
+    driver.start();
+    QTRY_VERIFY_WITH_TIMEOUT(!driver.isRunning(), 20000);
+
+    QVERIFY(!engine.Finished);
+    QCOMPARE(asked.size(), 1);
+    QVERIFY2(asked.first().startsWith(u"Check Connection. Retry or Cancel?"_s), qPrintable(asked.first()));
+    QVERIFY2(asked.first().contains(u"COM200"_s), qPrintable(asked.first()));
+    QVERIFY2(askedAfterMs >= 0 && askedAfterMs < 1000, qPrintable(QString::number(askedAfterMs)));
+    // Waiting costs next to nothing; a loop polling the dead port costs the whole second.
+    QVERIFY2(questionCpu >= 0 && questionCpu < 0.15, qPrintable(QString::number(questionCpu)));
+    QCOMPARE(shown.size(), 1);
+    QVERIFY2(shown.first().startsWith(u"COM200 (%1): No such file or directory"_s.arg(device)),
+             qPrintable(shown.first()));
+    // The rows read before the cable went are kept, nothing is snapshotted.
+    for (int row = 0; row < 10; ++row)
+        QCOMPARE(state.image.row(row), line.radio.memory().row(row));
+    for (int row = 128; row < 200; ++row)
+        QCOMPARE(state.image.row(row), before.row(row));
+    QVERIFY(state.image.IsModified());
+}
+
+enum class PortSetup {
+    NoDevice,       // COM201 is not listed at all
+    HeldByAnother,  // COM200 is open in another QSerialPort
+    NotPermitted,   // this user may not open COM200's device
+    ScanMeetsHeld,  // COM200 stays silent; the port search then meets COM199, held open
+};
+Q_DECLARE_METATYPE(PortSetup)
+
+void TestLinkEndToEnd::portErrors_data()
+{
+    QTest::addColumn<PortSetup>("setup");
+    QTest::addColumn<QString>("message"); // %1: the device, %2: the group that owns it
+
+    const QString busy = u"Permission error while locking the device\n"
+                         "Another program is using the port: close it, then try again."_s;
+    QTest::newRow("no such port") << PortSetup::NoDevice
+                                  << u"COM201: No such file or directory\nCheck that the programming cable is "
+                                     "plugged in and that this is the right port."_s;
+    QTest::newRow("port in use") << PortSetup::HeldByAnother << u"COM200 (%1): "_s + busy;
+    QTest::newRow("port not permitted")
+        << PortSetup::NotPermitted
+        << u"COM200 (%1): Permission denied\nThis user may not use the port: add the user to the group \u201C%2\u201D, "
+           "which owns the device, then log out and log in again."_s;
+    QTest::newRow("port search meets a port in use")
+        << PortSetup::ScanMeetsHeld
+        << u"COM199 (%1): "_s + busy + u"\nThe radio did not answer on COM200, so the automatic port search tried COM199."_s;
+}
+
+// A port that cannot be opened ends the transfer with the serial layer's
+// text, the port and its device, and what to do about it.
+void TestLinkEndToEnd::portErrors()
+{
+    QFETCH(PortSetup, setup);
+    QFETCH(QString, message);
+
+    const QString folder = m_fixture->path(u"serial-ports"_s);
+    test::RadioOnPty line(folder, sim::RadioFaults{.silent = setup == PortSetup::ScanMeetsHeld});
+    QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
+    sim::VirtualRadio other;
+    sim::PtyRadio otherLine(other, false);
+    QVERIFY(otherLine.open() && QFile::link(otherLine.devicePath(), folder + u"/com199"_s));
+    const QString device = setup == PortSetup::ScanMeetsHeld ? otherLine.devicePath() : line.devicePath();
+    QSerialPort holder(device);
+    if (setup == PortSetup::HeldByAnother || setup == PortSetup::ScanMeetsHeld)
+        QVERIFY(holder.open(QIODevice::ReadWrite));
+
+    AppState &state = test::transferState(0, true, setup == PortSetup::NoDevice ? 201 : 200);
+    QStringList asked, shown;
+    CloneEngine engine(state);
+    CloneDriver driver(engine, {[&](const QString &, const QString &text) { return asked.append(text), false; },
+                                [&](CloneEngine::MessageIcon, const QString &, const QString &text) {
+                                    shown.append(text);
+                                }});
+    if (setup == PortSetup::NotPermitted) {
+        // Root may open anything; it becomes nobody for the open, which
+        // happens as the transfer starts, and nobody must find the port.
+        if (::geteuid() == 0) {
+            const auto listable = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadGroup
+                | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
+            QVERIFY(QFile::setPermissions(m_fixture->folder(), listable) && QFile::setPermissions(folder, listable));
+            QVERIFY(::seteuid(65534) == 0);
+        } else {
+            QVERIFY(QFile::setPermissions(device, {}));
+        }
+    }
+    driver.start();
+    if (::getuid() == 0)
+        QVERIFY(::seteuid(0) == 0);
+    QTRY_VERIFY_WITH_TIMEOUT(!driver.isRunning(), 10000);
+
+    QVERIFY(asked.isEmpty());
+    QCOMPARE(shown, QStringList{message.replace(u"%1"_s, device).replace(u"%2"_s, QFileInfo(device).group())});
+    // The port search keeps the port it stopped at.
+    QCOMPARE(int{state.PortNumber}, setup == PortSetup::ScanMeetsHeld ? 199 : setup == PortSetup::NoDevice ? 201 : 200);
+    QFile::remove(folder + u"/com199"_s);
 }
 
 QTEST_GUILESS_MAIN(TestLinkEndToEnd)

@@ -9,6 +9,7 @@
 
 #include <QFileInfo>
 #include <QProcess>
+#include <QSerialPort>
 #include <QTest>
 
 using namespace wr;
@@ -29,7 +30,8 @@ private Q_SLOTS:
     }
 
     void readAndWrite();
-    void failedReadWritesNoFile();
+    void failedReadKeepsFile_data();
+    void failedReadKeepsFile();
 
 private:
     // Starts the virtual radio on COM77; returns its first line ("COM77 /dev/pts/3").
@@ -115,13 +117,43 @@ void TestLinkTools::readAndWrite()
     QVERIFY(!QFileInfo(link).isSymLink());
 }
 
-void TestLinkTools::failedReadWritesNoFile()
+void TestLinkTools::failedReadKeepsFile_data()
 {
-    QVERIFY(!startRadio({u"--wrong-id"_s}).isEmpty());
+    QTest::addColumn<QStringList>("faults");
+    QTest::addColumn<bool>("portHeld"); // open in this process, so the tool finds it in use
+    QTest::addColumn<QString>("port");
+    QTest::addColumn<QString>("message"); // on standard error; %1: the radio's device
+
+    QTest::newRow("wrong identification: the ports tried")
+        << QStringList{u"--wrong-id"_s} << false << u"COM77"_s
+        << u"Port tried: COM77 (%1)\nCancel (no terminal to answer)\n"
+           "wrpd6t-tool read: no valid answer from the radio on COM77; check the connection\n"_s;
+    QTest::newRow("port in use") << QStringList{} << true << u"COM77"_s
+                                 << u"wrpd6t-tool read: COM77 (%1): Permission error while locking the device\n"
+                                    "Another program is using the port: close it, then try again.\n"_s;
+    QTest::newRow("no such port") << QStringList{} << false << u"COM78"_s
+                                  << u"wrpd6t-tool read: COM78: No such file or directory\nCheck that the "
+                                     "programming cable is plugged in and that this is the right port.\n"_s;
+}
+
+// A read that fails says why and what to do, and leaves the file it would
+// have written as it was.
+void TestLinkTools::failedReadKeepsFile()
+{
+    QFETCH(QStringList, faults);
+    QFETCH(bool, portHeld);
+    QFETCH(QString, port);
+    QFETCH(QString, message);
+    const QString device = startRadio(faults).section(u' ', 1);
+    QVERIFY(!device.isEmpty());
+    QSerialPort holder(device);
+    QVERIFY(!portHeld || holder.open(QIODevice::ReadWrite));
+    QVERIFY(test::writeFile(path(u"out.tw"_s), "an older file"));
+
     QString err;
-    QCOMPARE(tool({u"read"_s, u"COM77"_s, path(u"out.tw"_s)}, &err), 1);
-    QVERIFY2(err.contains(u"no valid answer from the radio on COM77"_s), qPrintable(err));
-    QVERIFY(!QFileInfo::exists(path(u"out.tw"_s)));
+    QCOMPARE(tool({u"read"_s, port, path(u"out.tw"_s)}, &err), 1);
+    QVERIFY2(err.endsWith(message.replace(u"%1"_s, device)), qPrintable(err));
+    QCOMPARE(test::readFile(path(u"out.tw"_s)), QByteArray("an older file"));
 }
 
 QTEST_GUILESS_MAIN(TestLinkTools)

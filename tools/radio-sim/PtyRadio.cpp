@@ -2,6 +2,8 @@
 
 #include <QSocketNotifier>
 
+#include <utility>
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -23,11 +25,20 @@ PtyRadio::PtyRadio(VirtualRadio &radio, bool pacing, QObject *parent)
 
 PtyRadio::~PtyRadio()
 {
+    hangUp();
+}
+
+void PtyRadio::hangUp()
+{
     delete m_notifier;
+    m_notifier = nullptr;
+    m_timer.stop();
+    m_inbound.clear();
+    m_outbound.clear();
     if (m_slaveKeeper >= 0)
-        ::close(m_slaveKeeper);
+        ::close(std::exchange(m_slaveKeeper, -1));
     if (m_master >= 0)
-        ::close(m_master);
+        ::close(std::exchange(m_master, -1));
 }
 
 bool PtyRadio::open()
@@ -100,16 +111,18 @@ void PtyRadio::pump()
     }
     if (!arrived.isEmpty()) {
         // The radio answers from the moment the last byte is in, not from
-        // when this process got round to looking.
-        const QByteArray answer = m_radio.receive(arrived);
-        const qint64 ready = arrivedAt + qint64{m_radio.faults().delayMs} * 1000000;
-        for (const char byte : answer) {
-            qint64 due = ready;
-            if (m_pacing) {
-                due = std::max(ready, m_outFreeNs) + ByteTimeNs;
+        // when this process got round to looking, and one answer after the
+        // other: a late one holds back those behind it.
+        const VirtualRadio::Answer answer = m_radio.receive(arrived);
+        for (const VirtualRadio::Piece &piece : answer) {
+            qint64 ready = arrivedAt + qint64{piece.atMs} * 1000000;
+            if (ready < m_outFreeNs)
+                ready = m_outFreeNs + qint64{VirtualRadio::AnswerGapMs} * 1000000;
+            for (const char byte : piece.bytes) {
+                const qint64 due = std::max(ready, m_outFreeNs) + (m_pacing ? ByteTimeNs : 0);
                 m_outFreeNs = due;
+                m_outbound.push_back({due, byte});
             }
-            m_outbound.push_back({due, byte});
         }
     }
 

@@ -30,6 +30,9 @@ public:
 
     // Creates the pseudo-terminal in raw mode; false with errorString() set.
     bool open();
+    // Closes the pseudo-terminal as a pulled cable would: the program's side
+    // reports the device gone and the device itself disappears.
+    void hangUp();
     QString devicePath() const { return m_devicePath; }
     QString errorString() const { return m_error; }
 

@@ -1,5 +1,7 @@
 #include "VirtualRadio.h"
 
+#include <utility>
+
 namespace wr::sim {
 
 namespace {
@@ -21,18 +23,31 @@ VirtualRadio::VirtualRadio(RadioFaults faults)
 {
 }
 
-QByteArray VirtualRadio::receive(QByteArrayView bytes)
+VirtualRadio::Answer VirtualRadio::receive(QByteArrayView bytes)
 {
     m_pending.append(bytes);
     return takeFrames();
 }
 
-QByteArray VirtualRadio::takeFrames()
+QByteArray VirtualRadio::bytesOf(const Answer &answer)
 {
-    QByteArray answer;
+    QByteArray bytes;
+    for (const Piece &piece : answer)
+        bytes += piece.bytes;
+    return bytes;
+}
+
+VirtualRadio::Answer VirtualRadio::timed(const QByteArray &bytes) const
+{
+    return {Piece{m_faults.delayMs, bytes}};
+}
+
+VirtualRadio::Answer VirtualRadio::takeFrames()
+{
+    Answer answer;
     auto reply = [&](const QByteArray &bytes) {
         if (!m_faults.silent && !m_hungUp)
-            answer += bytes;
+            answer += timed(bytes);
     };
     auto openSession = [&] {
         m_inSession = true;
@@ -104,7 +119,7 @@ QByteArray VirtualRadio::takeFrames()
     }
 }
 
-QByteArray VirtualRadio::answerRow(char command, int address, QByteArrayView rowBytes)
+VirtualRadio::Answer VirtualRadio::answerRow(char command, int address, QByteArrayView rowBytes)
 {
     const int row = address / MemoryImage::RowSize;
     if (m_faults.silent || m_hungUp)
@@ -118,19 +133,32 @@ QByteArray VirtualRadio::answerRow(char command, int address, QByteArrayView row
         return {};
     }
     ++m_rowsAnswered;
+    QByteArray bytes;
     if (command == 'R') {
-        QByteArray answer;
-        answer.append('R');
-        answer.append(static_cast<char>(address >> 8));
-        answer.append(static_cast<char>(address & 0xFF));
-        answer.append(RowByteCount);
-        answer.append(m_memory.row(row));
-        return answer;
+        bytes.append('R');
+        bytes.append(static_cast<char>(address >> 8));
+        bytes.append(static_cast<char>(address & 0xFF));
+        bytes.append(RowByteCount);
+        bytes.append(m_memory.row(row));
+    } else if (m_faults.nakWrites) {
+        bytes = QByteArray(1, Nak);
+    } else {
+        m_memory.setRow(row, rowBytes);
+        bytes = QByteArray(1, Ack);
     }
-    if (m_faults.nakWrites)
-        return QByteArray(1, Nak);
-    m_memory.setRow(row, rowBytes);
-    return QByteArray(1, Ack);
+
+    // Each timing fault strikes the first answer for its row only.
+    const auto strikes = [row](int &faultRow) { return row == faultRow && std::exchange(faultRow, -1) >= 0; };
+    if (strikes(m_faults.lateReplyRow))
+        return {Piece{LateReplyMs, bytes}};
+    if (strikes(m_faults.splitReplyRow)) {
+        const qsizetype half = bytes.size() / 2;
+        return {Piece{SplitReplyMs, bytes.first(half)}, Piece{SplitReplyMs + SplitGapMs, bytes.sliced(half)}};
+    }
+    Answer answer = timed(bytes);
+    if (command == 'W' && strikes(m_faults.duplicateAckRow))
+        answer += Piece{m_faults.delayMs + DuplicateAckMs, bytes};
+    return answer;
 }
 
 } // namespace wr::sim

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QByteArrayView>
+#include <QList>
 
 #include <functional>
 
@@ -19,6 +20,15 @@ struct RadioFaults
     int delayMs = 0;              // every answer starts this much later
     int hangUpAfterRows = -1;     // stops answering after that many rows, until the next "PROGRAM"
     bool nakWrites = false;       // answers write requests with NAK and keeps nothing
+    // The first answer for this row comes LateReplyMs after the request, past
+    // the program's time-out; requests that arrive meanwhile wait their turn.
+    int lateReplyRow = -1;
+    // The first answer for this row starts SplitReplyMs after the request
+    // and its second half follows SplitGapMs later, across the time-out.
+    int splitReplyRow = -1;
+    // The first write of this row is acknowledged twice, the second ACK
+    // DuplicateAckMs after the first.
+    int duplicateAckRow = -1;
 };
 
 // The radio's side of the clone protocol, without any port or clock: bytes
@@ -34,11 +44,30 @@ struct RadioFaults
 //
 // Outside clone mode everything but "PROGRAM" is ignored; inside it a byte
 // that starts no known frame is dropped.
+//
+// The radio works on one request at a time: an answer never overtakes the
+// answer to an earlier request, however late that one is, and one that has
+// to wait for another starts AnswerGapMs after it, the time the radio takes
+// to turn to the next request.
 class VirtualRadio
 {
 public:
     static constexpr char Ack = 0x06;
     static constexpr char Nak = 0x15;
+    static constexpr int LateReplyMs = 450;
+    static constexpr int SplitReplyMs = 290;
+    static constexpr int SplitGapMs = 20;
+    static constexpr int DuplicateAckMs = 40;
+    static constexpr int AnswerGapMs = 12;
+
+    // Part of an answer: its bytes leave the radio atMs after the request was
+    // in, or as soon as the part before them is out, whichever is later.
+    struct Piece
+    {
+        int atMs = 0;
+        QByteArray bytes;
+    };
+    using Answer = QList<Piece>;
 
     explicit VirtualRadio(RadioFaults faults = {});
 
@@ -47,7 +76,9 @@ public:
     const RadioFaults &faults() const { return m_faults; }
 
     // Feeds bytes as they arrive (any split); returns the answer to send.
-    QByteArray receive(QByteArrayView bytes);
+    Answer receive(QByteArrayView bytes);
+    // The bytes of an answer, all timing aside.
+    static QByteArray bytesOf(const Answer &answer);
 
     bool inSession() const { return m_inSession; }
     int sessionsEnded() const { return m_sessionsEnded; }
@@ -57,8 +88,9 @@ public:
     std::function<void()> onSessionEnded;
 
 private:
-    QByteArray takeFrames();
-    QByteArray answerRow(char command, int address, QByteArrayView rowBytes);
+    Answer takeFrames();
+    Answer answerRow(char command, int address, QByteArrayView rowBytes);
+    Answer timed(const QByteArray &bytes) const;
 
     RadioFaults m_faults;
     MemoryImage m_memory;

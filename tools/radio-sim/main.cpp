@@ -63,8 +63,22 @@ int main(int argc, char *argv[])
                                     QStringLiteral("Stop answering after ROWS rows, until the next PROGRAM."),
                                     QStringLiteral("ROWS"));
     const QCommandLineOption nakWrites(QStringLiteral("nak-writes"), QStringLiteral("Refuse every written row with NAK."));
+    const QCommandLineOption lateReply(QStringLiteral("late-reply"),
+                                       QStringLiteral("Answer the first request for ROW %1 ms late.")
+                                           .arg(wr::sim::VirtualRadio::LateReplyMs),
+                                       QStringLiteral("ROW"));
+    const QCommandLineOption splitReply(QStringLiteral("split-reply"),
+                                        QStringLiteral("Start the first answer for ROW %1 ms late and send its second "
+                                                       "half %2 ms after the first.")
+                                            .arg(wr::sim::VirtualRadio::SplitReplyMs)
+                                            .arg(wr::sim::VirtualRadio::SplitGapMs),
+                                        QStringLiteral("ROW"));
+    const QCommandLineOption duplicateAck(QStringLiteral("duplicate-ack"),
+                                          QStringLiteral("Acknowledge the first write of ROW twice, %1 ms apart.")
+                                              .arg(wr::sim::VirtualRadio::DuplicateAckMs),
+                                          QStringLiteral("ROW"));
     parser.addOptions({comOption, imageOption, saveOption, noPacing, silent, wrongId, noise, dropReply, delay, hangUp,
-                       nakWrites});
+                       nakWrites, lateReply, splitReply, duplicateAck});
     parser.process(application);
 
     auto number = [&](const QCommandLineOption &option, int minimum, int maximum, int fallback) {
@@ -88,6 +102,9 @@ int main(int argc, char *argv[])
     faults.delayMs = number(delay, 0, 60000, 0);
     faults.hangUpAfterRows = number(hangUp, 0, wr::MemoryImage::RowCount, -1);
     faults.nakWrites = parser.isSet(nakWrites);
+    faults.lateReplyRow = number(lateReply, 0, wr::MemoryImage::RowCount - 1, -1);
+    faults.splitReplyRow = number(splitReply, 0, wr::MemoryImage::RowCount - 1, -1);
+    faults.duplicateAckRow = number(duplicateAck, 0, wr::MemoryImage::RowCount - 1, -1);
 
     wr::sim::VirtualRadio radio(faults);
     if (parser.isSet(imageOption)) {

@@ -187,13 +187,12 @@ int runPack(const QStringList &arguments)
         return *status;
 
     const QString path = line.arguments().at(0);
-    QFile input(path);
-    if (!input.open(QIODevice::ReadOnly))
-        return fileFailure(path, input.errorString());
-    const QByteArray container = input.read(DataFile::ContainerSize + 1);
-    if (input.error() != QFileDevice::NoError)
-        return fileFailure(path, input.errorString());
-    if (container.size() != DataFile::ContainerSize || !container.startsWith(DataFile::Marker()))
+    const DataFile::FileBytes input = DataFile::ReadRegularFile(path, DataFile::ContainerSize + 1);
+    if (input.status == DataFile::ReadStatus::CannotOpen)
+        return fileFailure(path, input.errorString);
+    const QByteArray &container = input.bytes;
+    if (input.status != DataFile::ReadStatus::Ok || container.size() != DataFile::ContainerSize
+        || !container.startsWith(DataFile::Marker()))
         return fileFailure(path, IncorrectFileType);
 
     const std::optional<QByteArray> packed = DataFile::PackData(container);

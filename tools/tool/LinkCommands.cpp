@@ -52,16 +52,17 @@ void drawProgress(int value, bool final)
     err().flush();
 }
 
-// The lost-connection question: asked on the terminal, answered Cancel when
-// nobody is there to answer it.
+// The lost-connection question, with the ports tried under it: asked on the
+// terminal, answered Cancel when nobody is there to answer it.
 bool askRetry(const QString &text)
 {
+    err() << '\n' << text << '\n';
     if (::isatty(STDIN_FILENO) == 0) {
-        err() << '\n' << text << " Cancel (no terminal to answer)\n";
+        err() << "Cancel (no terminal to answer)\n";
         err().flush();
         return false;
     }
-    err() << '\n' << text << " [r = Retry, anything else = Cancel] ";
+    err() << "[r = Retry, anything else = Cancel] ";
     err().flush();
     char line[64] = {};
     if (!std::fgets(line, sizeof line, stdin))
@@ -87,7 +88,7 @@ QString transfer(AppState &state)
     };
     prompts.showMessage = [&](CloneEngine::MessageIcon icon, const QString &, const QString &text) {
         if (icon == CloneEngine::MessageIcon::Exclamation)
-            failure = QStringLiteral("COM%1: %2").arg(state.PortNumber).arg(text);
+            failure = text; // the port, the system's reason and what to do about it
         else
             completion = text; // shown under the finished bar
     };
@@ -97,9 +98,12 @@ QString transfer(AppState &state)
         lastProgress = value;
         drawProgress(value, false);
     });
-    QObject::connect(&driver, &CloneDriver::portNumberChanged, [&](int number) {
-        // The port scan moving on, or the chosen port given back after it.
-        err() << "\nport COM" << number << '\n';
+    QObject::connect(&driver, &CloneDriver::statusChanged, [&](const QString &text) {
+        // Retries and each port the search moves to, on a line of their
+        // own; the bar goes on below.
+        if (text.isEmpty())
+            return;
+        err() << (::isatty(STDERR_FILENO) != 0 ? "\r\x1b[K" : "") << text << '\n';
         err().flush();
     });
     QObject::connect(&driver, &CloneDriver::unloaded, &loop, &QEventLoop::quit);
