@@ -21,7 +21,8 @@ constexpr Text MissingAdvice{u"Check that the programming cable is plugged in an
     u"请检查写频线是否插好，以及所选端口是否正确。",
     u"請檢查寫頻線是否插好，以及所選端口是否正確。"};
 
-constexpr Text GroupAdvice{u"This user may not use the port: add the user to the group \u201C%1\u201D, which owns the " u"device, then log out and log in again.",
+constexpr Text GroupAdvice{u"This user may not use the port: add the user to the group \u201C%1\u201D, which owns the "
+                           u"device, then log out and log in again.",
     u"当前用户无权使用此端口：请将该用户加入拥有此设备的用户组\u201C%1\u201D，然后注销并重新登录。",
     u"目前的使用者無權使用此端口：請將該使用者加入擁有此裝置的群組「%1」，然後登出並重新登入。"};
 
@@ -33,7 +34,8 @@ constexpr Text BusyAdvice{u"Another program is using the port: close it, then tr
     u"另一个程序正在使用此端口：请先关闭该程序，然后重试。",
     u"另一個程式正在使用此端口：請先關閉該程式，然後重試。"};
 
-constexpr Text LostAdvice{u"The port went away during the transfer: check that the cable is still plugged in, then " u"choose Retry.",
+constexpr Text LostAdvice{u"The port went away during the transfer: check that the cable is still plugged in, then "
+                          u"choose Retry.",
     u"传输过程中端口已断开：请检查写频线是否仍然插好，然后选择\u201C重试\u201D。",
     u"傳輸過程中端口已斷開：請檢查寫頻線是否仍然插好，然後選擇「重試」。"};
 
