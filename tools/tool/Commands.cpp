@@ -53,9 +53,10 @@ std::optional<int> CommandLine::parse(const QStringList &commandLine)
         return Success;
     }
     const qsizetype given = arguments().size();
-    if (given < m_argumentNames.size())
+    const bool list = m_minimumArguments >= 0;
+    if (given < (list ? m_minimumArguments : m_argumentNames.size()))
         return usageError(QStringLiteral("missing argument"));
-    if (given > m_argumentNames.size())
+    if (!list && given > m_argumentNames.size())
         return usageError(QStringLiteral("too many arguments"));
     return std::nullopt;
 }

@@ -30,6 +30,7 @@ struct Command
 // The tables main() dispatches over, one per source file.
 QList<Command> fileCommands();
 QList<Command> linkCommands();
+QList<Command> diffCommands();
 
 // Standard output and standard error, UTF-8.
 QTextStream &out();
@@ -45,6 +46,9 @@ public:
     QCommandLineParser &parser() { return m_parser; }
     // A positional argument the subcommand requires, in order.
     void addArgument(const QString &name, const QString &description);
+    // For a subcommand that takes a list: any number of positional arguments
+    // from `minimum` up is accepted, and the subcommand checks them itself.
+    void setMinimumArguments(int minimum) { m_minimumArguments = minimum; }
 
     // Parses the arguments. An exit status means the subcommand ends here:
     // Success after printing the help, UsageError after printing what is
@@ -60,6 +64,7 @@ private:
     QString m_name;
     QCommandLineParser m_parser;
     QStringList m_argumentNames;
+    int m_minimumArguments = -1; // -1: exactly the arguments added
 };
 
 } // namespace wr::tool
