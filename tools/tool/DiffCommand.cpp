@@ -1,5 +1,240 @@
-// The diff subcommand: written later in this change.
+// The diff subcommand of wrpd6t-tool: what differs between two data files,
+// in the words a dealer reads elsewhere: the channels as the channel list
+// shows them, the settings and keys as info --settings prints them, the FM
+// radio as info --fm does, and every other differing byte by its address.
+
 #include "Commands.h"
+
+#include "channels/ChannelRecord.h"
+#include "core/Language.h"
+#include "core/MemoryImage.h"
+#include "features/FmRadio.h"
+#include "features/SettingsReport.h"
+#include "file/DataFile.h"
+
+#include <array>
+#include <span>
+
 namespace wr::tool {
-QList<Command> diffCommands() { return {}; }
+
+namespace {
+
+// Some bits of a run of bytes.
+struct Span
+{
+    int offset;
+    int length;
+    std::uint8_t mask;
+};
+
+// Where the bits that one line of a listing shows lie in the image: a record
+// of `stride` bytes per item from `first`, the spans of the record the line
+// shows, and the item's bit in an empty bitmap (bit n % 8 of byte
+// emptyBitmap + n / 8; -1 when there is none).
+struct ItemLayout
+{
+    int first;
+    int stride;
+    std::span<const Span> shown;
+    int emptyBitmap;
+};
+
+// A row of the channel list shows the frequencies (bytes 0-7), the tones
+// (8-11) and, of ChannelFlags, BCL (bits 0-1), power (2), scan add (3) and
+// bandwidth (6); not the shift bits, bit 7, bytes 12-13 nor the signalling
+// flags. Channel n is item n - 1.
+constexpr Span ChannelSpans[]{{0, 12, 0xFF}, {ChannelRecord::FlagsByte, 1, 0x4F}};
+constexpr ItemLayout ChannelLayout{0, MemoryImage::RowSize, ChannelSpans,
+                                   ChannelRecord::EmptyBitmapRow * MemoryImage::RowSize};
+
+// An FM channel or the VFO: four bytes of frequency.
+constexpr Span FrequencySpans[]{{0, 4, 0xFF}};
+constexpr ItemLayout FmChannelLayout{fm::FirstChannelAddress, 4, FrequencySpans, fm::EmptyBitmapAddress};
+constexpr ItemLayout FmVfoLayout{fm::VfoAddress, 0, FrequencySpans, -1};
+
+// The columns of the channel list after the number, as info names them.
+constexpr std::array<const char *, 8> ChannelColumns{"Rx Freq",  "Tx Freq", "CTCSS/DCS Dec", "CTCSS/DCS Enc",
+                                                     "TX Power", "W/N",     "Scan Add",      "BCL"};
+
+std::array<QString, 8> cells(const ChannelTexts &texts)
+{
+    return {texts.rx, texts.tx, texts.decode, texts.encode, texts.power, texts.bandwidth, texts.scanAdd, texts.bcl};
 }
+
+QString shownValue(const QString &text)
+{
+    return text.isEmpty() ? QStringLiteral("(empty)") : text;
+}
+
+QString change(const QString &before, const QString &after)
+{
+    return shownValue(before) + QStringLiteral(" -> ") + shownValue(after);
+}
+
+QString hex(int value, int digits)
+{
+    return QString::number(value, 16).toUpper().rightJustified(digits, QLatin1Char('0'));
+}
+
+// The two images and, for each byte, the bits the lines listed so far show.
+class Comparison
+{
+public:
+    Comparison(const MemoryImage &a, const MemoryImage &b, int languageIndex)
+        : m_a(a)
+        , m_b(b)
+        , m_language(languageIndex)
+    {
+        m_shown.fill(0);
+    }
+
+    QStringList lines()
+    {
+        compareChannels();
+        compareSettings();
+        compareFm();
+        compareBytes();
+        return m_lines;
+    }
+
+private:
+    void explain(int address, std::uint8_t mask)
+    {
+        if (address >= 0 && address < MemoryImage::Size)
+            m_shown[std::size_t(address)] |= mask;
+    }
+
+    void explain(const ItemLayout &layout, int item)
+    {
+        const int record = layout.first + layout.stride * item;
+        for (const Span &span : layout.shown) {
+            for (int i = 0; i < span.length; ++i)
+                explain(record + span.offset + i, span.mask);
+        }
+        if (layout.emptyBitmap >= 0)
+            explain(layout.emptyBitmap + item / 8, static_cast<std::uint8_t>(1u << (item % 8)));
+    }
+
+    void compareChannels()
+    {
+        for (int channel = 1; channel <= ChannelRecord::ChannelCount; ++channel) {
+            const auto before = cells(ReadChannelTexts(m_a, channel, m_language));
+            const auto after = cells(ReadChannelTexts(m_b, channel, m_language));
+            QStringList changes;
+            for (std::size_t column = 0; column < before.size(); ++column) {
+                if (before[column] != after[column])
+                    changes.append(QLatin1String(ChannelColumns[column]) + u' ' + change(before[column], after[column]));
+            }
+            if (changes.isEmpty())
+                continue;
+            m_lines.append(QStringLiteral("CH. %1: ").arg(channel) + changes.join(QStringLiteral(", ")));
+            explain(ChannelLayout, channel - 1);
+        }
+    }
+
+    void compareSettings()
+    {
+        const QList<FieldLine> before = describeSettingFields(m_a, m_language);
+        const QList<FieldLine> after = describeSettingFields(m_b, m_language);
+        for (qsizetype i = 0; i < before.size() && i < after.size(); ++i) {
+            if (before[i].value == after[i].value)
+                continue;
+            m_lines.append(before[i].caption + QStringLiteral(": ") + change(before[i].value, after[i].value));
+            explain(before[i].bits.address, before[i].bits.mask());
+        }
+    }
+
+    void compareFm()
+    {
+        const fm::Texts before = fm::load(m_a);
+        const fm::Texts after = fm::load(m_b);
+        if (before.vfo != after.vfo) {
+            m_lines.append(QStringLiteral("FM %1: ").arg(fm::VfoName.in(m_language)) + change(before.vfo, after.vfo));
+            explain(FmVfoLayout, 0);
+        }
+        for (int channel = 0; channel < fm::ChannelCount; ++channel) {
+            const QString &was = before.channels[std::size_t(channel)];
+            const QString &is = after.channels[std::size_t(channel)];
+            if (was == is)
+                continue;
+            m_lines.append(QStringLiteral("FM CH. %1: ").arg(channel) + change(was, is));
+            explain(FmChannelLayout, channel);
+        }
+    }
+
+    // Whatever differs in bits no line above shows.
+    void compareBytes()
+    {
+        for (int address = 0; address < MemoryImage::Size; ++address) {
+            const std::uint8_t was = m_a.ReadByte(address);
+            const std::uint8_t is = m_b.ReadByte(address);
+            if ((was ^ is) & ~m_shown[std::size_t(address)])
+                m_lines.append(QStringLiteral("0x%1: %2 -> %3").arg(hex(address, 4), hex(was, 2), hex(is, 2)));
+        }
+    }
+
+    const MemoryImage &m_a;
+    const MemoryImage &m_b;
+    int m_language;
+    std::array<std::uint8_t, MemoryImage::Size> m_shown{};
+    QStringList m_lines;
+};
+
+// The image of a data file, or the reason it cannot be compared on stderr.
+std::optional<MemoryImage> readImage(const QString &path)
+{
+    const DataFile::ReadResult file = DataFile::Read(path);
+    if (file.status == DataFile::ReadStatus::Ok) {
+        MemoryImage image;
+        image.setBytes(file.image);
+        return image;
+    }
+    err() << "wrpd6t-tool diff: " << path << ": "
+          << (file.status == DataFile::ReadStatus::CannotOpen ? file.errorString
+                                                              : QStringLiteral("Incorrect File Type."))
+          << '\n';
+    err().flush();
+    return std::nullopt;
+}
+
+int runDiff(const QStringList &arguments)
+{
+    CommandLine line(QStringLiteral("diff"),
+                     QStringLiteral("Lists what differs between two data files, one line each: channels (number, "
+                                    "then the columns that differ), settings and keys as info --settings names "
+                                    "them, the FM radio, then any other byte by its image address. Exit status 0 "
+                                    "when the memories are the same, 1 when they differ, 2 when a file cannot be "
+                                    "read."));
+    const QCommandLineOption language({QStringLiteral("l"), QStringLiteral("language")},
+                                      QStringLiteral("Language of the texts: 0 English, 1 Simplified Chinese, "
+                                                     "2 Traditional Chinese."),
+                                      QStringLiteral("index"), QStringLiteral("0"));
+    line.parser().addOption(language);
+    line.addArgument(QStringLiteral("A.tw"), QStringLiteral("The data file to compare from."));
+    line.addArgument(QStringLiteral("B.tw"), QStringLiteral("The data file to compare with."));
+    if (const auto status = line.parse(arguments))
+        return *status;
+    bool isNumber = false;
+    const int languageIndex = line.parser().value(language).toInt(&isNumber);
+    if (!isNumber || languageIndex < 0 || languageIndex >= LanguageCount)
+        return line.usageError(QStringLiteral("--language must be 0, 1 or 2"));
+
+    const std::optional<MemoryImage> a = readImage(line.arguments().at(0));
+    const std::optional<MemoryImage> b = a ? readImage(line.arguments().at(1)) : std::nullopt;
+    if (!a || !b)
+        return UsageError;
+    if (*a == *b)
+        return Success;
+    for (const QString &text : Comparison(*a, *b, languageIndex).lines())
+        out() << text << '\n';
+    return Failure;
+}
+
+} // namespace
+
+QList<Command> diffCommands()
+{
+    return {{QStringLiteral("diff"), QStringLiteral("list what differs between two data files"), runDiff}};
+}
+
+} // namespace wr::tool
