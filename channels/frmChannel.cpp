@@ -46,17 +46,7 @@ const QColor HeaderColour(19, 58, 149);
 // One notch of a standard mouse wheel.
 constexpr int WheelNotch = 120;
 
-constexpr std::array<Text, frmChannel::ColumnCount> Headers{{
-    {u"CH.", u"信道", u"信道"},
-    {u"Rx Freq", u"接收频率", u"接收頻率"},
-    {u"Tx Freq", u"发射频率", u"發射頻率"},
-    {u"CTCSS/DCS Dec", u"CTCSS/DCS 解码", u"CTCSS/DCS 解碼"},
-    {u"CTCSS/DCS Enc", u"CTCSS/DCS 编码", u"CTCSS/DCS 編碼"},
-    {u"TX Power", u"发射功率", u"發射功率"},
-    {u"W/N", u"宽/窄", u"寬/窄"},
-    {u"Scan Add", u"扫描添加", u"掃描添加"},
-    {u"BCL", u"繁忙锁定", u"繁忙鎖定"},
-}};
+static_assert(ChannelColumnCaptions.size() == frmChannel::ColumnCount);
 
 // The words CboChannel1 offers in a list column, Off first where there is one.
 QList<Text> columnChoices(int column)
@@ -280,7 +270,7 @@ QString frmChannel::headerText(int column, int languageIndex)
 {
     if (column < 0 || column >= ColumnCount)
         return {};
-    return Headers[static_cast<std::size_t>(column)].in(languageIndex);
+    return ChannelColumnCaptions[static_cast<std::size_t>(column)].in(languageIndex);
 }
 
 QString frmChannel::cellText(int row, int column) const
