@@ -30,6 +30,7 @@ struct Command
 // The tables main() dispatches over, one per source file.
 QList<Command> fileCommands();
 QList<Command> linkCommands();
+QList<Command> csvCommands();
 
 // Standard output and standard error, UTF-8.
 QTextStream &out();
