@@ -7,6 +7,7 @@
 
 #include <QAbstractItemView>
 #include <QCloseEvent>
+#include <QContextMenuEvent>
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QFontMetrics>
@@ -18,6 +19,7 @@
 #include <QStyleOptionHeader>
 #include <QStringListModel>
 #include <QTableWidget>
+#include <QUndoStack>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
@@ -249,6 +251,7 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     m_grid->viewport()->installEventFilter(this);
     m_wheelPager = new WheelPager(m_grid);
     connect(m_grid, &QTableWidget::currentCellChanged, this, [this] { SyncGridCursor(); });
+    buildTools();
 
     RefreshChannelOP();
     RefreshChannel();
@@ -378,6 +381,7 @@ void frmChannel::SetupChannelGrid()
         header->setTextAlignment(Qt::Alignment::fromInt(Qt::AlignCenter | Qt::TextWordWrap));
     }
     fitColumns();
+    captionTools();
 }
 
 // Column widths as laid out, widened where a value of the current
@@ -449,8 +453,10 @@ void frmChannel::RefreshChannel()
 
 void frmChannel::RefreshData()
 {
-    // The image is the truth now; an editor still open belongs to the old data.
+    // The image is the truth now; an editor still open and the history of
+    // edits belong to the old data.
     m_editor->cancel();
+    m_undo->clear();
     const int rows = lastRow();
     const QuietFill quiet(m_grid);
     for (int channel = 1; channel <= rows; ++channel)
@@ -629,16 +635,18 @@ void frmChannel::commit(const QModelIndex &cell, QWidget *editor, const QString 
     const int column = cell.column();
     if (row < 1 || row > lastRow())
         return;
-    if (editor == m_text) {
-        if (column == ColRx)
-            setChannelRx(row, text);
-        else if (column == ColTx)
-            setChannelTx(row, text);
-    } else if (editor == m_combo[0]) {
-        setCell(row, column, normaliseToneInput(text, language()));
-    } else {
-        setCell(row, column, text);
-    }
+    recordEdit(row, [&] {
+        if (editor == m_text) {
+            if (column == ColRx)
+                setChannelRx(row, text);
+            else if (column == ColTx)
+                setChannelTx(row, text);
+        } else if (editor == m_combo[0]) {
+            setCell(row, column, normaliseToneInput(text, language()));
+        } else {
+            setCell(row, column, text);
+        }
+    });
 }
 
 // Enter in a frequency moves one column right. Enter in a list moves on
@@ -672,6 +680,24 @@ CellEditRules::Escape frmChannel::onEscape(QWidget *editor) const
 bool frmChannel::eventFilter(QObject *watched, QEvent *event)
 {
     const QEvent::Type type = event->type();
+    // The context menu opens on a right click without keys held (the
+    // Shift+Ctrl+Alt right click is the memory map's gesture) or the menu
+    // key, over the selected rows or the row clicked.
+    if (type == QEvent::ContextMenu && (watched == m_grid || watched == m_grid->viewport())) {
+        const auto *menu = static_cast<QContextMenuEvent *>(event);
+        if (menu->modifiers() != Qt::NoModifier)
+            return true;
+        m_editor->commit();
+        const bool mouse = menu->reason() == QContextMenuEvent::Mouse;
+        const int row = mouse ? m_grid->rowAt(menu->pos().y()) : m_grid->currentRow();
+        if (row >= 1 && !selectedChannels().contains(row))
+            selectChannels({row});
+        const QRect cell = m_grid->visualRect(m_grid->currentIndex());
+        showToolMenu(mouse ? menu->globalPos() : m_grid->viewport()->mapToGlobal(cell.center()));
+        return true;
+    }
+    if (watched == m_grid->viewport() && numberClick(event))
+        return true;
     if (watched == m_grid) {
         if (type == QEvent::FocusIn)
             m_grid->viewport()->installEventFilter(m_wheelPager);
