@@ -3,10 +3,13 @@
 #include "channels/ChannelCsv.h"
 
 #include <QDialogButtonBox>
-#include <QFontDatabase>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
+#include <QTextDocument>
 #include <QVBoxLayout>
 
 namespace wr {
@@ -75,7 +78,8 @@ CsvImportPreview::CsvImportPreview(const CsvImport &import, const QList<int> &re
         addLabel(layout, u"lblNothing"_s, NothingText.in(languageIndex));
 
     QStringList lines{ReportHeader.in(languageIndex)};
-    int widest = 0;
+    int widest = 0;        // of the line, column and value cells
+    int widestReason = 0;
     m_report = new QPlainTextEdit;
     m_report->setObjectName(u"txtReport"_s);
     const QFontMetrics metrics(m_report->font());
@@ -87,11 +91,13 @@ CsvImportPreview::CsvImportPreview(const CsvImport &import, const QList<int> &re
         lines << QStringList{QString::number(note.line), note.column, value, note.text(languageIndex)}.join(u'\t');
         for (const QString &cell : {note.column, value})
             widest = std::max(widest, std::min(widthLimit, metrics.horizontalAdvance(cell)));
+        widestReason = std::max(widestReason, metrics.horizontalAdvance(note.text(languageIndex)));
     }
     addLabel(layout, u"lblReport"_s, ReportCaption.in(languageIndex));
     m_report->setReadOnly(true);
     m_report->setLineWrapMode(QPlainTextEdit::NoWrap);
-    m_report->setTabStopDistance(widest + metrics.averageCharWidth() * 2);
+    const int tabStop = widest + metrics.averageCharWidth() * 2;
+    m_report->setTabStopDistance(tabStop);
     m_report->setPlainText(lines.join(u'\n'));
     layout->addWidget(m_report, 1);
 
@@ -106,7 +112,16 @@ CsvImportPreview::CsvImportPreview(const CsvImport &import, const QList<int> &re
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     layout->addWidget(buttons);
 
-    resize(metrics.averageCharWidth() * 100, metrics.height() * 26);
+    // As wide as the longest line of the report, within the screen.
+    const QMargins margins = layout->contentsMargins();
+    const int frame = 2 * m_report->frameWidth() + m_report->verticalScrollBar()->sizeHint().width()
+        + 2 * int(m_report->document()->documentMargin()) + metrics.averageCharWidth();
+    const int wanted = 3 * tabStop + widestReason + frame + margins.left() + margins.right();
+    const QScreen *screen = parent ? parent->screen() : QGuiApplication::primaryScreen();
+    const int room = screen ? screen->availableGeometry().width() * 9 / 10 : wanted;
+    const int reportLines = std::clamp(int(lines.size()), 8, 20);
+    resize(std::clamp(wanted, sizeHint().width(), std::max(room, sizeHint().width())),
+           sizeHint().height() + metrics.lineSpacing() * reportLines);
 }
 
 QString CsvImportPreview::reportText() const

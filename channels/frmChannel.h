@@ -128,7 +128,9 @@ private:
     // record, which the grid does not show and which belong to the channel
     // wherever it moves. A new channel's bytes are written at once, so they
     // are part of the step that created it, and undoing it puts back what
-    // the record held before.
+    // the record held before. Undo and redo always write both back: a
+    // channel deleted and then saved (its record erased) comes back with its
+    // signalling byte; the other bytes follow the cells at the next save.
     struct RowState
     {
         ChannelTexts texts;
