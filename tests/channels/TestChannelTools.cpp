@@ -3,6 +3,7 @@
 // preview and the file dialogs; then a look at the cells, the history and
 // the memory image.
 
+#include "ModalDialog.h"
 #include "TestSupport.h"
 
 #include "channels/ChannelRecord.h"
@@ -23,10 +24,8 @@
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTest>
-#include <QTimer>
 #include <QUndoStack>
 
-#include <functional>
 #include <memory>
 #include <optional>
 
@@ -72,22 +71,6 @@ QByteArray hiddenBytes()
     for (int row = 0; row < 128; ++row)
         bytes += app().image.row(row).mid(12);
     return bytes;
-}
-
-// Runs handler on the next modal dialog once it is up.
-void whenModal(std::function<void(QDialog *)> handler)
-{
-    auto *poll = new QTimer;
-    poll->setInterval(10);
-    QObject::connect(poll, &QTimer::timeout, poll, [poll, handler = std::move(handler)] {
-        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-        if (!dialog || !dialog->isVisible())
-            return;
-        poll->stop();
-        poll->deleteLater();
-        handler(dialog);
-    });
-    poll->start();
 }
 
 } // namespace
@@ -354,7 +337,7 @@ private Q_SLOTS:
         QGuiApplication::clipboard()->setText(clipboard);
         QString report;
         if (shown.startsWith(u"Line")) {
-            whenModal([&](QDialog *preview) {
+            test::whenModal([&](QDialog *preview) {
                 report = preview->findChild<QPlainTextEdit *>(u"txtReport"_s)->toPlainText();
                 QTest::mouseClick(preview->findChild<QPushButton *>(accept ? u"cmdOK"_s : u"cmdCancel"_s), Qt::LeftButton);
             });
@@ -389,7 +372,7 @@ private Q_SLOTS:
         const QString before = rxColumn(11);
         QStringList labels;
         QString report;
-        whenModal([&](QDialog *preview) {
+        test::whenModal([&](QDialog *preview) {
             for (const char *name : {"lblSource", "lblImported", "lblSkipped", "lblReplaced"})
                 labels << preview->findChild<QLabel *>(QString::fromLatin1(name))->text();
             report = preview->findChild<QPlainTextEdit *>(u"txtReport"_s)->toPlainText();

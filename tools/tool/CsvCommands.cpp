@@ -15,25 +15,13 @@ namespace wr::tool {
 
 namespace {
 
-int failure(const QString &path, const QString &message)
-{
-    err() << "wrpd6t-tool: " << path << ": " << message << '\n';
-    return Failure;
-}
-
 std::optional<MemoryImage> readImage(const QString &path)
 {
-    const DataFile::ReadResult file = DataFile::Read(path);
-    if (file.status == DataFile::ReadStatus::CannotOpen) {
-        failure(path, file.errorString);
+    const std::optional<DataFile::ReadResult> file = readDataFile(path);
+    if (!file)
         return std::nullopt;
-    }
-    if (file.status != DataFile::ReadStatus::Ok) {
-        failure(path, QStringLiteral("Incorrect File Type."));
-        return std::nullopt;
-    }
     MemoryImage image;
-    image.setBytes(file.image);
+    image.setBytes(file->image);
     return image;
 }
 
@@ -52,7 +40,7 @@ int runExport(const QStringList &arguments)
     const QString out = line.arguments().at(1);
     QString error;
     if (!DataFile::WriteBytes(out, ChirpCsvFile(ChannelsInUse(*image)), &error))
-        return failure(out, error);
+        return fileFailure(out, error);
     return Success;
 }
 
@@ -76,12 +64,12 @@ int runImport(const QStringList &arguments)
         return Failure;
     QFile csv(csvPath);
     if (!csv.open(QIODevice::ReadOnly))
-        return failure(csvPath, csv.errorString());
+        return fileFailure(csvPath, csv.errorString());
     const QByteArray bytes = csv.read(MaxCsvFileSize + 1);
     if (csv.error() != QFileDevice::NoError)
-        return failure(csvPath, csv.errorString());
+        return fileFailure(csvPath, csv.errorString());
     if (bytes.size() > MaxCsvFileSize)
-        return failure(csvPath, QStringLiteral("too large for a channel list"));
+        return fileFailure(csvPath, QStringLiteral("too large for a channel list"));
 
     // A file of a radio never read holds no band limits; the usual ones of
     // the radio stand in for them.
@@ -94,7 +82,7 @@ int runImport(const QStringList &arguments)
 
     const CsvImport import = ReadChannelCsv(DecodeCsvFile(bytes), limits);
     if (import.refused)
-        return failure(csvPath, QStringLiteral("no Location or no Frequency column: not a CHIRP channel list"));
+        return fileFailure(csvPath, QStringLiteral("no Location or no Frequency column: not a CHIRP channel list"));
     for (const ImportNote &note : import.notes) {
         err() << csvPath << ':' << note.line << ": ";
         if (!note.column.isEmpty())
@@ -110,7 +98,7 @@ int runImport(const QStringList &arguments)
     QString error;
     const QString out = line.arguments().at(2);
     if (!DataFile::Write(out, *image, &error))
-        return failure(out, error);
+        return fileFailure(out, error);
     return Success;
 }
 
