@@ -1,9 +1,11 @@
 #pragma once
 
+#include "core/Language.h"
 #include "core/MemoryImage.h"
 
 #include <QString>
 
+#include <array>
 #include <cstdint>
 
 namespace wr {
@@ -103,6 +105,20 @@ struct ChannelTexts
     bool isEmpty() const { return rx.isEmpty(); }
     bool operator==(const ChannelTexts &) const = default;
 };
+
+// Captions of the channel list's nine columns: the channel number, then the
+// cells of ChannelTexts in their order.
+inline constexpr std::array<Text, 9> ChannelColumnCaptions{{
+    {u"CH.", u"信道", u"信道"},
+    {u"Rx Freq", u"接收频率", u"接收頻率"},
+    {u"Tx Freq", u"发射频率", u"發射頻率"},
+    {u"CTCSS/DCS Dec", u"CTCSS/DCS 解码", u"CTCSS/DCS 解碼"},
+    {u"CTCSS/DCS Enc", u"CTCSS/DCS 编码", u"CTCSS/DCS 編碼"},
+    {u"TX Power", u"发射功率", u"發射功率"},
+    {u"W/N", u"宽/窄", u"寬/窄"},
+    {u"Scan Add", u"扫描添加", u"掃描添加"},
+    {u"BCL", u"繁忙锁定", u"繁忙鎖定"},
+}};
 
 // Whether channel 1-128 is in use. A channel with its empty bit set or any
 // receive byte erased is empty, and the channel list shows an empty row.

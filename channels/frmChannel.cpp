@@ -7,6 +7,7 @@
 
 #include <QAbstractItemView>
 #include <QCloseEvent>
+#include <QContextMenuEvent>
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QFontMetrics>
@@ -18,6 +19,7 @@
 #include <QStyleOptionHeader>
 #include <QStringListModel>
 #include <QTableWidget>
+#include <QUndoStack>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
@@ -46,17 +48,7 @@ const QColor HeaderColour(19, 58, 149);
 // One notch of a standard mouse wheel.
 constexpr int WheelNotch = 120;
 
-constexpr std::array<Text, frmChannel::ColumnCount> Headers{{
-    {u"CH.", u"信道", u"信道"},
-    {u"Rx Freq", u"接收频率", u"接收頻率"},
-    {u"Tx Freq", u"发射频率", u"發射頻率"},
-    {u"CTCSS/DCS Dec", u"CTCSS/DCS 解码", u"CTCSS/DCS 解碼"},
-    {u"CTCSS/DCS Enc", u"CTCSS/DCS 编码", u"CTCSS/DCS 編碼"},
-    {u"TX Power", u"发射功率", u"發射功率"},
-    {u"W/N", u"宽/窄", u"寬/窄"},
-    {u"Scan Add", u"扫描添加", u"掃描添加"},
-    {u"BCL", u"繁忙锁定", u"繁忙鎖定"},
-}};
+static_assert(ChannelColumnCaptions.size() == frmChannel::ColumnCount);
 
 // The words CboChannel1 offers in a list column, Off first where there is one.
 QList<Text> columnChoices(int column)
@@ -259,6 +251,7 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     m_grid->viewport()->installEventFilter(this);
     m_wheelPager = new WheelPager(m_grid);
     connect(m_grid, &QTableWidget::currentCellChanged, this, [this] { SyncGridCursor(); });
+    buildTools();
 
     RefreshChannelOP();
     RefreshChannel();
@@ -280,7 +273,7 @@ QString frmChannel::headerText(int column, int languageIndex)
 {
     if (column < 0 || column >= ColumnCount)
         return {};
-    return Headers[static_cast<std::size_t>(column)].in(languageIndex);
+    return ChannelColumnCaptions[static_cast<std::size_t>(column)].in(languageIndex);
 }
 
 QString frmChannel::cellText(int row, int column) const
@@ -388,6 +381,7 @@ void frmChannel::SetupChannelGrid()
         header->setTextAlignment(Qt::Alignment::fromInt(Qt::AlignCenter | Qt::TextWordWrap));
     }
     fitColumns();
+    captionTools();
 }
 
 // Column widths as laid out, widened where a value of the current
@@ -459,8 +453,10 @@ void frmChannel::RefreshChannel()
 
 void frmChannel::RefreshData()
 {
-    // The image is the truth now; an editor still open belongs to the old data.
+    // The image is the truth now; an editor still open and the history of
+    // edits belong to the old data.
     m_editor->cancel();
+    m_undo->clear();
     const int rows = lastRow();
     const QuietFill quiet(m_grid);
     for (int channel = 1; channel <= rows; ++channel)
@@ -639,16 +635,18 @@ void frmChannel::commit(const QModelIndex &cell, QWidget *editor, const QString 
     const int column = cell.column();
     if (row < 1 || row > lastRow())
         return;
-    if (editor == m_text) {
-        if (column == ColRx)
-            setChannelRx(row, text);
-        else if (column == ColTx)
-            setChannelTx(row, text);
-    } else if (editor == m_combo[0]) {
-        setCell(row, column, normaliseToneInput(text, language()));
-    } else {
-        setCell(row, column, text);
-    }
+    recordEdit(row, [&] {
+        if (editor == m_text) {
+            if (column == ColRx)
+                setChannelRx(row, text);
+            else if (column == ColTx)
+                setChannelTx(row, text);
+        } else if (editor == m_combo[0]) {
+            setCell(row, column, normaliseToneInput(text, language()));
+        } else {
+            setCell(row, column, text);
+        }
+    });
 }
 
 // Enter in a frequency moves one column right. Enter in a list moves on
@@ -682,6 +680,24 @@ CellEditRules::Escape frmChannel::onEscape(QWidget *editor) const
 bool frmChannel::eventFilter(QObject *watched, QEvent *event)
 {
     const QEvent::Type type = event->type();
+    // The context menu opens on a right click without keys held (the
+    // Shift+Ctrl+Alt right click is the memory map's gesture) or the menu
+    // key, over the selected rows or the row clicked.
+    if (type == QEvent::ContextMenu && (watched == m_grid || watched == m_grid->viewport())) {
+        const auto *menu = static_cast<QContextMenuEvent *>(event);
+        if (menu->modifiers() != Qt::NoModifier)
+            return true;
+        m_editor->commit();
+        const bool mouse = menu->reason() == QContextMenuEvent::Mouse;
+        const int row = mouse ? m_grid->rowAt(menu->pos().y()) : m_grid->currentRow();
+        if (row >= 1 && !selectedChannels().contains(row))
+            selectChannels({row});
+        const QRect cell = m_grid->visualRect(m_grid->currentIndex());
+        showToolMenu(mouse ? menu->globalPos() : m_grid->viewport()->mapToGlobal(cell.center()));
+        return true;
+    }
+    if (watched == m_grid->viewport() && numberClick(event))
+        return true;
     if (watched == m_grid) {
         if (type == QEvent::FocusIn)
             m_grid->viewport()->installEventFilter(m_wheelPager);

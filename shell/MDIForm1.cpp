@@ -130,6 +130,9 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
     // whose root stays expanded anyway.
     m_tree->setRootIsDecorated(false);
     m_tree->setIndentation(14);
+    // The pane is as wide as the captions (fitTreePane); a pane dragged
+    // narrower elides them rather than scrolling sideways.
+    m_tree->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_mdiArea = new QMdiArea(split);
     m_mdiArea->setObjectName(u"MDIArea"_s);
     split->addWidget(m_tree);
@@ -415,6 +418,8 @@ void MDIForm1::RefreshMainWindow()
     m_panels[VersionPanel]->setText(versionText());
     m_panels[DatePanel]->setText(interfaceLocale().toString(QDate::currentDate(), QLocale::ShortFormat));
     setWindowTitle(ModelName());
+    if (m_shownOnce)
+        fitTreePane();
 }
 
 void MDIForm1::showPortPanel()
@@ -650,17 +655,26 @@ void MDIForm1::showEvent(QShowEvent *event)
     fitToScreen();
 }
 
+// The tree pane is as wide as its captions, in the language and font of the
+// moment: a language switch changes both.
+void MDIForm1::fitTreePane()
+{
+    auto *split = qobject_cast<QSplitter *>(centralWidget());
+    if (!split)
+        return;
+    const QAbstractItemView *items = m_tree; // where sizeHintForColumn is public
+    const int tree = items->sizeHintForColumn(0) + 2 * m_tree->frameWidth();
+    const int both = split->sizes().value(0) + split->sizes().value(1);
+    split->setSizes({tree, std::max(0, both - tree)});
+}
+
 // The window opens at its prescribed size, the tree pane as wide as its
 // captions. It grows wider when the channel list's columns (fitted to the
 // language's words or a larger desktop font) do not all fit, and never
 // opens larger than the screen's available area, frame included.
 void MDIForm1::fitToScreen()
 {
-    if (auto *split = qobject_cast<QSplitter *>(centralWidget())) {
-        const QAbstractItemView *items = m_tree; // where sizeHintForColumn is public
-        const int tree = items->sizeHintForColumn(0) + 2 * m_tree->frameWidth();
-        split->setSizes({tree, split->width() - tree - split->handleWidth()});
-    }
+    fitTreePane();
     if (!screen() || isMaximized() || isFullScreen())
         return;
     QMargins frame = windowHandle() ? windowHandle()->frameMargins() : QMargins();

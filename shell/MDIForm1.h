@@ -96,6 +96,7 @@ private:
     void showPortPanel();
     void Time_Timer();
     void fitToScreen();
+    void fitTreePane();
 
     QAction *addCommand(QAction *action, Commit commit, Handler handler);
     void runCommand(Commit commit, Handler handler);

@@ -2,11 +2,14 @@
 // RefreshData (image -> grid) and SaveData (grid -> image).
 //
 //   wrpd6t-bench-channels [iterations]
-//   wrpd6t-bench-channels --shots DIR     renders the list in the three languages
+//   wrpd6t-bench-channels --shots DIR     renders the list, its tools' menu and an
+//                                         import's preview in the three languages
 //
 // Runs on the offscreen platform unless QT_QPA_PLATFORM says otherwise.
 
+#include "channels/ChannelCsv.h"
 #include "channels/ChannelRecord.h"
+#include "channels/CsvImportPreview.h"
 #include "channels/frmChannel.h"
 #include "core/AppState.h"
 #include "core/FrequencyCodec.h"
@@ -16,9 +19,11 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QTableWidget>
 #include <QTextStream>
 
@@ -96,6 +101,29 @@ int shots(const QString &folder)
                                  .arg(folder, QString::fromLatin1(kind), QString::fromLatin1(names[language])));
             form.commitOpenEditor();
         }
+
+        const QString name = QString::fromLatin1(names[language]);
+        const QPoint at = form.grid()->visualRect(form.grid()->model()->index(3, 0)).center();
+        QContextMenuEvent menuEvent(QContextMenuEvent::Mouse, at, form.grid()->viewport()->mapToGlobal(at));
+        QCoreApplication::sendEvent(form.grid()->viewport(), &menuEvent);
+        QCoreApplication::processEvents();
+        if (auto *menu = form.findChild<QMenu *>(QStringLiteral("channelMenu"))) {
+            menu->grab().save(QStringLiteral("%1/channels-menu-%2.png").arg(folder, name));
+            menu->close();
+        }
+
+        const CsvImport import = ReadChannelCsv(
+            QStringLiteral("Location,Name,Frequency,Duplex,Offset,Tone,rToneFreq,cToneFreq,Mode,Power,Comment\n"
+                           "1,Club repeater,146.943000,-,0.600000,TSQL,88.5,100.0,FM,5.0W,\"open, daily\"\n"
+                           "2,,145.500000,,,Tone,69.0,88.5,FM,5W,\n"
+                           "5,,27.125000,,,,,,AM,4W,\n"
+                           "7,,433.500000,split,520.000000,,,,NFM,0.5W,BCL:Carrier\n"),
+            app().BandLimits);
+        CsvImportPreview preview(import, {1, 2}, QStringLiteral("club-channels.csv"),
+                                 Text(u"Import CHIRP CSV…", u"导入 CHIRP CSV…", u"匯入 CHIRP CSV…"), language);
+        preview.show();
+        QCoreApplication::processEvents();
+        preview.grab().save(QStringLiteral("%1/csv-preview-%2.png").arg(folder, name));
     }
     return 0;
 }

@@ -78,6 +78,7 @@ private Q_SLOTS:
     void exitCodes();
     void fileCommands();
     void backups();
+    void csvCommands();
     void diff_data();
     void diff();
 
@@ -99,6 +100,8 @@ void TestTool::init()
     QVERIFY(test::writeFile(folder + u"/plain"_s, "previous content"));
     QVERIFY(QDir(folder).mkdir(u"folder.bin"_s));
     QCOMPARE(::mkfifo(QFile::encodeName(folder + u"/pipe.tw"_s).constData(), 0600), 0);
+    QVERIFY(test::writeFile(folder + u"/names.csv"_s, "Location,Name\r\n1,Club\r\n"));
+    QVERIFY(test::writeFile(folder + u"/far.csv"_s, "Location,Frequency\n1,27.125\n"));
 }
 
 void TestTool::exitCodes_data()
@@ -156,6 +159,17 @@ void TestTool::exitCodes_data()
     QTest::newRow("dump of a missing file") << QStringList{u"dump"_s, u"@/missing.tw"_s} << 1 << u"@/missing.tw: "_s;
     QTest::newRow("pack of a short container") << QStringList{u"pack"_s, u"@/short.bin"_s, u"@/out.tw"_s} << 1
                                                << u"@/short.bin: Incorrect File Type."_s;
+    QTest::newRow("import-csv without its output") << QStringList{u"import-csv"_s, u"@/channels.tw"_s, u"@/far.csv"_s}
+                                                   << 2 << u"missing argument"_s;
+    QTest::newRow("import-csv of a file that is no channel list")
+        << QStringList{u"import-csv"_s, u"@/channels.tw"_s, u"@/names.csv"_s, u"@/out.tw"_s} << 1
+        << u"@/names.csv: no Location or no Frequency column"_s;
+    QTest::newRow("import-csv with no usable row")
+        << QStringList{u"import-csv"_s, u"@/channels.tw"_s, u"@/far.csv"_s, u"@/out.tw"_s} << 1
+        << u"@/far.csv:2: Frequency \"27.125\": outside the receive bands: row skipped\n"
+           "@/far.csv: 0 rows imported (0 changed), 1 skipped\n"_s;
+    QTest::newRow("export-csv of another program's file") << QStringList{u"export-csv"_s, u"@/png.tw"_s, u"@/out.csv"_s}
+                                                          << 1 << u"@/png.tw: Incorrect File Type."_s;
     QTest::newRow("new under a regular file") << QStringList{u"new"_s, u"@/plain/radio.tw"_s} << 1 << u"@/plain"_s;
     // Nobody writes into the pipe: reading it would wait for ever.
     QTest::newRow("info of a pipe") << QStringList{u"info"_s, u"@/pipe.tw"_s} << 1
@@ -298,6 +312,29 @@ void TestTool::fullDisk()
     QCOMPARE(process.exitCode(), 1);
     QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
              u"wrpd6t-tool: %1/channels.bin: No space left on device\n"_s.arg(disk));
+}
+
+// Channels leave a data file as CHIRP CSV and come back into a fresh one as
+// they were; the report names each row not taken as it stood.
+void TestTool::csvCommands()
+{
+    const QString folder = m_fixture->folder();
+    const Run exported = runTool({u"export-csv"_s, u"@/channels.tw"_s, u"@/list"_s}, folder);
+    QCOMPARE(exported.exitCode, 0);
+    QCOMPARE(test::readFile(folder + u"/list"_s),
+             "Location,Name,Frequency,Duplex,Offset,Tone,rToneFreq,cToneFreq,DtcsCode,DtcsPolarity,RxDtcsCode,"
+             "CrossMode,Mode,TStep,Skip,Power,Comment,URCALL,RPT1CALL,RPT2CALL,DVCODE\r\n"
+             "3,,145.500000,+,0.500000,Cross,88.5,88.5,023,NN,023,DTCS->Tone,FM,5.00,,5.0W,BCL:Carrier,,,,\r\n"
+             "10,,435.125000,off,0.000000,,88.5,88.5,023,NN,023,Tone->Tone,NFM,5.00,S,1.0W,,,,,\r\n");
+
+    QVERIFY(test::writeFile(folder + u"/list"_s, test::readFile(folder + u"/list"_s) + "11,,999,,,,,,,,,,FM,,,,,,,,\r\n"));
+    QCOMPARE(runTool({u"new"_s, u"@/fresh.tw"_s}, folder).exitCode, 0);
+    const Run imported = runTool({u"import-csv"_s, u"@/fresh.tw"_s, u"@/list"_s, u"@/out.tw"_s}, folder);
+    QCOMPARE(imported.exitCode, 0);
+    QCOMPARE(imported.err, u"@/fresh.tw: no band limits (never read from a radio); using 136-174 and 400-490 MHz\n"
+                           "@/list:4: Frequency \"999\": outside the receive bands: row skipped\n"
+                           "@/list: 2 rows imported (0 changed), 1 skipped\n"_s.replace(u"@"_s, folder));
+    QCOMPARE(runTool({u"info"_s, u"@/out.tw"_s}, folder).out, runTool({u"info"_s, u"@/channels.tw"_s}, folder).out);
 }
 
 QTEST_GUILESS_MAIN(TestTool)

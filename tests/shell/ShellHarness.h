@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ModalDialog.h"
 #include "TestSupport.h"
 #include "channels/ChannelRecord.h"
 #include "core/BandLimits.h"
@@ -102,20 +103,7 @@ public:
 
     // Runs handler on the next modal dialog once it is up (the command that
     // opens it blocks in exec()).
-    static void whenModal(std::function<void(QDialog *)> handler)
-    {
-        auto *poll = new QTimer;
-        poll->setInterval(10);
-        QObject::connect(poll, &QTimer::timeout, poll, [poll, handler = std::move(handler)] {
-            auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-            if (!dialog || !dialog->isVisible())
-                return;
-            poll->stop();
-            poll->deleteLater();
-            handler(dialog);
-        });
-        poll->start();
-    }
+    static void whenModal(std::function<void(QDialog *)> handler) { test::whenModal(std::move(handler)); }
 
     // An image with channels first.. on <base + n % 30>.12500 MHz and the
     // band limits a radio reports.

@@ -8,6 +8,7 @@
 #include "shell/QtTranslations.h"
 #include "ui/Twips.h"
 
+#include <QClipboard>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
@@ -155,6 +156,31 @@ private Q_SLOTS:
             QVERIFY(!h->window->isVisible());
         else
             QCOMPARE(wr::MessageBox::history().size(), 1);
+    }
+
+    // The channel list's Ctrl keys work beside the menu's: the hidden Print
+    // View's Ctrl+V is switched off with its item, so it pastes rows, and
+    // Ctrl+A stays Save As.
+    void gridKeysBesideMenuKeys()
+    {
+        h->open(0).show();
+        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
+        h->editRx(3, u"145.5"_s);
+        QTableWidget *grid = h->window->channelList()->grid();
+        grid->setCurrentCell(3, 1);
+        grid->setFocus();
+        QTest::keyClick(grid, Qt::Key_C, Qt::ControlModifier);
+        grid->setCurrentCell(9, 1);
+        QTest::keyClick(grid, Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(h->gridRx(9), u"145.50000"_s);
+        QTest::keyClick(grid, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(h->gridRx(9), QString());
+        const QString path = h->fixture.path(u"saved.tw"_s);
+        wr::FileDialog::setNextFileName(path);
+        QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
+        QVERIFY(QFile::exists(path));
+        QVERIFY(wr::MessageBox::history().isEmpty());
+        QGuiApplication::clipboard()->clear();
     }
 
     void commitStepEntries_data()

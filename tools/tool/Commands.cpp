@@ -10,6 +10,30 @@ const QString ProgramName = QStringLiteral("wrpd6t-tool");
 
 } // namespace
 
+int fileFailure(const QString &path, const QString &message)
+{
+    err() << ProgramName << ": " << path << ": " << message << '\n';
+    err().flush();
+    return Failure;
+}
+
+std::optional<DataFile::ReadResult> readDataFile(const QString &path)
+{
+    DataFile::ReadResult result = DataFile::Read(path);
+    switch (result.status) {
+    case DataFile::ReadStatus::Ok:
+        return result;
+    case DataFile::ReadStatus::CannotOpen:
+        fileFailure(path, result.errorString);
+        break;
+    case DataFile::ReadStatus::Damaged:
+    case DataFile::ReadStatus::WrongType:
+        fileFailure(path, IncorrectFileType);
+        break;
+    }
+    return std::nullopt;
+}
+
 QTextStream &out()
 {
     static QTextStream stream(stdout);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "file/DataFile.h"
+
 #include <QCommandLineParser>
 #include <QList>
 #include <QString>
@@ -30,11 +32,20 @@ struct Command
 // The tables main() dispatches over, one per source file.
 QList<Command> fileCommands();
 QList<Command> linkCommands();
+QList<Command> csvCommands();
 QList<Command> diffCommands();
 
 // Standard output and standard error, UTF-8.
 QTextStream &out();
 QTextStream &err();
+
+// The program's own message for a file that is not a data file or is damaged.
+inline const QString IncorrectFileType = QStringLiteral("Incorrect File Type.");
+
+// Prints "wrpd6t-tool: PATH: message" to stderr; returns Failure.
+int fileFailure(const QString &path, const QString &message);
+// Reads a data file, or prints why it cannot be used.
+std::optional<DataFile::ReadResult> readDataFile(const QString &path);
 
 // The parser of one subcommand: "--help" on every subcommand, and the usage
 // line "wrpd6t-tool NAME [options] ARGS...".

@@ -17,34 +17,6 @@ namespace wr::tool {
 
 namespace {
 
-// The program's own message for a file that is not a data file or is damaged.
-const QString IncorrectFileType = QStringLiteral("Incorrect File Type.");
-
-int fileFailure(const QString &path, const QString &message)
-{
-    err() << "wrpd6t-tool: " << path << ": " << message << '\n';
-    err().flush();
-    return Failure;
-}
-
-// Reads a data file, or prints why it cannot be used.
-std::optional<DataFile::ReadResult> readDataFile(const QString &path)
-{
-    DataFile::ReadResult result = DataFile::Read(path);
-    switch (result.status) {
-    case DataFile::ReadStatus::Ok:
-        return result;
-    case DataFile::ReadStatus::CannotOpen:
-        fileFailure(path, result.errorString);
-        break;
-    case DataFile::ReadStatus::Damaged:
-    case DataFile::ReadStatus::WrongType:
-        fileFailure(path, IncorrectFileType);
-        break;
-    }
-    return std::nullopt;
-}
-
 int writeFile(const QString &path, QByteArrayView content)
 {
     QString errorString;
