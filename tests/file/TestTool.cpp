@@ -144,9 +144,9 @@ void TestTool::exitCodes_data()
     QTest::newRow("info of another program's file") << QStringList{u"info"_s, u"@/png.tw"_s} << 1
                                                     << u"@/png.tw: Incorrect File Type."_s;
     QTest::newRow("diff with another program's file")
-        << QStringList{u"diff"_s, u"@/channels.tw"_s, u"@/png.tw"_s} << 2 << u"diff: @/png.tw: Incorrect File Type."_s;
+        << QStringList{u"diff"_s, u"@/channels.tw"_s, u"@/png.tw"_s} << 2 << u"@/png.tw: Incorrect File Type."_s;
     QTest::newRow("diff of a missing file") << QStringList{u"diff"_s, u"@/missing.tw"_s, u"@/channels.tw"_s} << 2
-                                            << u"diff: @/missing.tw: No such file"_s;
+                                            << u"@/missing.tw: No such file"_s;
     QTest::newRow("diff of one file") << QStringList{u"diff"_s, u"@/channels.tw"_s} << 2 << u"missing argument"_s;
     QTest::newRow("write, a port given twice")
         << QStringList{u"write"_s, u"@/channels.tw"_s, u"COM5"_s, u"com5"_s} << 2 << u"COM5 is given twice"_s;
@@ -249,7 +249,7 @@ void TestTool::diff_data()
     QTest::newRow("channel 3: power and bandwidth") << QList<int>{0x2E, 0x09} << 0
                                                     << u"CH. 3: TX Power High -> Low, W/N Wide -> Narrow\n"_s;
     QTest::newRow("channel 3, Simplified Chinese") << QList<int>{0x2E, 0x09} << 1
-                                                   << u"CH. 3: TX Power 高 -> 低, W/N 宽 -> 窄\n"_s;
+                                                   << u"信道 3: 发射功率 高 -> 低, 宽/窄 宽 -> 窄\n"_s;
     // Its bit in the empty bitmap is what changed; that byte is not listed again.
     QTest::newRow("channel 10 out of use")
         << QList<int>{0x0CA1, 0xFF} << 0
@@ -263,7 +263,8 @@ void TestTool::diff_data()
     QTest::newRow("side key, which is key P3 too")
         << QList<int>{0x0CEA, 0x92} << 2 << u"側鍵 短按: 背光燈 -> 掃描\nP3 短按: 背光燈 -> 掃描\n"_s;
     QTest::newRow("a settings bit no field shows") << QList<int>{0x0CD1, 0x20} << 0 << u"0x0CD1: 00 -> 20\n"_s;
-    QTest::newRow("FM channel 1 emptied") << QList<int>{0x1900, 0xFF} << 0 << u"FM CH. 1: 98.10 -> (empty)\n"_s;
+    QTest::newRow("FM channel 1 emptied, Simplified Chinese")
+        << QList<int>{0x1900, 0xFF} << 1 << u"FM 信道 1: 98.10 -> （空）\n"_s;
     QTest::newRow("FM VFO erased, Traditional Chinese")
         << QList<int>{0x1990, 0xFF} << 2 << u"FM 全頻: 101.70 -> 87.50\n"_s;
     // Channel 5 is not in use: its record's bytes are only bytes.

@@ -10,7 +10,6 @@
 #include "core/MemoryImage.h"
 #include "features/FmRadio.h"
 #include "features/SettingsReport.h"
-#include "file/DataFile.h"
 
 #include <array>
 #include <span>
@@ -52,24 +51,16 @@ constexpr Span FrequencySpans[]{{0, 4, 0xFF}};
 constexpr ItemLayout FmChannelLayout{fm::FirstChannelAddress, 4, FrequencySpans, fm::EmptyBitmapAddress};
 constexpr ItemLayout FmVfoLayout{fm::VfoAddress, 0, FrequencySpans, -1};
 
-// The columns of the channel list after the number, as info names them.
-constexpr std::array<const char *, 8> ChannelColumns{"Rx Freq",  "Tx Freq", "CTCSS/DCS Dec", "CTCSS/DCS Enc",
-                                                     "TX Power", "W/N",     "Scan Add",      "BCL"};
-
-std::array<QString, 8> cells(const ChannelTexts &texts)
+// The cells of a channel list row after the number, in the order of the
+// column captions.
+std::array<QString, ChannelColumnCaptions.size() - 1> cells(const ChannelTexts &texts)
 {
     return {texts.rx, texts.tx, texts.decode, texts.encode, texts.power, texts.bandwidth, texts.scanAdd, texts.bcl};
 }
 
-QString shownValue(const QString &text)
-{
-    return text.isEmpty() ? QStringLiteral("(empty)") : text;
-}
-
-QString change(const QString &before, const QString &after)
-{
-    return shownValue(before) + QStringLiteral(" -> ") + shownValue(after);
-}
+// An empty cell: a channel not in use, no separate transmit side, an empty
+// FM channel, a list with no selection.
+constexpr Text EmptyCell{u"(empty)", u"（空）", u"（空）"};
 
 QString hex(int value, int digits)
 {
@@ -98,6 +89,12 @@ public:
     }
 
 private:
+    QString change(const QString &before, const QString &after) const
+    {
+        const auto shown = [this](const QString &text) { return text.isEmpty() ? EmptyCell.in(m_language) : text; };
+        return shown(before) + QStringLiteral(" -> ") + shown(after);
+    }
+
     void explain(int address, std::uint8_t mask)
     {
         if (address >= 0 && address < MemoryImage::Size)
@@ -121,13 +118,15 @@ private:
             const auto before = cells(ReadChannelTexts(m_a, channel, m_language));
             const auto after = cells(ReadChannelTexts(m_b, channel, m_language));
             QStringList changes;
-            for (std::size_t column = 0; column < before.size(); ++column) {
-                if (before[column] != after[column])
-                    changes.append(QLatin1String(ChannelColumns[column]) + u' ' + change(before[column], after[column]));
+            for (std::size_t cell = 0; cell < before.size(); ++cell) {
+                if (before[cell] != after[cell])
+                    changes.append(ChannelColumnCaptions[cell + 1].in(m_language) + u' '
+                                   + change(before[cell], after[cell]));
             }
             if (changes.isEmpty())
                 continue;
-            m_lines.append(QStringLiteral("CH. %1: ").arg(channel) + changes.join(QStringLiteral(", ")));
+            m_lines.append(QStringLiteral("%1 %2: ").arg(ChannelColumnCaptions[0].in(m_language)).arg(channel)
+                           + changes.join(QStringLiteral(", ")));
             explain(ChannelLayout, channel - 1);
         }
     }
@@ -157,7 +156,8 @@ private:
             const QString &is = after.channels[std::size_t(channel)];
             if (was == is)
                 continue;
-            m_lines.append(QStringLiteral("FM CH. %1: ").arg(channel) + change(was, is));
+            m_lines.append(QStringLiteral("FM %1 %2: ").arg(fm::ChannelHeader.in(m_language)).arg(channel)
+                           + change(was, is));
             explain(FmChannelLayout, channel);
         }
     }
@@ -180,21 +180,15 @@ private:
     QStringList m_lines;
 };
 
-// The image of a data file, or the reason it cannot be compared on stderr.
+// The image of a data file, or nothing after saying why it cannot be read.
 std::optional<MemoryImage> readImage(const QString &path)
 {
-    const DataFile::ReadResult file = DataFile::Read(path);
-    if (file.status == DataFile::ReadStatus::Ok) {
-        MemoryImage image;
-        image.setBytes(file.image);
-        return image;
-    }
-    err() << "wrpd6t-tool diff: " << path << ": "
-          << (file.status == DataFile::ReadStatus::CannotOpen ? file.errorString
-                                                              : QStringLiteral("Incorrect File Type."))
-          << '\n';
-    err().flush();
-    return std::nullopt;
+    const std::optional<DataFile::ReadResult> file = readDataFile(path);
+    if (!file)
+        return std::nullopt;
+    MemoryImage image;
+    image.setBytes(file->image);
+    return image;
 }
 
 int runDiff(const QStringList &arguments)
