@@ -180,17 +180,6 @@ private:
     QStringList m_lines;
 };
 
-// The image of a data file, or nothing after saying why it cannot be read.
-std::optional<MemoryImage> readImage(const QString &path)
-{
-    const std::optional<DataFile::ReadResult> file = readDataFile(path);
-    if (!file)
-        return std::nullopt;
-    MemoryImage image;
-    image.setBytes(file->image);
-    return image;
-}
-
 int runDiff(const QStringList &arguments)
 {
     CommandLine line(QStringLiteral("diff"),
@@ -199,19 +188,14 @@ int runDiff(const QStringList &arguments)
                                     "them, the FM radio, then any other byte by its image address. Exit status 0 "
                                     "when the memories are the same, 1 when they differ, 2 when a file cannot be "
                                     "read."));
-    const QCommandLineOption language({QStringLiteral("l"), QStringLiteral("language")},
-                                      QStringLiteral("Language of the texts: 0 English, 1 Simplified Chinese, "
-                                                     "2 Traditional Chinese."),
-                                      QStringLiteral("index"), QStringLiteral("0"));
-    line.parser().addOption(language);
+    line.addLanguageOption();
     line.addArgument(QStringLiteral("A.tw"), QStringLiteral("The data file to compare from."));
     line.addArgument(QStringLiteral("B.tw"), QStringLiteral("The data file to compare with."));
     if (const auto status = line.parse(arguments))
         return *status;
-    bool isNumber = false;
-    const int languageIndex = line.parser().value(language).toInt(&isNumber);
-    if (!isNumber || languageIndex < 0 || languageIndex >= LanguageCount)
-        return line.usageError(QStringLiteral("--language must be 0, 1 or 2"));
+    const std::optional<int> languageIndex = line.language();
+    if (!languageIndex)
+        return UsageError;
 
     const std::optional<MemoryImage> a = readImage(line.arguments().at(0));
     const std::optional<MemoryImage> b = a ? readImage(line.arguments().at(1)) : std::nullopt;
@@ -219,7 +203,7 @@ int runDiff(const QStringList &arguments)
         return UsageError;
     if (*a == *b)
         return Success;
-    for (const QString &text : Comparison(*a, *b, languageIndex).lines())
+    for (const QString &text : Comparison(*a, *b, *languageIndex).lines())
         out() << text << '\n';
     return Failure;
 }
