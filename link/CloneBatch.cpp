@@ -14,10 +14,10 @@ struct CloneBatch::Transfer
 {
     AppState state;
     CloneEngine engine{state};
-    std::unique_ptr<CloneDriver> driver;
     Radio radio;
-    QString question; // what was said under the lost-connection question
+    QString question;  // what was said under the lost-connection question
     bool lost = false; // the device had gone away when the question came
+    std::unique_ptr<CloneDriver> driver; // last: it goes first
 };
 
 CloneBatch::CloneBatch(CloneEngine::Direction direction, const QList<int> &ports, const MemoryImage &image,
@@ -65,12 +65,7 @@ CloneBatch::CloneBatch(CloneEngine::Direction direction, const QList<int> &ports
     }
 }
 
-CloneBatch::~CloneBatch()
-{
-    // The drivers close their ports before the engines and states they use go.
-    for (const std::unique_ptr<Transfer> &transfer : m_transfers)
-        transfer->driver.reset();
-}
+CloneBatch::~CloneBatch() = default;
 
 void CloneBatch::start()
 {
