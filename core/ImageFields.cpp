@@ -127,29 +127,33 @@ QString captionText(const FieldTable &table, QStringView control, int languageIn
 
 } // namespace
 
-QStringList describeFields(const MemoryImage &image, const FieldTable &table, std::span<const ReportLine> lines,
-                           int languageIndex)
+QString FieldLine::text() const
 {
-    QStringList report;
+    return caption + u':' + (value.isEmpty() ? QString() : u' ' + value);
+}
+
+QList<FieldLine> describeFields(const MemoryImage &image, const FieldTable &table, std::span<const ReportLine> lines,
+                                int languageIndex)
+{
+    QList<FieldLine> report;
     for (const ReportLine &line : lines) {
         QStringList name;
         for (const QStringView caption : {line.caption, line.subCaption}) {
             if (!caption.isEmpty())
                 name.append(captionText(table, caption, languageIndex));
         }
-        const auto add = [&](const QString &value) {
-            report.append(name.join(u' ') + u':' + (value.isEmpty() ? QString() : u' ' + value));
-        };
         for (const ListField &list : table.lists) {
+            // A list that holds no field shows no selection and no bits.
             if (list.control == line.field)
-                add(list.items(languageIndex).value(list.load(image)));
+                report.append({name.join(u' '), list.items(languageIndex).value(list.load(image)),
+                               list.bits.value_or(BitField{0, 0, 0})});
         }
         for (const CheckField &check : table.checks) {
             if (check.control != line.field)
                 continue;
             if (name.isEmpty())
                 name.append(check.text.in(languageIndex));
-            add((check.load(image) ? Words::On : Words::Off).in(languageIndex));
+            report.append({name.join(u' '), (check.load(image) ? Words::On : Words::Off).in(languageIndex), check.bit});
         }
     }
     return report;

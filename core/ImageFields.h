@@ -136,10 +136,21 @@ struct ReportLine
     QStringView subCaption = {};
 };
 
-// "caption: value" for each line, in a language, with the texts the form
+// A line of the report as shown, with the bits of the image it shows.
+struct FieldLine
+{
+    QString caption;
+    QString value;
+    BitField bits;
+
+    // "caption: value", or "caption:" without a value.
+    QString text() const;
+};
+
+// A line for each report line, in a language, with the texts the form
 // shows: a list's selected item, On or Off for a check box; a list without
-// a selection gives "caption:". A caption's closing colon is left out.
-QStringList describeFields(const MemoryImage &image, const FieldTable &table, std::span<const ReportLine> lines,
-                           int languageIndex);
+// a selection has no value. A caption's closing colon is left out.
+QList<FieldLine> describeFields(const MemoryImage &image, const FieldTable &table, std::span<const ReportLine> lines,
+                                int languageIndex);
 
 } // namespace wr

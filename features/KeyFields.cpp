@@ -65,7 +65,7 @@ constexpr std::array<ReportLine, 2 * KeyCount> Report = [] {
 
 constexpr FieldTable KeyFields{.captions = Captions, .lists = Lists, .rebuiltBytes = Rebuilt};
 
-QStringList describeKeys(const MemoryImage &image, int languageIndex)
+QList<FieldLine> describeKeys(const MemoryImage &image, int languageIndex)
 {
     return describeFields(image, KeyFields, Report, languageIndex);
 }

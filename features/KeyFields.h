@@ -14,7 +14,8 @@ extern const FieldTable KeyFields;
 inline constexpr int KeyCount = 7;
 inline constexpr int FirstKeyAddress = 0x0CE8;
 
-// The fields as "caption: value" lines, key by key.
-QStringList describeKeys(const MemoryImage &image, int languageIndex);
+// The fields as report lines ("caption: value" and the bits behind it), key
+// by key.
+QList<FieldLine> describeKeys(const MemoryImage &image, int languageIndex);
 
 } // namespace wr

@@ -122,7 +122,7 @@ constexpr ReportLine Report[]{
 
 constexpr FieldTable OptionFields{.captions = Captions, .lists = Lists, .checks = Checks, .rebuiltBytes = Rebuilt};
 
-QStringList describeOptions(const MemoryImage &image, int languageIndex)
+QList<FieldLine> describeOptions(const MemoryImage &image, int languageIndex)
 {
     return describeFields(image, OptionFields, Report, languageIndex);
 }

@@ -27,7 +27,8 @@ namespace wr {
 // lists and check boxes are in the order the dialog loads and stores them.
 extern const FieldTable OptionFields;
 
-// The fields as "caption: value" lines, in the order the dialog shows them.
-QStringList describeOptions(const MemoryImage &image, int languageIndex);
+// The fields as report lines ("caption: value" and the bits behind it), in
+// the order the dialog shows them.
+QList<FieldLine> describeOptions(const MemoryImage &image, int languageIndex);
 
 } // namespace wr

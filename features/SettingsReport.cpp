@@ -5,9 +5,17 @@
 
 namespace wr {
 
-QStringList describeSettings(const MemoryImage &image, int languageIndex)
+QList<FieldLine> describeSettingFields(const MemoryImage &image, int languageIndex)
 {
     return describeOptions(image, languageIndex) + describeKeys(image, languageIndex);
+}
+
+QStringList describeSettings(const MemoryImage &image, int languageIndex)
+{
+    QStringList lines;
+    for (const FieldLine &line : describeSettingFields(image, languageIndex))
+        lines.append(line.text());
+    return lines;
 }
 
 } // namespace wr

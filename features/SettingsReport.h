@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/ImageFields.h"
 #include "core/MemoryImage.h"
 
 #include <QStringList>
@@ -10,5 +11,7 @@ namespace wr {
 // "caption: value" lines, in a language, with the texts the two dialogs
 // show: for comparing the settings of two data files without the window.
 QStringList describeSettings(const MemoryImage &image, int languageIndex);
+// The same lines with the bits of the image each one shows.
+QList<FieldLine> describeSettingFields(const MemoryImage &image, int languageIndex);
 
 } // namespace wr

@@ -472,7 +472,7 @@ Actions CloneEngine::timeoutTick()
         actions += drain();
         return actions;
     }
-    if (Step == 0) {
+    if (Step == 0 && m_portScan) {
         // The opening command was never acknowledged: perhaps the radio hangs
         // on another port. Walk the list once, whichever port was in use.
         const QStringList ports = m_portList();

@@ -118,6 +118,13 @@ public:
     // when empty).
     explicit CloneEngine(AppState &state, std::function<QStringList()> portList = {});
 
+    // With the port scan off, a radio that never acknowledges the opening
+    // command is not looked for on the other ports: the question follows the
+    // spent budget at once. For several radios on their own cables, where
+    // another port belongs to another transfer. On by default.
+    void setPortScan(bool on) { m_portScan = on; }
+    bool portScan() const { return m_portScan; }
+
     // Takes the direction from LinkDirection (enough for the captions).
     void prepare();
     // Form load: remembers the port and starts the transfer.
@@ -189,6 +196,7 @@ private:
     WaitKind m_wait = WaitKind::None;
     int m_progress = 0;
     int m_threshold = 0;
+    bool m_portScan = true;
     bool m_portOpen = false;
     bool m_opening = false;
     bool m_asking = false;

@@ -79,6 +79,8 @@ private Q_SLOTS:
     void fileCommands();
     void backups();
     void csvCommands();
+    void diff_data();
+    void diff();
 
     void fullDisk();
 
@@ -141,6 +143,17 @@ void TestTool::exitCodes_data()
                                               << u"too many arguments"_s;
     QTest::newRow("info of another program's file") << QStringList{u"info"_s, u"@/png.tw"_s} << 1
                                                     << u"@/png.tw: Incorrect File Type."_s;
+    QTest::newRow("diff with another program's file")
+        << QStringList{u"diff"_s, u"@/channels.tw"_s, u"@/png.tw"_s} << 2 << u"@/png.tw: Incorrect File Type."_s;
+    QTest::newRow("diff of a missing file") << QStringList{u"diff"_s, u"@/missing.tw"_s, u"@/channels.tw"_s} << 2
+                                            << u"@/missing.tw: No such file"_s;
+    QTest::newRow("diff of one file") << QStringList{u"diff"_s, u"@/channels.tw"_s} << 2 << u"missing argument"_s;
+    QTest::newRow("write, a port given twice")
+        << QStringList{u"write"_s, u"@/channels.tw"_s, u"COM5"_s, u"com5"_s} << 2 << u"COM5 is given twice"_s;
+    QTest::newRow("read --each without a folder")
+        << QStringList{u"read"_s, u"--each"_s, u"COM5"_s, u"COM6"_s} << 2 << u"--each needs --into FOLDER"_s;
+    QTest::newRow("read, two ports without --each")
+        << QStringList{u"read"_s, u"COM5"_s, u"COM6"_s, u"@/out.tw"_s} << 2 << u"use --each"_s;
     QTest::newRow("unpack of a truncated file") << QStringList{u"unpack"_s, u"@/truncated.tw"_s, u"@/out.bin"_s}
                                                 << 1 << u"@/truncated.tw: Incorrect File Type."_s;
     QTest::newRow("dump of a missing file") << QStringList{u"dump"_s, u"@/missing.tw"_s} << 1 << u"@/missing.tw: "_s;
@@ -224,6 +237,61 @@ void TestTool::backups()
                       "2026-11-24 09:00:00\tread\tunreadable\t@/2026-11-24_090000-read.tw\n"
                       "2026-11-23 18:00:00\texit\t0\t@/2026-11-23_180000-exit.tw\n"
                       "2026-11-23 14:15:02\tread\t2\t@/2026-11-23_141502-read.tw\n"_s.replace(u"@"_s, backups));
+}
+
+void TestTool::diff_data()
+{
+    QTest::addColumn<QList<int>>("changes"); // address, new value, ... applied to channels.tw
+    QTest::addColumn<int>("language");
+    QTest::addColumn<QString>("listed");
+
+    QTest::newRow("identical") << QList<int>{} << 0 << QString();
+    QTest::newRow("channel 3: power and bandwidth") << QList<int>{0x2E, 0x09} << 0
+                                                    << u"CH. 3: TX Power High -> Low, W/N Wide -> Narrow\n"_s;
+    QTest::newRow("channel 3, Simplified Chinese") << QList<int>{0x2E, 0x09} << 1
+                                                   << u"信道 3: 发射功率 高 -> 低, 宽/窄 宽 -> 窄\n"_s;
+    // Its bit in the empty bitmap is what changed; that byte is not listed again.
+    QTest::newRow("channel 10 out of use")
+        << QList<int>{0x0CA1, 0xFF} << 0
+        << u"CH. 10: Rx Freq 435.12500 -> (empty), CTCSS/DCS Dec None -> (empty), TX Power Low -> (empty), "
+           "W/N Narrow -> (empty), Scan Add Off -> (empty), BCL Off -> (empty)\n"_s;
+    QTest::newRow("channel bits the list does not show") << QList<int>{0x2E, 0xCD, 0x2F, 0x44} << 0
+                                                         << u"0x002E: 4D -> CD\n0x002F: 00 -> 44\n"_s;
+    QTest::newRow("a channel's shown and hidden bits in one byte")
+        << QList<int>{0x2E, 0x8D} << 0 << u"CH. 3: W/N Wide -> Narrow\n0x002E: 4D -> 8D\n"_s;
+    QTest::newRow("squelch level") << QList<int>{0x0CD6, 3} << 0 << u"Squelch Level: 5 -> 3\n"_s;
+    QTest::newRow("side key, which is key P3 too")
+        << QList<int>{0x0CEA, 0x92} << 2 << u"側鍵 短按: 背光燈 -> 掃描\nP3 短按: 背光燈 -> 掃描\n"_s;
+    QTest::newRow("a settings bit no field shows") << QList<int>{0x0CD1, 0x20} << 0 << u"0x0CD1: 00 -> 20\n"_s;
+    QTest::newRow("FM channel 1 emptied, Simplified Chinese")
+        << QList<int>{0x1900, 0xFF} << 1 << u"FM 信道 1: 98.10 -> （空）\n"_s;
+    QTest::newRow("FM VFO erased, Traditional Chinese")
+        << QList<int>{0x1990, 0xFF} << 2 << u"FM 全頻: 101.70 -> 87.50\n"_s;
+    // Channel 5 is not in use: its record's bytes are only bytes.
+    QTest::newRow("one of each, in this order")
+        << QList<int>{0x3000, 0x12, 0x1915, 0x01, 0x0CD6, 3, 0x2E, 0x0D, 0x4E, 0x0D} << 0
+        << u"CH. 3: W/N Wide -> Narrow\nSquelch Level: 5 -> 3\nFM CH. 1: 98.10 -> 90.10\n0x004E: FF -> 0D\n"
+           "0x3000: FF -> 12\n"_s;
+}
+
+// The dealer's view of two files: what the channel list, the settings
+// dialogs and the FM radio would show differently, and the other bytes.
+void TestTool::diff()
+{
+    QFETCH(QList<int>, changes);
+    QFETCH(int, language);
+    QFETCH(QString, listed);
+    MemoryImage changed = imageWithChannels();
+    for (qsizetype i = 0; i + 1 < changes.size(); i += 2)
+        changed.WriteByte(changes.at(i), static_cast<std::uint8_t>(changes.at(i + 1)));
+    const QString folder = m_fixture->folder();
+    QVERIFY(DF::Write(folder + u"/changed.tw"_s, changed, nullptr));
+
+    const Run run = runTool({u"diff"_s, u"-l"_s, QString::number(language), u"@/channels.tw"_s, u"@/changed.tw"_s},
+                            folder);
+    QCOMPARE(run.exitCode, listed.isEmpty() ? 0 : 1);
+    QCOMPARE(run.out, listed);
+    QCOMPARE(run.err, QString());
 }
 
 // On a disk that fills up half way through the file, the tool says so in

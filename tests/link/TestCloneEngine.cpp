@@ -272,6 +272,7 @@ void TestCloneEngine::transfer()
 
 void TestCloneEngine::portScan_data()
 {
+    QTest::addColumn<bool>("scan");
     QTest::addColumn<QStringList>("ports");
     QTest::addColumn<int>("radioPort");
     QTest::addColumn<QList<int>>("portChanges");
@@ -281,40 +282,47 @@ void TestCloneEngine::portScan_data()
     // The chosen port 5 opens, but nothing answers there; each port tried
     // gets the opening command 1 + 7 times.
     QTest::newRow("radio found on a listed port, which is kept")
-        << QStringList{u"COM1"_s, u"COM4"_s, u"COM5"_s} << 4 << QList<int>{1, 4} << 8 << QString();
+        << true << QStringList{u"COM1"_s, u"COM4"_s, u"COM5"_s} << 4 << QList<int>{1, 4} << 8 << QString();
     QTest::newRow("no radio: Cancel gives the chosen port back")
-        << QStringList{u"COM1"_s, u"COM5"_s} << 0 << QList<int>{1, 5, 5} << 16 << u"Ports tried: COM5, COM1"_s;
+        << true << QStringList{u"COM1"_s, u"COM5"_s} << 0 << QList<int>{1, 5, 5} << 16
+        << u"Ports tried: COM5, COM1"_s;
     QTest::newRow("no port listed: straight to the question")
-        << QStringList{QString()} << 0 << QList<int>{5} << 8 << u"Port tried: COM5"_s;
+        << true << QStringList{QString()} << 0 << QList<int>{5} << 8 << u"Port tried: COM5"_s;
+    QTest::newRow("scan off: a radio on another port is never looked for")
+        << false << QStringList{u"COM1"_s, u"COM4"_s, u"COM5"_s} << 4 << QList<int>{5} << 8 << u"Port tried: COM5"_s;
 }
 
 void TestCloneEngine::portScan()
 {
+    QFETCH(bool, scan);
     QFETCH(QStringList, ports);
     QFETCH(int, radioPort);
     QFETCH(QList<int>, portChanges);
     QFETCH(int, openingFramesOnChosenPort);
     QFETCH(QString, portsTried);
+    const int foundOn = scan ? radioPort : 0;
 
     AppState &state = test::transferState(0, true, 5);
     VirtualRadio radio;
     CloneEngine engine(state, [ports] { return ports; });
+    engine.setPortScan(scan);
     FakeLink link(engine, radioPort, &radio);
     link.run();
 
     QVERIFY(link.unloaded);
     QCOMPARE(link.portChanges, portChanges);
-    QCOMPARE(int{state.PortNumber}, radioPort ? radioPort : 5);
-    QCOMPARE(engine.Finished, radioPort != 0);
+    QCOMPARE(int{state.PortNumber}, foundOn ? foundOn : 5);
+    QCOMPARE(engine.Finished, foundOn != 0);
     QCOMPARE(link.count(5, "PROGRAM"), openingFramesOnChosenPort);
+    QCOMPARE(link.count(radioPort, "PROGRAM"), radioPort == 5 ? openingFramesOnChosenPort : foundOn ? 1 : 0);
     // A dead attempt is bounded: 8 frames, 300 ms each, and a quiet line before each resend.
-    if (ports.first().isEmpty())
+    if (ports.first().isEmpty() || !scan)
         QVERIFY(link.questionTimes.value(0) >= 2400 && link.questionTimes.value(0) < 2700);
     QCOMPARE(link.questions, portsTried.isEmpty() ? QStringList{}
                                                   : QStringList{u"Check Connection. Retry or Cancel?\n\n"_s + portsTried});
     // Each port the scan moves to is named under the bar; Cancel's return to port 5 is not a scan step.
     QStringList trying;
-    for (const int port : radioPort ? portChanges : portChanges.first(portChanges.size() - 1))
+    for (const int port : foundOn ? portChanges : portChanges.first(portChanges.size() - 1))
         trying.append(u"Trying COM%1\u2026"_s.arg(port));
     QCOMPARE(link.statuses.filter(u"Trying"_s), trying);
 }

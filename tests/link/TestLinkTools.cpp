@@ -7,8 +7,10 @@
 #include "core/MemoryImage.h"
 #include "file/DataFile.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QSerialPort>
 #include <QTest>
 
@@ -26,16 +28,28 @@ private Q_SLOTS:
     {
         m_radio.terminate(); // SIGTERM: the radio removes its link
         m_radio.waitForFinished(5000);
+        for (const std::unique_ptr<QProcess> &radios : m_radioSets) {
+            radios->terminate();
+            radios->waitForFinished(5000);
+        }
+        m_radioSets.clear();
         m_fixture.reset();
     }
 
     void readAndWrite();
     void failedReadKeepsFile_data();
     void failedReadKeepsFile();
+    void writeSeveral_data();
+    void writeSeveral();
+    void readEach();
 
 private:
     // Starts the virtual radio on COM77; returns its first line ("COM77 /dev/pts/3").
     QString startRadio(const QStringList &faults);
+    // Starts `count` virtual radios from COM<com> in one process, holding
+    // start.tw and saving to radio-COM<N>.tw; returns their devices by
+    // number (empty when they did not start).
+    QMap<int, QString> startRadios(int com, int count, const QStringList &faults = {});
     // Runs the tool; the exit code, and its error output (then its output) in *err.
     int tool(const QStringList &arguments, QString *err);
     QString path(const QString &name) const { return m_fixture->path(name); }
@@ -51,6 +65,7 @@ private:
     std::unique_ptr<test::Fixture> m_fixture;
     QProcessEnvironment m_environment;
     QProcess m_radio;
+    std::vector<std::unique_ptr<QProcess>> m_radioSets;
     MemoryImage m_radioImage;
 };
 
@@ -72,6 +87,26 @@ QString TestLinkTools::startRadio(const QStringList &faults)
     if (!m_radio.waitForStarted(5000) || !m_radio.waitForReadyRead(5000))
         return {};
     return QString::fromUtf8(m_radio.readLine()).trimmed();
+}
+
+QMap<int, QString> TestLinkTools::startRadios(int com, int count, const QStringList &faults)
+{
+    QProcess &radios = *m_radioSets.emplace_back(std::make_unique<QProcess>());
+    radios.setProcessEnvironment(m_environment);
+    radios.start(QStringLiteral(WRPD6T_SIM_PATH),
+                 QStringList{u"--no-pacing"_s, u"--com"_s, QString::number(com), u"--count"_s, QString::number(count),
+                             u"--image"_s, path(u"start.tw"_s), u"--save"_s, path(u"radio.tw"_s)}
+                     + faults);
+    QMap<int, QString> devices;
+    if (!radios.waitForStarted(5000))
+        return {};
+    while (devices.size() < count) {
+        if (!radios.canReadLine() && !radios.waitForReadyRead(5000))
+            return {};
+        const QString line = QString::fromUtf8(radios.readLine()).trimmed(); // "COM80 /dev/pts/3"
+        devices.insert(line.section(u' ', 0, 0).mid(3).toInt(), line.section(u' ', 1));
+    }
+    return devices;
 }
 
 int TestLinkTools::tool(const QStringList &arguments, QString *err)
@@ -154,6 +189,71 @@ void TestLinkTools::failedReadKeepsFile()
     QCOMPARE(tool({u"read"_s, port, path(u"out.tw"_s)}, &err), 1);
     QVERIFY2(err.endsWith(message.replace(u"%1"_s, device)), qPrintable(err));
     QCOMPARE(test::readFile(path(u"out.tw"_s)), QByteArray("an older file"));
+}
+
+void TestLinkTools::writeSeveral_data()
+{
+    QTest::addColumn<bool>("silentFourth");
+
+    QTest::newRow("four radios") << false;
+    QTest::newRow("one silent radio among four") << true;
+}
+
+// One file into four radios at once, each on its own port. A radio that
+// never answers fails alone, in the words a single write would use, and is
+// not looked for on the other ports; the others are written all the same.
+void TestLinkTools::writeSeveral()
+{
+    QFETCH(bool, silentFourth);
+    QMap<int, QString> devices = startRadios(80, silentFourth ? 3 : 4);
+    if (silentFourth)
+        devices.insert(startRadios(83, 1, {u"--silent"_s}));
+    QCOMPARE(devices.size(), 4);
+    MemoryImage toWrite;
+    test::fillPattern(toWrite, 12);
+    QVERIFY(DataFile::Write(path(u"write.tw"_s), toWrite, nullptr));
+
+    QString err;
+    QCOMPARE(tool({u"write"_s, path(u"write.tw"_s), u"COM80"_s, u"COM81"_s, u"COM82"_s, u"COM83"_s}, &err),
+             silentFourth ? 1 : 0);
+    for (auto radio = devices.cbegin(); radio != devices.cend(); ++radio) {
+        const int port = radio.key();
+        const QString label = u"COM%1 (%2): "_s.arg(port).arg(radio.value());
+        const QString saved = u"radio-COM%1.tw"_s.arg(port);
+        if (silentFourth && port == 83) {
+            QVERIFY2(err.contains(label + u"no valid answer from the radio on COM83; check the connection\n"_s),
+                     qPrintable(err));
+            QVERIFY(!QFileInfo::exists(path(saved)));
+            continue;
+        }
+        QVERIFY2(err.contains(label + u"Writing completed!\n"_s), qPrintable(err));
+        QTRY_VERIFY(QFileInfo::exists(path(saved)));
+        checkRows(saved, test::transferredRows(false), toWrite, m_radioImage);
+    }
+    QVERIFY(!err.contains(u"Trying"_s)); // no port scan
+}
+
+// Two radios read at once, one file each, named after the port and the time.
+void TestLinkTools::readEach()
+{
+    const QMap<int, QString> devices = startRadios(80, 2);
+    QCOMPARE(devices.size(), 2);
+    QString err;
+    QCOMPARE(tool({u"read"_s, u"--each"_s, u"COM80"_s, u"COM81"_s, u"--into"_s, path(u"batch"_s)}, &err), 0);
+
+    const QStringList files = QDir(path(u"batch"_s)).entryList(QDir::Files, QDir::Name);
+    QCOMPARE(files.size(), 2);
+    MemoryImage fresh;
+    fresh.InitImage();
+    for (int i = 0; i < 2; ++i) {
+        const QString &name = files.at(i);
+        QVERIFY2(QRegularExpression(u"^COM8%1_\\d{4}-\\d\\d-\\d\\d_\\d{6}\\.tw$"_s.arg(i)).match(name).hasMatch(),
+                 qPrintable(name));
+        QVERIFY2(err.contains(u"COM8%1 (%2): Reading completed! Saved as %3\n"_s.arg(i).arg(devices.value(80 + i),
+                                                                                      path(u"batch/"_s + name))),
+                 qPrintable(err));
+        checkRows(u"batch/"_s + name, test::transferredRows(true), m_radioImage, fresh);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestLinkTools)

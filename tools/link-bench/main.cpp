@@ -8,15 +8,12 @@
 #include "core/BandLimits.h"
 #include "link/CloneDriver.h"
 #include "link/CloneEngine.h"
-#include "link/PortCatalogue.h"
+
+#include "BenchSupport.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileInfo>
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QTimer>
 
 #include <cstdio>
 
@@ -58,33 +55,16 @@ Result runTransfer(wr::AppState &state)
     };
     wr::CloneDriver driver(engine, prompts);
 
-    // A 1 ms heartbeat: the widest gap between two beats is the longest
-    // time anything held the event loop.
-    QElapsedTimer clock;
-    qint64 lastBeat = 0;
-    qint64 widest = 0;
-    qint64 widestAt = 0;
-    QTimer heartbeat;
-    heartbeat.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&heartbeat, &QTimer::timeout, [&] {
-        const qint64 now = clock.nsecsElapsed();
-        if (now - lastBeat > widest) {
-            widest = now - lastBeat;
-            widestAt = lastBeat;
-        }
-        lastBeat = now;
-    });
-
+    wr::bench::StallWatch watch;
     QEventLoop loop;
     QObject::connect(&driver, &wr::CloneDriver::unloaded, &loop, &QEventLoop::quit);
-    clock.start();
-    heartbeat.start(1);
+    watch.start();
     driver.start();
     if (driver.isRunning())
         loop.exec();
-    result.ms = clock.nsecsElapsed() / 1e6;
-    result.stallMs = widest / 1e6;
-    result.stallAtMs = widestAt / 1e6;
+    result.ms = watch.elapsedMs();
+    result.stallMs = watch.widestMs();
+    result.stallAtMs = watch.widestAtMs();
     result.ok = engine.Finished;
     return result;
 }
@@ -113,21 +93,11 @@ int main(int argc, char *argv[])
         return 2;
     }
 
-    // The radio registers its port in a private data folder, not the user's.
-    QTemporaryDir data;
-    QProcess radio;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_DATA_HOME"), data.path());
-    radio.setProcessEnvironment(environment);
-    radio.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    radio.start(sim, {QStringLiteral("--com"), QStringLiteral("250")});
-    if (!radio.waitForStarted() || !radio.waitForReadyRead(5000)) {
+    wr::bench::VirtualRadios radio(sim);
+    if (!radio.start(250, 1)) {
         std::fprintf(stderr, "wrpd6t-link-bench: the virtual radio did not start\n");
         return 1;
     }
-    std::printf("virtual radio: %s", radio.readLine().constData());
-    wr::setSerialPortsFolder(data.path() + QStringLiteral("/wrpd6t/serial-ports"));
-    wr::setSystemPortSource([] { return QList<wr::SystemPort>{}; });
 
     wr::AppState &state = wr::app();
     state.LanguageIndex = 0;
@@ -150,7 +120,5 @@ int main(int argc, char *argv[])
     const Result write = runTransfer(state);
     report("write", false, write);
 
-    radio.terminate();
-    radio.waitForFinished(3000);
     return read.ok && readExact && write.ok ? 0 : 1;
 }

@@ -1,6 +1,7 @@
 // wrpd6t-radio-sim: a virtual WR-PD6T on a pseudo-terminal, registered as a
 // COM port in the program's serial-ports folder, for trying the clone
-// transfer without a radio or a cable.
+// transfer without a radio or a cable; with --count, several radios, each on
+// a port of its own.
 
 #include "PtyRadio.h"
 #include "VirtualRadio.h"
@@ -18,6 +19,8 @@
 
 #include <csignal>
 #include <cstdio>
+#include <memory>
+#include <vector>
 #include <unistd.h>
 
 namespace {
@@ -47,9 +50,15 @@ int main(int argc, char *argv[])
     parser.addHelpOption();
     const QCommandLineOption comOption(QStringLiteral("com"), QStringLiteral("Register as COM<N> (1-255, default 200)."),
                                        QStringLiteral("N"), QStringLiteral("200"));
+    const QCommandLineOption countOption(QStringLiteral("count"),
+                                         QStringLiteral("Be N radios at once, COM<N> and the N - 1 ports after it, "
+                                                        "each with its own memory and pseudo-terminal (default 1)."),
+                                         QStringLiteral("N"), QStringLiteral("1"));
     const QCommandLineOption imageOption(QStringLiteral("image"), QStringLiteral("Start with the memory of a .tw file."),
                                          QStringLiteral("FILE.tw"));
-    const QCommandLineOption saveOption(QStringLiteral("save"), QStringLiteral("Save the memory to a .tw file after each session."),
+    const QCommandLineOption saveOption(QStringLiteral("save"),
+                                        QStringLiteral("Save the memory to a .tw file after each session; with --count, "
+                                                       "radio COM<N> saves to FILE-COM<N>.tw."),
                                         QStringLiteral("FILE.tw"));
     const QCommandLineOption noPacing(QStringLiteral("no-pacing"), QStringLiteral("Answer at once instead of at 9600 baud."));
     const QCommandLineOption silent(QStringLiteral("silent"), QStringLiteral("Never answer."));
@@ -77,7 +86,7 @@ int main(int argc, char *argv[])
                                           QStringLiteral("Acknowledge the first write of ROW twice, %1 ms apart.")
                                               .arg(wr::sim::VirtualRadio::DuplicateAckMs),
                                           QStringLiteral("ROW"));
-    parser.addOptions({comOption, imageOption, saveOption, noPacing, silent, wrongId, noise, dropReply, delay, hangUp,
+    parser.addOptions({comOption, countOption, imageOption, saveOption, noPacing, silent, wrongId, noise, dropReply, delay, hangUp,
                        nakWrites, lateReply, splitReply, duplicateAck});
     parser.process(application);
 
@@ -94,6 +103,7 @@ int main(int argc, char *argv[])
     };
 
     const int com = number(comOption, 1, 255, 200);
+    const int count = number(countOption, 1, 256 - com, 1);
     wr::sim::RadioFaults faults;
     faults.silent = parser.isSet(silent);
     faults.wrongId = parser.isSet(wrongId);
@@ -106,7 +116,7 @@ int main(int argc, char *argv[])
     faults.splitReplyRow = number(splitReply, 0, wr::MemoryImage::RowCount - 1, -1);
     faults.duplicateAckRow = number(duplicateAck, 0, wr::MemoryImage::RowCount - 1, -1);
 
-    wr::sim::VirtualRadio radio(faults);
+    wr::MemoryImage memory;
     if (parser.isSet(imageOption)) {
         const wr::DataFile::ReadResult file = wr::DataFile::Read(parser.value(imageOption));
         if (file.status != wr::DataFile::ReadStatus::Ok) {
@@ -115,40 +125,65 @@ int main(int argc, char *argv[])
                            : QStringLiteral("%1: not a WR-PD6T data file").arg(parser.value(imageOption)));
             return 1;
         }
-        radio.memory().setBytes(file.image);
+        memory.setBytes(file.image);
     } else {
         // A fresh radio: the program's defaults plus the band limits a real
         // radio reports in row 416.
-        radio.memory().InitImage();
-        wr::WriteDefaultBandLimits(radio.memory());
+        memory.InitImage();
+        wr::WriteDefaultBandLimits(memory);
     }
 
-    const QString savePath = parser.value(saveOption);
-    radio.onSessionEnded = [&] {
-        if (savePath.isEmpty())
-            return;
-        QString error;
-        if (!wr::DataFile::Write(savePath, radio.memory(), &error))
-            printError(QStringLiteral("cannot save %1: %2").arg(savePath, error));
+    // Each radio on its own port: its memory, its line, its link and its file.
+    struct Radio
+    {
+        int com = 0;
+        std::unique_ptr<wr::sim::VirtualRadio> radio;
+        std::unique_ptr<wr::sim::PtyRadio> line;
+        QString linkPath;
     };
-
-    wr::sim::PtyRadio line(radio, !parser.isSet(noPacing));
-    if (!line.open()) {
-        printError(QStringLiteral("cannot create a pseudo-terminal: %1").arg(line.errorString()));
-        return 1;
-    }
-
+    std::vector<Radio> radios;
+    const auto removeLinks = [&radios] {
+        for (const Radio &radio : radios)
+            QFile::remove(radio.linkPath);
+    };
     const QString folder = wr::serialPortsFolder();
-    const QString linkPath = folder + QStringLiteral("/com%1").arg(com);
     QDir().mkpath(folder);
-    QFile::remove(linkPath);
-    if (!QFile::link(line.devicePath(), linkPath)) {
-        printError(QStringLiteral("cannot create the link %1").arg(linkPath));
-        return 1;
+    for (int i = 0; i < count; ++i) {
+        Radio &r = radios.emplace_back();
+        r.com = com + i;
+        r.radio = std::make_unique<wr::sim::VirtualRadio>(faults);
+        r.radio->memory() = memory;
+        QString savePath = parser.value(saveOption);
+        if (!savePath.isEmpty() && count > 1) {
+            const QString stem = savePath.endsWith(QStringLiteral(".tw")) ? savePath.chopped(3) : savePath;
+            savePath = QStringLiteral("%1-COM%2.tw").arg(stem).arg(r.com);
+        }
+        wr::sim::VirtualRadio &radio = *r.radio;
+        radio.onSessionEnded = [&radio, savePath] {
+            if (savePath.isEmpty())
+                return;
+            QString error;
+            if (!wr::DataFile::Write(savePath, radio.memory(), &error))
+                printError(QStringLiteral("cannot save %1: %2").arg(savePath, error));
+        };
+        r.line = std::make_unique<wr::sim::PtyRadio>(radio, !parser.isSet(noPacing));
+        if (!r.line->open()) {
+            printError(QStringLiteral("cannot create a pseudo-terminal: %1").arg(r.line->errorString()));
+            removeLinks();
+            return 1;
+        }
+        const QString linkPath = folder + QStringLiteral("/com%1").arg(r.com);
+        QFile::remove(linkPath);
+        if (!QFile::link(r.line->devicePath(), linkPath)) {
+            printError(QStringLiteral("cannot create the link %1").arg(linkPath));
+            removeLinks();
+            return 1;
+        }
+        r.linkPath = linkPath;
     }
 
     if (::pipe(signalPipe) != 0) {
-        QFile::remove(linkPath);
+        removeLinks();
         return 1;
     }
     std::signal(SIGINT, onSignal);
@@ -157,10 +192,11 @@ int main(int argc, char *argv[])
     QSocketNotifier quitNotifier(signalPipe[0], QSocketNotifier::Read);
     QObject::connect(&quitNotifier, &QSocketNotifier::activated, &application, &QCoreApplication::quit);
 
-    std::printf("COM%d %s\n", com, qPrintable(line.devicePath()));
+    for (const Radio &radio : radios)
+        std::printf("COM%d %s\n", radio.com, qPrintable(radio.line->devicePath()));
     std::fflush(stdout);
 
     const int result = application.exec();
-    QFile::remove(linkPath);
+    removeLinks();
     return result;
 }

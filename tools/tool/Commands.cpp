@@ -1,5 +1,7 @@
 #include "Commands.h"
 
+#include "core/Language.h"
+
 #include <cstdio>
 
 namespace wr::tool {
@@ -32,6 +34,16 @@ std::optional<DataFile::ReadResult> readDataFile(const QString &path)
         break;
     }
     return std::nullopt;
+}
+
+std::optional<MemoryImage> readImage(const QString &path)
+{
+    const std::optional<DataFile::ReadResult> file = readDataFile(path);
+    if (!file)
+        return std::nullopt;
+    MemoryImage image;
+    image.setBytes(file->image);
+    return image;
 }
 
 QTextStream &out()
@@ -77,9 +89,10 @@ std::optional<int> CommandLine::parse(const QStringList &commandLine)
         return Success;
     }
     const qsizetype given = arguments().size();
-    if (given < m_argumentNames.size())
+    const bool list = m_minimumArguments >= 0;
+    if (given < (list ? m_minimumArguments : m_argumentNames.size()))
         return usageError(QStringLiteral("missing argument"));
-    if (given > m_argumentNames.size())
+    if (!list && given > m_argumentNames.size())
         return usageError(QStringLiteral("too many arguments"));
     return std::nullopt;
 }
@@ -87,6 +100,22 @@ std::optional<int> CommandLine::parse(const QStringList &commandLine)
 QStringList CommandLine::arguments() const
 {
     return m_parser.positionalArguments();
+}
+
+void CommandLine::addLanguageOption()
+{
+    m_parser.addOption(m_language);
+}
+
+std::optional<int> CommandLine::language() const
+{
+    bool isNumber = false;
+    const int index = m_parser.value(m_language).toInt(&isNumber);
+    if (!isNumber || index < 0 || index >= LanguageCount) {
+        usageError(QStringLiteral("--language must be 0, 1 or 2"));
+        return std::nullopt;
+    }
+    return index;
 }
 
 int CommandLine::usageError(const QString &message) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/MemoryImage.h"
 #include "file/DataFile.h"
 
 #include <QCommandLineParser>
@@ -33,6 +34,7 @@ struct Command
 QList<Command> fileCommands();
 QList<Command> linkCommands();
 QList<Command> csvCommands();
+QList<Command> diffCommands();
 
 // Standard output and standard error, UTF-8.
 QTextStream &out();
@@ -45,6 +47,8 @@ inline const QString IncorrectFileType = QStringLiteral("Incorrect File Type.");
 int fileFailure(const QString &path, const QString &message);
 // Reads a data file, or prints why it cannot be used.
 std::optional<DataFile::ReadResult> readDataFile(const QString &path);
+// The memory image of a data file, or nothing after printing why it cannot be used.
+std::optional<MemoryImage> readImage(const QString &path);
 
 // The parser of one subcommand: "--help" on every subcommand, and the usage
 // line "wrpd6t-tool NAME [options] ARGS...".
@@ -56,6 +60,11 @@ public:
     QCommandLineParser &parser() { return m_parser; }
     // A positional argument the subcommand requires, in order.
     void addArgument(const QString &name, const QString &description);
+    // For a subcommand that takes a list: any number of positional arguments
+    // from `minimum` up is accepted, and the subcommand checks them itself.
+    void setMinimumArguments(int minimum) { m_minimumArguments = minimum; }
+    // The option "-l, --language 0|1|2" for the language of the texts, English by default.
+    void addLanguageOption();
 
     // Parses the arguments. An exit status means the subcommand ends here:
     // Success after printing the help, UsageError after printing what is
@@ -63,6 +72,9 @@ public:
     std::optional<int> parse(const QStringList &commandLine);
     // The positional arguments, the subcommand name not included.
     QStringList arguments() const;
+    // The language index given with the language option; nullopt after a
+    // usage error when it is none.
+    std::optional<int> language() const;
 
     // Prints "wrpd6t-tool NAME: message" and the help to stderr.
     int usageError(const QString &message) const;
@@ -71,6 +83,11 @@ private:
     QString m_name;
     QCommandLineParser m_parser;
     QStringList m_argumentNames;
+    int m_minimumArguments = -1; // -1: exactly the arguments added
+    QCommandLineOption m_language{{QStringLiteral("l"), QStringLiteral("language")},
+                                  QStringLiteral("Language of the texts: 0 English, 1 Simplified Chinese, "
+                                                 "2 Traditional Chinese."),
+                                  QStringLiteral("index"), QStringLiteral("0")};
 };
 
 } // namespace wr::tool

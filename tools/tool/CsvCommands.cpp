@@ -15,16 +15,6 @@ namespace wr::tool {
 
 namespace {
 
-std::optional<MemoryImage> readImage(const QString &path)
-{
-    const std::optional<DataFile::ReadResult> file = readDataFile(path);
-    if (!file)
-        return std::nullopt;
-    MemoryImage image;
-    image.setBytes(file->image);
-    return image;
-}
-
 int runExport(const QStringList &arguments)
 {
     CommandLine line(QStringLiteral("export-csv"),

@@ -54,11 +54,7 @@ int runInfo(const QStringList &arguments)
 {
     CommandLine line(QStringLiteral("info"),
                      QStringLiteral("Lists the channels in use, tab-separated, as the channel list shows them."));
-    const QCommandLineOption language({QStringLiteral("l"), QStringLiteral("language")},
-                                      QStringLiteral("Language of the texts: 0 English, 1 Simplified Chinese, "
-                                                     "2 Traditional Chinese."),
-                                      QStringLiteral("index"), QStringLiteral("0"));
-    line.parser().addOption(language);
+    line.addLanguageOption();
     const QCommandLineOption settings(QStringLiteral("settings"),
                                       QStringLiteral("List the optional features and the key setting instead, "
                                                      "one \"caption: value\" line each, as the dialogs show them."));
@@ -70,17 +66,15 @@ int runInfo(const QStringList &arguments)
     if (const auto status = line.parse(arguments))
         return *status;
 
-    bool isNumber = false;
-    const int languageIndex = line.parser().value(language).toInt(&isNumber);
-    if (!isNumber || languageIndex < 0 || languageIndex >= LanguageCount)
-        return line.usageError(QStringLiteral("--language must be 0, 1 or 2"));
+    const std::optional<int> language = line.language();
+    if (!language)
+        return UsageError;
+    const int languageIndex = *language;
 
-    const QString path = line.arguments().at(0);
-    const std::optional<DataFile::ReadResult> file = readDataFile(path);
-    if (!file)
+    const std::optional<MemoryImage> read = readImage(line.arguments().at(0));
+    if (!read)
         return Failure;
-    MemoryImage image;
-    image.setBytes(file->image);
+    const MemoryImage &image = *read;
     if (line.parser().isSet(settings)) {
         for (const QString &setting : describeSettings(image, languageIndex))
             out() << setting << '\n';

@@ -33,6 +33,7 @@ int main(int argc, char *argv[])
     QList<Command> commands = fileCommands();
     commands += linkCommands();
     commands += csvCommands();
+    commands += diffCommands();
 
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() < 2) {

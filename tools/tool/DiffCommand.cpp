@@ -1,0 +1,218 @@
+// The diff subcommand of wrpd6t-tool: what differs between two data files,
+// in the words a dealer reads elsewhere: the channels as the channel list
+// shows them, the settings and keys as info --settings prints them, the FM
+// radio as info --fm does, and every other differing byte by its address.
+
+#include "Commands.h"
+
+#include "channels/ChannelRecord.h"
+#include "core/Language.h"
+#include "core/MemoryImage.h"
+#include "features/FmRadio.h"
+#include "features/SettingsReport.h"
+
+#include <array>
+#include <span>
+
+namespace wr::tool {
+
+namespace {
+
+// Some bits of a run of bytes.
+struct Span
+{
+    int offset;
+    int length;
+    std::uint8_t mask;
+};
+
+// Where the bits that one line of a listing shows lie in the image: a record
+// of `stride` bytes per item from `first`, the spans of the record the line
+// shows, and the item's bit in an empty bitmap (bit n % 8 of byte
+// emptyBitmap + n / 8; -1 when there is none).
+struct ItemLayout
+{
+    int first;
+    int stride;
+    std::span<const Span> shown;
+    int emptyBitmap;
+};
+
+// A row of the channel list shows the frequencies (bytes 0-7), the tones
+// (8-11) and, of ChannelFlags, BCL (bits 0-1), power (2), scan add (3) and
+// bandwidth (6); not the shift bits, bit 7, bytes 12-13 nor the signalling
+// flags. Channel n is item n - 1.
+constexpr Span ChannelSpans[]{{0, 12, 0xFF}, {ChannelRecord::FlagsByte, 1, 0x4F}};
+constexpr ItemLayout ChannelLayout{0, MemoryImage::RowSize, ChannelSpans,
+                                   ChannelRecord::EmptyBitmapRow * MemoryImage::RowSize};
+
+// An FM channel or the VFO: four bytes of frequency.
+constexpr Span FrequencySpans[]{{0, 4, 0xFF}};
+constexpr ItemLayout FmChannelLayout{fm::FirstChannelAddress, 4, FrequencySpans, fm::EmptyBitmapAddress};
+constexpr ItemLayout FmVfoLayout{fm::VfoAddress, 0, FrequencySpans, -1};
+
+// The cells of a channel list row after the number, in the order of the
+// column captions.
+std::array<QString, ChannelColumnCaptions.size() - 1> cells(const ChannelTexts &texts)
+{
+    return {texts.rx, texts.tx, texts.decode, texts.encode, texts.power, texts.bandwidth, texts.scanAdd, texts.bcl};
+}
+
+// An empty cell: a channel not in use, no separate transmit side, an empty
+// FM channel, a list with no selection.
+constexpr Text EmptyCell{u"(empty)", u"（空）", u"（空）"};
+
+QString hex(int value, int digits)
+{
+    return QString::number(value, 16).toUpper().rightJustified(digits, QLatin1Char('0'));
+}
+
+// The two images and, for each byte, the bits the lines listed so far show.
+class Comparison
+{
+public:
+    Comparison(const MemoryImage &a, const MemoryImage &b, int languageIndex)
+        : m_a(a)
+        , m_b(b)
+        , m_language(languageIndex)
+    {
+        m_shown.fill(0);
+    }
+
+    QStringList lines()
+    {
+        compareChannels();
+        compareSettings();
+        compareFm();
+        compareBytes();
+        return m_lines;
+    }
+
+private:
+    QString change(const QString &before, const QString &after) const
+    {
+        const auto shown = [this](const QString &text) { return text.isEmpty() ? EmptyCell.in(m_language) : text; };
+        return shown(before) + QStringLiteral(" -> ") + shown(after);
+    }
+
+    void explain(int address, std::uint8_t mask)
+    {
+        if (address >= 0 && address < MemoryImage::Size)
+            m_shown[std::size_t(address)] |= mask;
+    }
+
+    void explain(const ItemLayout &layout, int item)
+    {
+        const int record = layout.first + layout.stride * item;
+        for (const Span &span : layout.shown) {
+            for (int i = 0; i < span.length; ++i)
+                explain(record + span.offset + i, span.mask);
+        }
+        if (layout.emptyBitmap >= 0)
+            explain(layout.emptyBitmap + item / 8, static_cast<std::uint8_t>(1u << (item % 8)));
+    }
+
+    void compareChannels()
+    {
+        for (int channel = 1; channel <= ChannelRecord::ChannelCount; ++channel) {
+            const auto before = cells(ReadChannelTexts(m_a, channel, m_language));
+            const auto after = cells(ReadChannelTexts(m_b, channel, m_language));
+            QStringList changes;
+            for (std::size_t cell = 0; cell < before.size(); ++cell) {
+                if (before[cell] != after[cell])
+                    changes.append(ChannelColumnCaptions[cell + 1].in(m_language) + u' '
+                                   + change(before[cell], after[cell]));
+            }
+            if (changes.isEmpty())
+                continue;
+            m_lines.append(QStringLiteral("%1 %2: ").arg(ChannelColumnCaptions[0].in(m_language)).arg(channel)
+                           + changes.join(QStringLiteral(", ")));
+            explain(ChannelLayout, channel - 1);
+        }
+    }
+
+    void compareSettings()
+    {
+        const QList<FieldLine> before = describeSettingFields(m_a, m_language);
+        const QList<FieldLine> after = describeSettingFields(m_b, m_language);
+        for (qsizetype i = 0; i < before.size() && i < after.size(); ++i) {
+            if (before[i].value == after[i].value)
+                continue;
+            m_lines.append(before[i].caption + QStringLiteral(": ") + change(before[i].value, after[i].value));
+            explain(before[i].bits.address, before[i].bits.mask());
+        }
+    }
+
+    void compareFm()
+    {
+        const fm::Texts before = fm::load(m_a);
+        const fm::Texts after = fm::load(m_b);
+        if (before.vfo != after.vfo) {
+            m_lines.append(QStringLiteral("FM %1: ").arg(fm::VfoName.in(m_language)) + change(before.vfo, after.vfo));
+            explain(FmVfoLayout, 0);
+        }
+        for (int channel = 0; channel < fm::ChannelCount; ++channel) {
+            const QString &was = before.channels[std::size_t(channel)];
+            const QString &is = after.channels[std::size_t(channel)];
+            if (was == is)
+                continue;
+            m_lines.append(QStringLiteral("FM %1 %2: ").arg(fm::ChannelHeader.in(m_language)).arg(channel)
+                           + change(was, is));
+            explain(FmChannelLayout, channel);
+        }
+    }
+
+    // Whatever differs in bits no line above shows.
+    void compareBytes()
+    {
+        for (int address = 0; address < MemoryImage::Size; ++address) {
+            const std::uint8_t was = m_a.ReadByte(address);
+            const std::uint8_t is = m_b.ReadByte(address);
+            if ((was ^ is) & ~m_shown[std::size_t(address)])
+                m_lines.append(QStringLiteral("0x%1: %2 -> %3").arg(hex(address, 4), hex(was, 2), hex(is, 2)));
+        }
+    }
+
+    const MemoryImage &m_a;
+    const MemoryImage &m_b;
+    int m_language;
+    std::array<std::uint8_t, MemoryImage::Size> m_shown{};
+    QStringList m_lines;
+};
+
+int runDiff(const QStringList &arguments)
+{
+    CommandLine line(QStringLiteral("diff"),
+                     QStringLiteral("Lists what differs between two data files, one line each: channels (number, "
+                                    "then the columns that differ), settings and keys as info --settings names "
+                                    "them, the FM radio, then any other byte by its image address. Exit status 0 "
+                                    "when the memories are the same, 1 when they differ, 2 when a file cannot be "
+                                    "read."));
+    line.addLanguageOption();
+    line.addArgument(QStringLiteral("A.tw"), QStringLiteral("The data file to compare from."));
+    line.addArgument(QStringLiteral("B.tw"), QStringLiteral("The data file to compare with."));
+    if (const auto status = line.parse(arguments))
+        return *status;
+    const std::optional<int> languageIndex = line.language();
+    if (!languageIndex)
+        return UsageError;
+
+    const std::optional<MemoryImage> a = readImage(line.arguments().at(0));
+    const std::optional<MemoryImage> b = a ? readImage(line.arguments().at(1)) : std::nullopt;
+    if (!a || !b)
+        return UsageError;
+    if (*a == *b)
+        return Success;
+    for (const QString &text : Comparison(*a, *b, *languageIndex).lines())
+        out() << text << '\n';
+    return Failure;
+}
+
+} // namespace
+
+QList<Command> diffCommands()
+{
+    return {{QStringLiteral("diff"), QStringLiteral("list what differs between two data files"), runDiff}};
+}
+
+} // namespace wr::tool
