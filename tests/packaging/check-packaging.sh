@@ -53,15 +53,19 @@ check_tree() {
 
     "$root$prefix/bin/wrpd6t-tool" new "$tmp/radio.tw"
     local desktop=(env PATH=/nonexistent XDG_DATA_HOME="$data" XDG_DATA_DIRS=/nonexistent "$(command -v gio)")
-    "${desktop[@]}" info -a standard::content-type "$tmp/radio.tw" | grep -q "content-type: $mime_type$" \
-        || fail "a desktop does not take .tw files for $mime_type"
+    # Whole answers first: grep -q stops reading early, and under pipefail
+    # the writer's broken pipe would fail the check now and then.
+    local answer
+    answer=$("${desktop[@]}" info -a standard::content-type "$tmp/radio.tw")
+    grep -q "content-type: $mime_type$" <<<"$answer" || fail "a desktop does not take .tw files for $mime_type"
     grep -qx "$mime_type=$id.desktop;" "$data/applications/mimeinfo.cache" \
         || fail "the desktop index does not give $mime_type to $id.desktop"
     # Desktops hide an entry whose program is missing, so this needs the
     # program where the entry says, not in a scratch root.
     if [ -z "$root" ]; then
-        "${desktop[@]}" mime "$mime_type" | grep -q "^Default application .*: $id.desktop$" \
-            || fail "a desktop does not open $mime_type with $id.desktop: $("${desktop[@]}" mime "$mime_type")"
+        answer=$("${desktop[@]}" mime "$mime_type")
+        grep -q "^Default application .*: $id.desktop$" <<<"$answer" \
+            || fail "a desktop does not open $mime_type with $id.desktop: $answer"
     fi
 }
 
