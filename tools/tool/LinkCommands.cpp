@@ -269,9 +269,14 @@ QString batchFailure(const CloneBatch::Radio &radio)
     case CloneBatch::Outcome::NoAnswer:
         return label + QStringLiteral(": ") + noValidAnswer(radio.port);
     case CloneBatch::Outcome::PortFailed:
-    case CloneBatch::Outcome::PortLost:
         // Already under the port's name; the advice goes on an indented line.
         return QString(radio.message).replace(u'\n', QStringLiteral("\n  "));
+    case CloneBatch::Outcome::PortLost:
+        // The window's advice for a lost port ends in its Retry button; a
+        // batch has none, so the user is told to run that port again.
+        return radio.message.section(u'\n', 0, 0)
+            + QStringLiteral("\n  The port went away during the transfer: check that the cable is still plugged "
+                             "in, then run the command again for this port.");
     case CloneBatch::Outcome::Running:
     case CloneBatch::Outcome::Completed:
         break;
