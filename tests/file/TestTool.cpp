@@ -259,6 +259,10 @@ void TestTool::diff_data()
                                                          << u"0x002E: 4D -> CD\n0x002F: 00 -> 44\n"_s;
     QTest::newRow("a channel's shown and hidden bits in one byte")
         << QList<int>{0x2E, 0x8D} << 0 << u"CH. 3: W/N Wide -> Narrow\n0x002E: 4D -> 8D\n"_s;
+    // The list saves scan add into the scan-skip bitmap too: that bit goes
+    // with the channel's line.
+    QTest::newRow("scan add with its scan-skip bit")
+        << QList<int>{0x2E, 0x45, 0x0CB0, 0xFB} << 0 << u"CH. 3: Scan Add On -> Off\n"_s;
     QTest::newRow("squelch level") << QList<int>{0x0CD6, 3} << 0 << u"Squelch Level: 5 -> 3\n"_s;
     QTest::newRow("side key, which is key P3 too")
         << QList<int>{0x0CEA, 0x92} << 2 << u"側鍵 短按: 背光燈 -> 掃描\nP3 短按: 背光燈 -> 掃描\n"_s;

@@ -28,28 +28,31 @@ struct Span
 
 // Where the bits that one line of a listing shows lie in the image: a record
 // of `stride` bytes per item from `first`, the spans of the record the line
-// shows, and the item's bit in an empty bitmap (bit n % 8 of byte
-// emptyBitmap + n / 8; -1 when there is none).
+// shows, and the item's bit in each bitmap that goes with the line (bit
+// n % 8 of byte bitmap + n / 8).
 struct ItemLayout
 {
     int first;
     int stride;
     std::span<const Span> shown;
-    int emptyBitmap;
+    std::span<const int> bitmaps;
 };
 
 // A row of the channel list shows the frequencies (bytes 0-7), the tones
 // (8-11) and, of ChannelFlags, BCL (bits 0-1), power (2), scan add (3) and
 // bandwidth (6); not the shift bits, bit 7, bytes 12-13 nor the signalling
-// flags. Channel n is item n - 1.
+// flags. Its empty bit, and its scan-skip bit, which the list saves with
+// scan add, go with it. Channel n is item n - 1.
 constexpr Span ChannelSpans[]{{0, 12, 0xFF}, {ChannelRecord::FlagsByte, 1, 0x4F}};
-constexpr ItemLayout ChannelLayout{0, MemoryImage::RowSize, ChannelSpans,
-                                   ChannelRecord::EmptyBitmapRow * MemoryImage::RowSize};
+constexpr int ChannelBitmaps[]{ChannelRecord::EmptyBitmapRow * MemoryImage::RowSize,
+                               ChannelRecord::ScanSkipBitmapRow * MemoryImage::RowSize};
+constexpr ItemLayout ChannelLayout{0, MemoryImage::RowSize, ChannelSpans, ChannelBitmaps};
 
 // An FM channel or the VFO: four bytes of frequency.
 constexpr Span FrequencySpans[]{{0, 4, 0xFF}};
-constexpr ItemLayout FmChannelLayout{fm::FirstChannelAddress, 4, FrequencySpans, fm::EmptyBitmapAddress};
-constexpr ItemLayout FmVfoLayout{fm::VfoAddress, 0, FrequencySpans, -1};
+constexpr int FmBitmaps[]{fm::EmptyBitmapAddress};
+constexpr ItemLayout FmChannelLayout{fm::FirstChannelAddress, 4, FrequencySpans, FmBitmaps};
+constexpr ItemLayout FmVfoLayout{fm::VfoAddress, 0, FrequencySpans, {}};
 
 // The cells of a channel list row after the number, in the order of the
 // column captions.
@@ -108,8 +111,8 @@ private:
             for (int i = 0; i < span.length; ++i)
                 explain(record + span.offset + i, span.mask);
         }
-        if (layout.emptyBitmap >= 0)
-            explain(layout.emptyBitmap + item / 8, static_cast<std::uint8_t>(1u << (item % 8)));
+        for (const int bitmap : layout.bitmaps)
+            explain(bitmap + item / 8, static_cast<std::uint8_t>(1u << (item % 8)));
     }
 
     void compareChannels()
