@@ -1,6 +1,7 @@
 // The channel list driven as a user drives it: keys and clicks on the real
 // form, then a look at the cells and at the memory image.
 
+#include "ChannelListForm.h"
 #include "TestSupport.h"
 
 #include "channels/ChannelRecord.h"
@@ -64,11 +65,8 @@ private:
 
     void openForm()
     {
-        m_form = std::make_unique<frmChannel>(app());
-        m_form->show();
-        m_form->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
-        grid()->setFocus();
+        m_form = test::openChannelList();
+        QVERIFY(m_form);
     }
     QTableWidget *grid() const { return m_form->findChild<QTableWidget *>(u"ChannelGrid"_s); }
     QLineEdit *text() const { return m_form->findChild<QLineEdit *>(u"TxtChannel"_s); }

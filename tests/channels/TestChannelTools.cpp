@@ -4,6 +4,7 @@
 // the memory image.
 
 #include "ModalDialog.h"
+#include "ChannelListForm.h"
 #include "TestSupport.h"
 
 #include "channels/ChannelRecord.h"
@@ -85,11 +86,8 @@ private:
 
     void openForm()
     {
-        m_form = std::make_unique<frmChannel>(app());
-        m_form->show();
-        m_form->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
-        grid()->setFocus();
+        m_form = test::openChannelList();
+        QVERIFY(m_form);
     }
     QTableWidget *grid() const { return m_form->grid(); }
     QMenu *menu() const { return m_form->findChild<QMenu *>(u"channelMenu"_s); }
