@@ -6,6 +6,10 @@
 #include "core/AppState.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <memory>
 
 using namespace wr::tool;
 
@@ -27,20 +31,36 @@ void printOverview(QTextStream &stream, const QList<Command> &commands)
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication application(argc, argv);
-    wr::InitApplicationIdentity();
-
     QList<Command> commands = fileCommands();
     commands += linkCommands();
     commands += csvCommands();
     commands += diffCommands();
+    commands += sheetCommands();
+
+    // A command that draws text needs a GUI application for its fonts; on
+    // the offscreen platform it needs no display, and Qt's notes about the
+    // session it runs in stay out of the tool's messages.
+    const QString name = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
+    const auto command = std::find_if(commands.cbegin(), commands.cend(),
+                                      [&name](const Command &candidate) { return candidate.name == name; });
+    std::unique_ptr<QCoreApplication> application;
+    if (command != commands.cend() && command->needsFonts) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &message) {
+            if (type == QtCriticalMsg || type == QtFatalMsg)
+                err() << message << '\n';
+        });
+        application = std::make_unique<QGuiApplication>(argc, argv);
+    } else {
+        application = std::make_unique<QCoreApplication>(argc, argv);
+    }
+    wr::InitApplicationIdentity();
 
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() < 2) {
         printOverview(err(), commands);
         return UsageError;
     }
-    const QString &name = arguments.at(1);
     if (name == u"--help" || name == u"-h" || name == u"help") {
         printOverview(out(), commands);
         return Success;
@@ -50,13 +70,11 @@ int main(int argc, char *argv[])
         out().flush();
         return Success;
     }
-    for (const Command &command : std::as_const(commands)) {
-        if (command.name == name) {
-            const int status = command.run(arguments);
-            out().flush();
-            err().flush();
-            return status;
-        }
+    if (command != commands.cend()) {
+        const int status = command->run(arguments);
+        out().flush();
+        err().flush();
+        return status;
     }
     err() << "wrpd6t-tool: unknown command '" << name << "'\n\n";
     printOverview(err(), commands);
