@@ -19,6 +19,9 @@ class QPagedPaintDevice;
 
 namespace wr::sheet {
 
+// The sheet's title, beside the radio's model name.
+inline constexpr Text SheetTitle{u"Channel Sheet", u"信道表", u"信道表"};
+
 // What a channel sheet shows: a list of a radio's channels to print, pin on
 // a wall or hand to a customer, with the radio's settings beside it. Every
 // text is in the interface language, in the words of the program's own

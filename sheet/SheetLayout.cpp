@@ -36,7 +36,6 @@ const QColor Rule(0xB0, 0xB0, 0xB0);
 const QColor CaptionFill(0xE4, 0xE4, 0xE4);
 const QColor StripeFill(0xF4, 0xF4, 0xF4);
 
-constexpr Text Title{u"Channel Sheet", u"信道表", u"信道表"};
 constexpr Text FileLabel{u"File", u"文件", u"文件"};
 constexpr Text NotSaved{u"not saved", u"未保存", u"未保存"};
 constexpr Text DateLabel{u"Date", u"日期", u"日期"};
@@ -222,7 +221,7 @@ void SheetLayout::addHeading()
                          paintText(painter, model, TitleSize, {0, top});
                          // The subtitle on the title's baseline.
                          const qreal raise = m_text.ascent(TitleSize) - m_text.ascent(SubtitleSize);
-                         paintText(painter, Title.in(language), SubtitleSize,
+                         paintText(painter, SheetTitle.in(language), SubtitleSize,
                                    {width(model, TitleSize) + 10, top + raise}, -1, Grey);
                          rule(painter, top + titleHeight + 3, 0, m_area.width(), Ink, 0.8);
                          qreal y = top + titleHeight + 8;
