@@ -71,7 +71,7 @@ GlyphText::GlyphText(const QStringList &families)
         const bool known = std::any_of(m_faces.begin(), m_faces.end(),
                                        [&name](const Face &face) { return face.postScriptName == name; });
         if (!known)
-            m_faces.push_back({font, name, {}, {}});
+            m_faces.push_back({font, name, {}, {}, {}});
     }
 }
 
@@ -144,9 +144,12 @@ void GlyphText::draw(QPainter &painter, QPointF origin, const TextLine &line)
         glyphs.setGlyphIndexes(run.glyphs);
         glyphs.setPositions(run.positions);
         painter.drawGlyphRun(origin + QPointF(run.x, 0), glyphs);
-        QHash<quint32, char32_t> &drawn = m_faces[std::size_t(run.face)].drawn;
-        for (qsizetype i = 0; i < run.glyphs.size(); ++i)
-            drawn.insert(run.glyphs[i], run.characters[i]);
+        Face &face = m_faces[std::size_t(run.face)];
+        for (qsizetype i = 0; i < run.glyphs.size(); ++i) {
+            if (run.glyphs[i] != 0 && !face.drawn.contains(run.glyphs[i]))
+                face.order.append(run.glyphs[i]);
+            face.drawn.insert(run.glyphs[i], run.characters[i]);
+        }
     }
 }
 
@@ -155,7 +158,7 @@ QList<DrawnFont> GlyphText::drawnFonts() const
     QList<DrawnFont> fonts;
     for (const Face &face : m_faces) {
         if (!face.drawn.isEmpty())
-            fonts.append({face.postScriptName, face.font, face.drawn});
+            fonts.append({face.postScriptName, face.font, face.drawn, face.order});
     }
     return fonts;
 }

@@ -22,6 +22,7 @@ struct DrawnFont
     QByteArray postScriptName;
     QRawFont font;
     QHash<quint32, char32_t> characters; // glyph index -> character
+    QList<quint32> order;                // the glyphs in the order first drawn
 };
 
 // One line of text set in the faces of a GlyphText: a run of glyphs for each
@@ -77,6 +78,7 @@ private:
         QRawFont font; // at 1 point
         QByteArray postScriptName;
         QHash<quint32, char32_t> drawn;
+        QList<quint32> order;
         mutable QHash<qreal, QRawFont> sized;
     };
 

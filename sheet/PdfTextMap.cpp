@@ -225,17 +225,32 @@ QByteArray fontName(QByteArray baseFont)
 
 // The map with each glyph drawn for another character than the one it names
 // pointing at the character drawn. False when nothing changed.
+//
+// The writer names only glyphs that a character below U+10000 reaches; a
+// glyph drawn for one beyond (an ideograph of extension B, an emoji) gets no
+// text. The writer numbers a font's glyphs from 1 in the order they were
+// first drawn: where every glyph it names agrees with the order the font
+// noted, the unnamed ones are named from that order too.
 bool repairMap(std::map<int, QString> &map, const DrawnFont &font)
 {
     bool changed = false;
+    bool ordered = true;
     for (auto &[code, text] : map) {
         const QList<quint32> glyphs = font.font.glyphIndexesForString(text);
         if (glyphs.size() != 1 || glyphs[0] == 0)
             continue;
+        ordered = ordered && font.order.value(code - 1) == glyphs[0];
         const char32_t drawn = font.characters.value(glyphs[0], 0);
         const QList<uint> named = text.toUcs4();
         if (drawn != 0 && named.size() == 1 && named[0] != drawn) {
             text = QString::fromUcs4(&drawn, 1);
+            changed = true;
+        }
+    }
+    for (qsizetype index = 0; ordered && index < font.order.size(); ++index) {
+        const char32_t drawn = font.characters.value(font.order[index], 0);
+        if (drawn != 0 && map.count(int(index) + 1) == 0) {
+            map[int(index) + 1] = QString::fromUcs4(&drawn, 1);
             changed = true;
         }
     }

@@ -21,7 +21,9 @@ namespace wr::sheet {
 // the tab, so a reader copies radicals and finds no 高.
 //
 // Each such map of `fonts` (matched by PostScript name) is rewritten so that
-// a glyph drawn for a character maps to that character. The new maps are
+// a glyph drawn for a character maps to that character, and so that glyphs
+// the writer left without text (drawn for characters beyond U+FFFF) get
+// theirs. The new maps are
 // appended as an incremental update: the bytes before it stay as they were.
 // The PDF comes back unchanged when nothing needs repair, or when it is not
 // laid out the way the writer lays it out (a cross-reference table, maps as

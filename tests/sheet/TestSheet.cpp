@@ -189,9 +189,9 @@ void TestSheet::sheetText_data()
         << 1 << int(QPageSize::Letter) << QString() << QList<int>{}
         << QStringList{u"WR-PD6T"_s, u"信道表"_s, u"文件 未保存"_s, u"日期 "_s + date, u"使用中的信道 120"_s}
         << u"第 %1 页，共 %2 页"_s;
-    QTest::newRow("Traditional Chinese, A4, Chinese file name")
-        << 2 << int(QPageSize::A4) << u"山顶中继.tw"_s << QList<int>{}
-        << QStringList{u"WR-PD6T"_s, u"信道表"_s, u"文件 山顶中继.tw"_s, u"日期 "_s + date, u"使用中的信道 120"_s}
+    QTest::newRow("Traditional Chinese, A4, Chinese file name beyond U+FFFF")
+        << 2 << int(QPageSize::A4) << u"山顶中继𠮟.tw"_s << QList<int>{}
+        << QStringList{u"WR-PD6T"_s, u"信道表"_s, u"文件 山顶中继𠮟.tw"_s, u"日期 "_s + date, u"使用中的信道 120"_s}
         << u"第 %1 頁，共 %2 頁"_s;
     QTest::newRow("English, Letter, some channels, one empty")
         << 0 << int(QPageSize::Letter) << u"club.tw"_s << QList<int>{2, 3, 4, 16, 127}
