@@ -98,6 +98,7 @@ void showChannelSheet(QWidget *parent, const MemoryImage &image, Language langua
     });
     auto *save = new QAction(SaveAsPdf.in(language), &dialog);
     save->setObjectName(u"actSaveSheetPdf"_s);
+    save->setShortcut(QKeySequence::Save);
     QObject::connect(save, &QAction::triggered, &dialog, [&] {
         savePdf(&dialog, content, printer.pageLayout().pageSize().id(), dataFile);
     });

@@ -21,7 +21,7 @@ inline constexpr Text ChannelSheetCommand{u"Channel Sheet…", u"信道表…", 
 // channels of `image` in use, or of those of `channels`, and returns when it
 // closes. Its tool bar prints (on paper, or to a file through the print
 // dialog) and saves the sheet as a PDF file ("Save as PDF…",
-// actSaveSheetPdf). The paper is the one the preview had when it last
+// actSaveSheetPdf, Ctrl+S). The paper is the one the preview had when it last
 // closed, kept in `settings`; at first the locale's. dataFile: the path of
 // the data file the memory came from, empty when it was never saved.
 void showChannelSheet(QWidget *parent, const MemoryImage &image, Language language, const QString &dataFile,

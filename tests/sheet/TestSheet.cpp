@@ -441,7 +441,9 @@ void TestSheet::preview()
             pageCount = dialog->findChild<QPrintPreviewWidget *>()->pageCount();
             if (papers.size() == 1) {
                 FileDialog::setNextFileName(saved);
-                dialog->findChild<QAction *>(u"actSaveSheetPdf"_s)->trigger();
+                dialog->activateWindow();
+                QVERIFY(QTest::qWaitForWindowActive(dialog));
+                QTest::keyClick(dialog, Qt::Key_S, Qt::ControlModifier); // Save as PDF…
                 // What the print dialog's "Print to File" does.
                 preview->printer()->setOutputFileName(printed);
                 dialog->findChild<QPrintPreviewWidget *>()->print();
