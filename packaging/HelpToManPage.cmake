@@ -141,7 +141,7 @@ endif()
 # The summary: the description's first line, as a phrase.
 string(REGEX MATCH "^[^\n]*\n([^\n]*)" summary "${help}")
 string(REGEX REPLACE "\\.$" "" summary "${CMAKE_MATCH_1}")
-if(summary MATCHES "^[A-Z][a-z]")
+if(summary MATCHES "^[A-Z][a-z ]")
     string(SUBSTRING "${summary}" 0 1 first)
     string(SUBSTRING "${summary}" 1 -1 rest)
     string(TOLOWER "${first}" first)
