@@ -50,7 +50,7 @@ options_in_help() {
 # tool $1 lists in its help, under the command's usage line and with each of
 # its options, and every exit status the help lists.
 check_tool_page() {
-    local tool=$1 page=$2 help commands command usage part option status
+    local tool=$1 page=$2 help commands command usage part option statuses status
     help=$("$tool" --help)
     commands=$(sed -n '/^Commands:$/,/^$/ s/^  \([^ ]*\) .*/\1/p' <<<"$help")
     [ -n "$commands" ] || fail "the tool's help lists no commands"
@@ -66,7 +66,9 @@ check_tool_page() {
         done
     done
     part=$(sed -n '/^EXIT STATUS$/,/^[A-Z]/p' <<<"$page")
-    for status in $(sed -n '/^Exit status:$/,/^$/ s/^  \([0-9]*\) .*/\1/p' <<<"$help"); do
+    statuses=$(sed -n '/^Exit status:$/,/^$/ s/^  \([0-9]*\) .*/\1/p' <<<"$help")
+    [ -n "$statuses" ] || fail "the tool's help lists no exit status"
+    for status in $statuses; do
         grep -qE "^ +$status +[^ ]" <<<"$part" || fail "the manual page does not tell exit status $status"
     done
 }
