@@ -76,7 +76,8 @@ check_tool_page() {
 # The pieces of an installed tree under $1$2 (root, prefix) fit together:
 # the entry names the icon and MIME type that are installed and starts the
 # installed program, the AppStream file launches the entry, the icons have
-# their sizes, the tool runs, and a desktop that reads only this tree's
+# their sizes, the tool runs, man finds the three pages and the tool's tells
+# every command the tool knows, and a desktop that reads only this tree's
 # databases takes .tw files for the MIME type and gives them to the entry.
 check_tree() {
     local root=$1 prefix=$2 data=$1$2/share
