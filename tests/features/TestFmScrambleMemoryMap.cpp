@@ -1,7 +1,7 @@
 // The FM radio, scramble and memory map forms, driven by keys and clicks:
 // captions in each language, the grid editing rules, and what OK and Cancel
 // leave in the image.
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/AppState.h"
 #include "features/MemoryMapModel.h"
@@ -21,8 +21,6 @@
 #include <QTableView>
 #include <QTableWidget>
 #include <QTest>
-
-#include <optional>
 
 using namespace wr;
 using namespace Qt::StringLiterals;
@@ -69,27 +67,19 @@ QString editorText(const QWidget *form, const QString &name)
 
 } // namespace
 
-class TestFmScrambleMemoryMap : public QObject
+class TestFmScrambleMemoryMap : public test::Suite
 {
     Q_OBJECT
 
-    std::optional<test::Fixture> m_fixture;
     MemoryImage &image() { return app().image; }
-
-private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init()
+    void setUp() override
     {
-        m_fixture.emplace();
         MessageBox::reset();
         MessageBox::setAutoAnswer(true);
     }
-    void cleanup()
-    {
-        MessageBox::reset();
-        m_fixture.reset();
-    }
+    void tearDown() override { MessageBox::reset(); }
 
+private Q_SLOTS:
     void radioShowsTheImage_data()
     {
         QTest::addColumn<int>("language");

@@ -26,17 +26,12 @@
 #include <QToolButton>
 #include <QTreeWidget>
 
-#include <optional>
-
 using namespace Qt::StringLiterals;
 using wr::test::ShellHarness;
 
-class TestMainWindow : public QObject
+class TestMainWindow : public wr::test::ShellSuite
 {
     Q_OBJECT
-
-private:
-    std::optional<ShellHarness> h;
 
     QTreeWidgetItem *treeNode(const QString &key) const
     {
@@ -48,9 +43,6 @@ private:
     }
 
 private Q_SLOTS:
-    void initTestCase() { wr::test::initTestProcess(); }
-    void init() { h.emplace(); }
-    void cleanup() { h.reset(); }
 
     // Nothing stored: Simplified Chinese on COM1, model 1, a fresh image
     // (stored values are read back in settingsWrittenAtClose). Menu items and
@@ -144,7 +136,7 @@ private Q_SLOTS:
             list->setCurrentIndex(1);
         else
             QTest::keyClicks(editor, column == 1 ? u"146"_s : u"D023N"_s);
-        const QString path = h->fixture.path(u"saved.tw"_s);
+        const QString path = filePath(u"saved.tw"_s);
         wr::FileDialog::setNextFileName(path);
         wr::MessageBox::setNextAnswer(QMessageBox::Cancel);
         QTest::keyClick(editor, Qt::Key(key), Qt::ControlModifier);
@@ -175,7 +167,7 @@ private Q_SLOTS:
         QCOMPARE(h->gridRx(9), u"145.50000"_s);
         QTest::keyClick(grid, Qt::Key_Z, Qt::ControlModifier);
         QCOMPARE(h->gridRx(9), QString());
-        const QString path = h->fixture.path(u"saved.tw"_s);
+        const QString path = filePath(u"saved.tw"_s);
         wr::FileDialog::setNextFileName(path);
         QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
         QVERIFY(QFile::exists(path));
@@ -406,7 +398,7 @@ private Q_SLOTS:
         QFETCH(QString, typed);
         QFETCH(QString, expectedShown);
         QFETCH(int, stored);
-        wr::setSerialPortsFolder(h->fixture.path(u"serial-ports"_s));
+        wr::setSerialPortsFolder(filePath(u"serial-ports"_s));
         wr::setSystemPortSource([] {
             return QList<wr::SystemPort>{{u"ttyS0"_s, u"/dev/ttyS0"_s, {}, {}}, {u"ttyS2"_s, u"/dev/ttyS2"_s, {}, {}}};
         });

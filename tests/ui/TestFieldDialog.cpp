@@ -2,7 +2,7 @@
 // lists in each language, the image loaded into the controls, OK storing and
 // every other way out storing nothing, and a control the table names but
 // the dialog lacks.
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/MemoryImage.h"
 #include "ui/FieldDialog.h"
@@ -15,8 +15,6 @@
 #include <QRegularExpression>
 #include <QTest>
 #include <QVBoxLayout>
-
-#include <optional>
 
 using namespace wr;
 using namespace Qt::StringLiterals;
@@ -72,17 +70,11 @@ public:
 
 } // namespace
 
-class TestFieldDialog : public QObject
+class TestFieldDialog : public test::Suite
 {
     Q_OBJECT
 
-    std::optional<test::Fixture> m_fixture;
-
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture.emplace(); }
-    void cleanup() { m_fixture.reset(); }
-
     void captions_data()
     {
         QTest::addColumn<int>("language");
