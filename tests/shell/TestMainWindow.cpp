@@ -6,7 +6,6 @@
 #include "file/Backups.h"
 
 #include "shell/QtTranslations.h"
-#include "ui/Twips.h"
 
 #include <QClipboard>
 #include <QComboBox>
@@ -213,7 +212,7 @@ private Q_SLOTS:
             wr::MDIForm1 &window = h->open(language);
             window.show();
             QVERIFY(QTest::qWaitForWindowExposed(&window));
-            QCOMPARE(window.size(), wr::twipsToPixels(13410, 11440));
+            QCOMPARE(window.size(), QSize(894, 763));
             QCOMPARE(window.channelList()->gridWidthLacking(), 0);
         }
     }
@@ -227,7 +226,7 @@ private Q_SLOTS:
         auto *subWindow = qobject_cast<QMdiSubWindow *>(h->window->channelList()->parentWidget());
         QVERIFY(subWindow->isMaximized());
         subWindow->showNormal();
-        QCOMPARE(subWindow->size(), wr::frmChannel::OpeningSize);
+        QCOMPARE(subWindow->size(), QSize(994, 653)); // 14910 x 9800 twips
     }
 
     // The window keeps its prescribed size where the screen has room for it
@@ -240,7 +239,7 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         const QSize available = window.screen()->availableGeometry().size();
         const QSize frame = window.frameGeometry().size() - window.size();
-        const QSize prescribed = wr::twipsToPixels(13410, 11440);
+        const QSize prescribed(894, 763); // 13410 x 11440 twips
         QVERIFY2(window.frameGeometry().height() <= available.height(), qPrintable(u"%1 > %2"_s.arg(window.frameGeometry().height()).arg(available.height())));
         QVERIFY(window.frameGeometry().width() <= available.width());
         if ((prescribed + frame).height() <= available.height())
