@@ -68,7 +68,7 @@ constexpr Text ContinueQuestion{u"Do you wish to continue?", u"是否继续？",
 
 QString versionText()
 {
-    return u"Version 1.03"_s;
+    return u"Version "_s + ProgramVersion();
 }
 
 QLocale interfaceLocale()

@@ -1,5 +1,6 @@
 #include "shell/frmAbout.h"
 
+#include "core/AppState.h"
 #include "core/Language.h"
 #include "shell/AppIcon.h"
 
@@ -13,9 +14,10 @@ namespace wr {
 
 namespace {
 
-constexpr Text ProductLines{u"WR-PD6T PROGRAM SOFTWARE\nVERSION：VER 1.03\nDATE: 05/25/2018",
-                             u"WR-PD6T 对讲机编程软件\n版本：VER 1.03\n日期：2018年05月25日",
-                             u"WR-PD6T 對講機編程軟件\n版本：VER 1.03\n日期：2018年05月25日"};
+// %1 is the version.
+constexpr Text ProductLines{u"WR-PD6T PROGRAM SOFTWARE\nVERSION：VER %1\nDATE: 05/25/2018",
+                             u"WR-PD6T 对讲机编程软件\n版本：VER %1\n日期：2018年05月25日",
+                             u"WR-PD6T 對講機編程軟件\n版本：VER %1\n日期：2018年05月25日"};
 
 constexpr Text LegalNotice{
     u"This program reads, edits and writes the memory of the WR-PD6T hand-held radio.\n\n"
@@ -55,7 +57,7 @@ frmAbout::frmAbout(int language, QWidget *parent)
     m_command1->setText(Text(u"&OK", u"确定(&O)", u"確定(&O)").in(language));
     m_image1->setPixmap(AppIcon().pixmap(64, 64));
     m_image1->setAlignment(Qt::AlignTop | Qt::AlignHCenter);
-    m_label1->setText(ProductLines.in(language));
+    m_label1->setText(ProductLines.in(language).arg(ProgramVersion()));
     m_label1->setTextInteractionFlags(Qt::NoTextInteraction);
     QFont heading = m_label1->font();
     heading.setBold(true);

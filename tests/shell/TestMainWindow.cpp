@@ -51,6 +51,7 @@ private Q_SLOTS:
         wr::MDIForm1 &window = h->open();
         QCOMPARE(QList<int>({wr::app().LanguageIndex, wr::app().ModelIndex}), QList<int>({1, 1}));
         QCOMPARE(h->panel(1), u"COM1"_s);
+        QCOMPARE(h->panel(5), u"Version 1.03"_s);
         QCOMPARE(window.windowTitle(), u"WR-PD6T"_s);
         QCOMPARE(window.channelList()->grid()->rowCount(), 129);
         QVERIFY(!wr::app().image.IsModified());
@@ -417,18 +418,21 @@ private Q_SLOTS:
         QCOMPARE(h->panel(1), u"COM"_s + QString::number(stored));
     }
 
+    // The button and the version line.
     void aboutBoxSpeaksTheLanguage()
     {
-        const QStringList expected{u"&OK"_s, u"确定(&O)"_s, u"確定(&O)"_s};
+        const QStringList expected{u"&OK|VERSION：VER 1.03"_s, u"确定(&O)|版本：VER 1.03"_s,
+                                   u"確定(&O)|版本：VER 1.03"_s};
         for (int language = 0; language < 3; ++language) {
             h->open(language);
-            QString button;
+            QString shown;
             ShellHarness::whenModal([&](QDialog *about) {
-                button = about->findChild<QPushButton *>(u"Command1"_s)->text();
+                shown = about->findChild<QPushButton *>(u"Command1"_s)->text() + u'|'
+                    + about->findChild<QLabel *>(u"Label1"_s)->text().section(u'\n', 1, 1);
                 QTest::mouseClick(about->findChild<QPushButton *>(u"Command1"_s), Qt::LeftButton);
             });
             QTest::mouseClick(h->window->findChild<QToolButton *>(u"About"_s), Qt::LeftButton);
-            QCOMPARE(button, expected.at(language));
+            QCOMPARE(shown, expected.at(language));
         }
     }
 };
