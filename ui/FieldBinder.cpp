@@ -84,19 +84,20 @@ void FieldBinder::load(const MemoryImage &image)
     }
 }
 
-// As storeFields, but a control the form lacks stores nothing.
+// What the controls show goes in through storeFields, the path the field
+// table tests check. A list the form lacks counts as showing no selection,
+// which leaves its field as it is (0 in a rebuilt byte); a check box the
+// form lacks counts as showing its bit as the image holds it.
 void FieldBinder::store(MemoryImage &image) const
 {
-    for (const int address : m_table.rebuiltBytes)
-        image.WriteByte(address, 0);
-    for (qsizetype i = 0; i < m_lists.size(); ++i) {
-        if (const QComboBox *combo = m_lists.at(i))
-            m_table.lists[std::size_t(i)].store(image, combo->currentIndex());
-    }
+    FieldValues values;
+    for (const QComboBox *combo : m_lists)
+        values.positions.append(combo ? combo->currentIndex() : ListField::NoSelection);
     for (qsizetype i = 0; i < m_checks.size(); ++i) {
-        if (const QAbstractButton *check = m_checks.at(i))
-            m_table.checks[std::size_t(i)].store(image, check->isChecked());
+        const QAbstractButton *check = m_checks.at(i);
+        values.checked.append(check ? check->isChecked() : m_table.checks[std::size_t(i)].load(image));
     }
+    storeFields(image, m_table, values);
 }
 
 } // namespace wr
