@@ -157,9 +157,9 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
 
 MDIForm1::~MDIForm1() = default;
 
-int MDIForm1::language() const
+Language MDIForm1::language() const
 {
-    return app().LanguageIndex;
+    return Language(app().LanguageIndex);
 }
 
 void MDIForm1::Form_Load()

@@ -86,7 +86,7 @@ protected:
 private:
     using Handler = void (MDIForm1::*)();
 
-    int language() const; // the interface language of the application state
+    Language language() const; // the interface language of the application state
     void Form_Load();
     void buildMenus();
     void buildToolBar();

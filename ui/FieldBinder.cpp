@@ -43,10 +43,10 @@ FieldBinder::FieldBinder(QWidget *form, const FieldTable &table)
         m_checks.append(find<QAbstractButton>(check.control, "check box"));
 }
 
-void FieldBinder::caption(int languageIndex)
+void FieldBinder::caption(Language language)
 {
     for (qsizetype i = 0; i < m_captions.size(); ++i) {
-        const QString text = m_table.captions[std::size_t(i)].text.in(languageIndex);
+        const QString text = m_table.captions[std::size_t(i)].text.in(language);
         QWidget *control = m_captions.at(i);
         if (m_table.captions[std::size_t(i)].control == m_form->objectName())
             m_form->setWindowTitle(text);
@@ -61,13 +61,13 @@ void FieldBinder::caption(int languageIndex)
         if (QComboBox *combo = m_lists.at(i)) {
             const int position = combo->currentIndex();
             combo->clear();
-            combo->addItems(m_table.lists[std::size_t(i)].items(languageIndex));
+            combo->addItems(m_table.lists[std::size_t(i)].items(language));
             combo->setCurrentIndex(position);
         }
     }
     for (qsizetype i = 0; i < m_checks.size(); ++i) {
         if (QAbstractButton *check = m_checks.at(i))
-            check->setText(m_table.checks[std::size_t(i)].text.in(languageIndex));
+            check->setText(m_table.checks[std::size_t(i)].text.in(language));
     }
 }
 

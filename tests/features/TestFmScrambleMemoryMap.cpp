@@ -94,7 +94,7 @@ private Q_SLOTS:
     {
         QFETCH(int, language);
         QFETCH(QString, texts);
-        frmRadio form(image(), language);
+        frmRadio form(image(), Language(language));
         QCOMPARE(form.missingControls(), QStringList());
         const QTableWidget *grid = form.grid();
         const QStringList shown{form.windowTitle(),
@@ -174,7 +174,7 @@ private Q_SLOTS:
     {
         QFETCH(int, language);
         QFETCH(QString, texts);
-        frmSMB form(image(), language);
+        frmSMB form(image(), Language(language));
         QStringList shown{form.windowTitle(), child<QGroupBox>(&form, u"Frame2"_s)->title(),
                           child<QPushButton>(&form, u"CmdOK"_s)->text()};
         for (int index = 0; index < 8; ++index) {

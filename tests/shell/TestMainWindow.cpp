@@ -5,7 +5,10 @@
 
 #include "file/Backups.h"
 
+#include "shell/LanguageForm.h"
 #include "shell/QtTranslations.h"
+#include "shell/frmAbout.h"
+#include "shell/frmComPort.h"
 
 #include <QClipboard>
 #include <QComboBox>
@@ -377,6 +380,26 @@ private Q_SLOTS:
         // in the new language's words.
         QVERIFY(!wr::app().image.IsModified());
         QCOMPARE(h->window->channelList()->grid()->item(2, 5)->text(), wr::PowerText(true, expected));
+    }
+
+    // Every control the main window's own dialogs caption exists; the
+    // titles speak the language.
+    void dialogsCaptioned()
+    {
+        const QStringList titles{u"Language File Setup|Communication Port|WR-PD6T RADIO PROGRAMMING SOFTWARE"_s,
+                                 u"语言设置|通信端口|WR-PD6T  对讲机编程软件"_s,
+                                 u"語言設置|通信端口|WR-PD6T  對講機編程軟件 "_s};
+        for (const wr::Language language : {wr::English, wr::SimplifiedChinese, wr::TraditionalChinese}) {
+            wr::LanguageForm languageForm(language);
+            wr::frmComPort port(1, language);
+            wr::frmAbout about(language);
+            QStringList shown;
+            for (const wr::FormDialog *dialog : std::initializer_list<const wr::FormDialog *>{&languageForm, &port, &about}) {
+                QCOMPARE(dialog->missingControls(), QStringList());
+                shown << dialog->windowTitle();
+            }
+            QCOMPARE(shown.join(u'|'), titles.at(language));
+        }
     }
 
     // Two ports, COM1 and COM3.

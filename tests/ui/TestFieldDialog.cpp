@@ -43,7 +43,7 @@ constexpr FieldTable MissingFields{.lists = Missing};
 class frmExample : public FieldDialog
 {
 public:
-    frmExample(MemoryImage &image, int language, bool withMissing = false)
+    frmExample(MemoryImage &image, Language language, bool withMissing = false)
         : FieldDialog(image, language)
     {
         setObjectName(u"frmExample"_s);
@@ -89,7 +89,7 @@ private Q_SLOTS:
         QFETCH(int, language);
         QFETCH(QString, texts);
         MemoryImage image;
-        frmExample form(image, language);
+        frmExample form(image, Language(language));
         QCOMPARE(form.missingControls(), QStringList());
         const QStringList shown{form.windowTitle(),
                                 form.findChild<QLabel *>(u"lblMode"_s)->text(),
