@@ -14,6 +14,7 @@
 #include "shell/FileCommands.h"
 #include "shell/LanguageForm.h"
 #include "shell/QtTranslations.h"
+#include "shell/StatusPanels.h"
 #include "shell/frmAbout.h"
 #include "shell/frmComPort.h"
 #include "ui/InterfaceFont.h"
@@ -22,13 +23,9 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QDate>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
-#include <QHeaderView>
-#include <QLabel>
-#include <QLocale>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -39,14 +36,10 @@
 #include <QStyle>
 #include <QWindow>
 #include <QSplitter>
-#include <QStatusBar>
-#include <QTime>
 #include <QTimer>
 #include <QToolBar>
-#include <QToolButton>
 #include <QTreeWidget>
 #include <QUrl>
-#include <QVBoxLayout>
 
 #include <span>
 
@@ -65,25 +58,6 @@ constexpr int TreePaneWidth = 158; // until the tree's captions are known
 constexpr int CommitClearedAddress = 0x0CD0;
 
 constexpr Text ContinueQuestion{u"Do you wish to continue?", u"是否继续？", u"是否繼續？"};
-
-QString versionText()
-{
-    return u"Version "_s + ProgramVersion();
-}
-
-QLocale interfaceLocale()
-{
-    switch (app().LanguageIndex) {
-    case SimplifiedChinese:
-        return QLocale(QLocale::Chinese, QLocale::SimplifiedHanScript, QLocale::China);
-    case TraditionalChinese:
-        return QLocale(QLocale::Chinese, QLocale::TraditionalHanScript, QLocale::Taiwan);
-    default:
-        return QLocale(QLocale::English, QLocale::UnitedStates);
-    }
-}
-
-enum Panel { PortPanel, DatePanel, ClockPanel, EmptyPanel, VersionPanel, PanelCount };
 
 // The tree node's data holding the QAction a click runs.
 constexpr int CommandRole = Qt::UserRole + 1;
@@ -144,13 +118,7 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
 
     buildMenus();
     buildToolBar();
-    buildStatusBar();
-
-    m_time = new QTimer(this);
-    m_time->setObjectName(u"Time"_s);
-    m_time->setTimerType(Qt::PreciseTimer);
-    m_time->setSingleShot(true);
-    connect(m_time, &QTimer::timeout, this, &MDIForm1::Time_Timer);
+    m_status = new StatusPanels(statusBar());
 
     Form_Load();
 }
@@ -170,7 +138,6 @@ void MDIForm1::Form_Load()
     resize(StartUpSize);
     buildTree();
     RefreshMainWindow();
-    Time_Timer();
     showChannelList();
 }
 
@@ -349,25 +316,6 @@ void MDIForm1::buildToolBar()
     }
 }
 
-void MDIForm1::buildStatusBar()
-{
-    QStatusBar *bar = statusBar();
-    bar->setObjectName(u"MSBar"_s);
-    bar->setSizeGripEnabled(true);
-    const int widths[PanelCount] = {70, 100, 80, 0, 110};
-    for (int i = 0; i < PanelCount; ++i) {
-        auto *panel = new QLabel(bar);
-        panel->setObjectName(u"MSBar_Panel"_s + QString::number(i + 1));
-        panel->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-        panel->setContentsMargins(4, 0, 4, 0);
-        if (widths[i] > 0)
-            panel->setMinimumWidth(widths[i]);
-        // Permanent widgets stay visible while a menu shows status tips.
-        bar->addPermanentWidget(panel, i == EmptyPanel ? 1 : 0);
-        m_panels.append(panel);
-    }
-}
-
 void MDIForm1::buildTree()
 {
     m_tree->clear();
@@ -415,8 +363,7 @@ void MDIForm1::RefreshMainWindow()
     if (m_channels)
         m_channels->RefreshChannel();
     showPortPanel();
-    m_panels[VersionPanel]->setText(versionText());
-    m_panels[DatePanel]->setText(interfaceLocale().toString(QDate::currentDate(), QLocale::ShortFormat));
+    m_status->showLanguage(language());
     setWindowTitle(ModelName());
     if (m_shownOnce)
         fitTreePane();
@@ -424,18 +371,7 @@ void MDIForm1::RefreshMainWindow()
 
 void MDIForm1::showPortPanel()
 {
-    m_panels[PortPanel]->setText(u"COM"_s + QString::number(app().PortNumber));
-}
-
-void MDIForm1::Time_Timer()
-{
-    // One tick a second is all the clock needs. Each tick re-arms the timer
-    // for just after the next full second, so the shown seconds never lag or
-    // skip however long the previous tick was delayed.
-    const QTime now = QTime::currentTime();
-    m_panels[ClockPanel]->setText(now.toString(u"hh:mm:ss"_s));
-    m_panels[DatePanel]->setText(interfaceLocale().toString(QDate::currentDate(), QLocale::ShortFormat));
-    m_time->start(1000 - now.msec() + 2);
+    m_status->showPort(app().PortNumber);
 }
 
 void MDIForm1::CommitChannelEdit()

@@ -10,11 +10,8 @@
 #include <utility>
 
 class QAction;
-class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
-class QMenu;
-class QTimer;
 class QToolBar;
 class QTreeWidget;
 class QTreeWidgetItem;
@@ -22,6 +19,7 @@ class QTreeWidgetItem;
 namespace wr {
 
 class SettingsStore;
+class StatusPanels;
 class frmChannel;
 enum class BackupReason;
 class frmMemoryMap;
@@ -90,11 +88,9 @@ private:
     void Form_Load();
     void buildMenus();
     void buildToolBar();
-    void buildStatusBar();
     void buildTree();
     void captionStep();
     void showPortPanel();
-    void Time_Timer();
     void fitToScreen();
     void fitTreePane();
 
@@ -139,8 +135,7 @@ private:
     QPointer<frmMemoryMap> m_memoryMap; // open beside this window, at most one
     QTreeWidget *m_tree = nullptr;
     QToolBar *m_toolBar = nullptr;
-    QTimer *m_time = nullptr;
-    QList<QLabel *> m_panels; // MSBar panels 1-5
+    StatusPanels *m_status = nullptr;
     QList<std::pair<QAction *, Text>> m_captions;
     bool m_shownOnce = false;
     QString m_backupFolder;
