@@ -59,6 +59,10 @@ constexpr int CommitClearedAddress = 0x0CD0;
 
 constexpr Text ContinueQuestion{u"Do you wish to continue?", u"是否继续？", u"是否繼續？"};
 
+// The values of LinkDirection.
+constexpr quint8 ReadFromRadio = 0;
+constexpr quint8 WriteToRadio = 1;
+
 // The tree node's data holding the QAction a click runs.
 constexpr int CommandRole = Qt::UserRole + 1;
 
@@ -490,30 +494,26 @@ void MDIForm1::Tree0_NodeClick(QTreeWidgetItem *node)
 
 void MDIForm1::ReadCommand()
 {
-    const QString text = Text(u"Read data from radio.", u"从对讲机读取数据。", u"從對講機讀取數據。").in(language())
-        + u'\n' + ContinueQuestion.in(language());
-    if (MessageBox::show(this, QMessageBox::Question, ModelName(), text, QMessageBox::Ok | QMessageBox::Cancel,
-                         QMessageBox::Ok)
-        != QMessageBox::Ok)
-        return;
-    app().LinkDirection = 0;
-    runTransfer();
+    transfer(ReadFromRadio);
 }
 
 void MDIForm1::WriteCommand()
 {
-    const QString text = Text(u"Write data to radio.", u"向对讲机写入数据。", u"向對講機寫入數據。").in(language())
-        + u'\n' + ContinueQuestion.in(language());
+    transfer(WriteToRadio);
+}
+
+void MDIForm1::transfer(quint8 direction)
+{
+    // What the question names, by LinkDirection.
+    static constexpr Text Transfers[]{{u"Read data from radio.", u"从对讲机读取数据。", u"從對講機讀取數據。"},
+                                      {u"Write data to radio.", u"向对讲机写入数据。", u"向對講機寫入數據。"}};
+    const QString text = Transfers[direction].in(language()) + u'\n' + ContinueQuestion.in(language());
     if (MessageBox::show(this, QMessageBox::Question, ModelName(), text, QMessageBox::Ok | QMessageBox::Cancel,
                          QMessageBox::Ok)
         != QMessageBox::Ok)
         return;
-    app().LinkDirection = 1;
-    runTransfer();
-}
+    app().LinkDirection = direction;
 
-void MDIForm1::runTransfer()
-{
     // The progress form owns the port for the length of one transfer and
     // may release itself when it unloads, hence the guarded pointer.
     QPointer<frmclone> form = new frmclone(this);

@@ -52,7 +52,8 @@ public:
     // Grid into the image, address 0x0CD0 cleared, snapshot taken.
     void CommitStep();
 
-    // The confirmations before a transfer; on OK the progress form runs it.
+    // Read and Write: the question before the transfer; on OK the progress
+    // form runs it.
     void ReadCommand();
     void WriteCommand();
 
@@ -111,7 +112,9 @@ private:
     void choosePort();
     void chooseLanguage();
     void showAbout();
-    void runTransfer();
+    // Asks before a transfer in a direction (LinkDirection's 0 reads, 1
+    // writes), then runs it.
+    void transfer(quint8 direction);
 
     // Entry points of the feature editors (their forms come with them):
     // the optional features command (after the commit step), the hidden
