@@ -432,16 +432,13 @@ void MDIForm1::fileNew()
 
 void MDIForm1::fileOpen()
 {
-    // Edits typed into the grid count as modifications: they are moved into
-    // the image before the modified test, so the question can protect them.
-    if (m_channels)
-        m_channels->SaveData();
-    if (FileCommands(this, *m_settings).FileOpen())
-        RefreshMainWindow();
+    openFile();
 }
 
-void MDIForm1::openFile(const QString &path)
+void MDIForm1::openFile(const std::optional<QString> &path)
 {
+    // Edits typed into the grid count as modifications: they are moved into
+    // the image before the modified test, so the question can protect them.
     CommitChannelEdit();
     if (m_channels)
         m_channels->SaveData();

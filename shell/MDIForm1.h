@@ -7,6 +7,7 @@
 #include <QPointer>
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 class QAction;
@@ -60,9 +61,10 @@ public:
     // The channel list, or null while it is closed.
     frmChannel *channelList() const;
 
-    // Runs Open with a file chosen outside the program (given on the command
-    // line or dropped on the window): the modified question, then the file.
-    void openFile(const QString &path);
+    // Open: the modified question, then the file: `path` when it was chosen
+    // outside the program (given on the command line or dropped on the
+    // window), else the one the file dialog picks.
+    void openFile(const std::optional<QString> &path = std::nullopt);
 
     // Where the automatic backups go; the application data folder's unless a
     // test gives a folder of its own.
