@@ -320,43 +320,44 @@ void MDIForm1::buildToolBar()
     }
 }
 
+// The tree of editors as data, like the menus: under the root, which
+// names the model in every language and runs nothing, each node runs a menu
+// command. Keys are the nodes' data under Qt::UserRole.
 void MDIForm1::buildTree()
 {
-    m_tree->clear();
+    struct Node
+    {
+        QStringView key;
+        Text caption;
+        CommandIcon icon;
+        QStringView menuItem;
+    };
+    static constexpr Node Nodes[]{
+        {u"Item1", {u"CH Information", u"信道信息", u"信道信息"}, CommandIcon::ChannelList, u"mnuChannel_Info"},
+        {u"Item2", {u"Optiom Features", u"可选功能", u"可選功能"}, CommandIcon::OptionalFeatures, u"mnuOptiom_Features"},
+    };
     auto *root = new QTreeWidgetItem(m_tree);
     root->setData(0, Qt::UserRole, u"Root"_s);
+    root->setText(0, ModelName());
     root->setIcon(0, AppIcon());
-    // Each child runs a menu command; the root runs none.
-    const auto addNode = [this, root](const QString &key, CommandIcon icon, const QString &menuItem) {
+    for (const Node &entry : Nodes) {
         auto *node = new QTreeWidgetItem(root);
-        node->setData(0, Qt::UserRole, key);
-        node->setData(0, CommandRole, QVariant::fromValue<QObject *>(findChild<QAction *>(menuItem)));
-        node->setIcon(0, CommandIconFor(icon));
-        return node;
-    };
-    QTreeWidgetItem *item1 = addNode(u"Item1"_s, CommandIcon::ChannelList, u"mnuChannel_Info"_s);
-    addNode(u"Item2"_s, CommandIcon::OptionalFeatures, u"mnuOptiom_Features"_s);
+        node->setData(0, Qt::UserRole, entry.key.toString());
+        node->setData(0, CommandRole, QVariant::fromValue<QObject *>(findChild<QAction *>(entry.menuItem.toString())));
+        node->setIcon(0, CommandIconFor(entry.icon));
+        m_nodeCaptions.append({node, entry.caption});
+    }
     m_tree->expandItem(root);
-    m_tree->setCurrentItem(item1);
-    connect(m_tree, &QTreeWidget::itemClicked, this, &MDIForm1::Tree0_NodeClick, Qt::UniqueConnection);
+    m_tree->setCurrentItem(root->child(0));
+    connect(m_tree, &QTreeWidget::itemClicked, this, &MDIForm1::Tree0_NodeClick);
 }
 
 void MDIForm1::captionStep()
 {
     for (const auto &[action, caption] : std::as_const(m_captions))
         action->setText(caption.in(language()));
-
-    constexpr Text item1{u"CH Information", u"信道信息", u"信道信息"};
-    constexpr Text item2{u"Optiom Features", u"可选功能", u"可選功能"};
-    for (QTreeWidgetItemIterator it(m_tree); *it; ++it) {
-        const QString key = (*it)->data(0, Qt::UserRole).toString();
-        if (key == u"Root")
-            (*it)->setText(0, ModelName());
-        else if (key == u"Item1")
-            (*it)->setText(0, item1.in(language()));
-        else if (key == u"Item2")
-            (*it)->setText(0, item2.in(language()));
-    }
+    for (const auto &[node, caption] : std::as_const(m_nodeCaptions))
+        node->setText(0, caption.in(language()));
 }
 
 void MDIForm1::RefreshMainWindow()

@@ -141,7 +141,8 @@ private:
     QTreeWidget *m_tree = nullptr;
     QToolBar *m_toolBar = nullptr;
     StatusPanels *m_status = nullptr;
-    QList<std::pair<QAction *, Text>> m_captions;
+    QList<std::pair<QAction *, Text>> m_captions;       // the menus'
+    QList<std::pair<QTreeWidgetItem *, Text>> m_nodeCaptions; // the tree's
     bool m_shownOnce = false;
     QString m_backupFolder;
 };
