@@ -11,15 +11,25 @@ using namespace wr::tool;
 
 namespace {
 
+// The overview keeps the layout of QCommandLineParser's help (usage line,
+// description, then blocks of two-column entries), which the commands' own
+// help has too: the manual page is made from both.
 void printOverview(QTextStream &stream, const QList<Command> &commands)
 {
-    stream << "Usage: wrpd6t-tool COMMAND [options] ARGUMENTS\n\nCommands:\n";
+    stream << "Usage: wrpd6t-tool COMMAND [options] ARGUMENTS\n"
+              "Works on WR-PD6T data files and radios from the command line.\n"
+              "Run 'wrpd6t-tool COMMAND --help' for the options and arguments of a command.\n"
+              "\nCommands:\n";
     qsizetype width = 0;
     for (const Command &command : commands)
         width = std::max(width, command.name.size());
     for (const Command &command : commands)
         stream << "  " << command.name.leftJustified(width + 2) << command.summary << '\n';
-    stream << "\nRun 'wrpd6t-tool COMMAND --help' for the options of a command.\n";
+    stream << "\nExit status:\n"
+           << "  " << Success << "  success\n"
+           << "  " << Failure << "  failure: a file that cannot be used, a radio that was not read or written\n"
+           << "  " << UsageError << "  wrong arguments or options\n"
+           << "A command whose help gives a status another meaning says so there.\n";
     stream.flush();
 }
 
