@@ -11,7 +11,6 @@
 #include "features/frmSMB.h"
 #include "link/frmclone.h"
 #include "shell/AppIcon.h"
-#include "shell/FileCommands.h"
 #include "shell/LanguageForm.h"
 #include "shell/QtTranslations.h"
 #include "shell/StatusPanels.h"
@@ -23,14 +22,10 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QDragEnterEvent>
-#include <QDropEvent>
-#include <QFileInfo>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMimeData>
 #include <QScreen>
 #include <QShowEvent>
 #include <QStyle>
@@ -39,7 +34,6 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QTreeWidget>
-#include <QUrl>
 
 #include <span>
 
@@ -65,24 +59,6 @@ constexpr quint8 WriteToRadio = 1;
 
 // The tree node's data holding the QAction a click runs.
 constexpr int CommandRole = Qt::UserRole + 1;
-
-// The data file a drag brings: one local file named *.tw. The window takes
-// it as a copy, since it only reads it: taken as a move (Shift held), the
-// file manager would delete the file afterwards. Anything else it refuses
-// and gives "".
-QString acceptDataFile(QDropEvent *event)
-{
-    const QList<QUrl> urls = event->mimeData() ? event->mimeData()->urls() : QList<QUrl>();
-    const QString path = urls.size() == 1 && urls.first().isLocalFile() ? urls.first().toLocalFile() : QString();
-    if (QFileInfo(path).suffix().compare(u"tw", Qt::CaseInsensitive) != 0
-        || !(event->possibleActions() & Qt::CopyAction)) {
-        event->ignore();
-        return {};
-    }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    return path;
-}
 
 } // namespace
 
@@ -198,14 +174,16 @@ void MDIForm1::buildMenus()
          ctrl(Qt::Key_S)},
         {u"mnuFile_SaveAs", {u"Save &As", u"另存为(&A)", u"另存為(&A)"}, ChannelEditAndStep, &MDIForm1::fileSaveAs,
          ctrl(Qt::Key_A)},
+        // The automatic backups, which would otherwise go unnoticed.
+        {u"mnuFile_Backups", {u"&Backups…", u"备份(&B)…", u"備份(&B)…"}, ChannelEdit, &MDIForm1::showBackups},
         separator(u"mnuFile_Bar1", false),
         // Printing does not exist.
         {u"mnuFile_Print", {u"&Print", u"打印(&P)", u"打印(&P)"}, Nothing, nullptr, ctrl(Qt::Key_P), false},
         {u"mnuFile_PrintView", {u"P&rint View", u"打印预览(&R)", u"打印預覽(&R)"}, Nothing, nullptr, ctrl(Qt::Key_V),
          false},
         separator(u"mnuFile_Bar2", true),
-        {u"mnuFile_Exit", {u"&Exit", u"退出(&E)", u"退出(&E)"}, ChannelEditAndStep, &MDIForm1::fileExit,
-         ctrl(Qt::Key_X)},
+        // Exit's commit step is its handler's first step (fileExit).
+        {u"mnuFile_Exit", {u"&Exit", u"退出(&E)", u"退出(&E)"}, ChannelEdit, &MDIForm1::fileExit, ctrl(Qt::Key_X)},
     };
     static constexpr MenuItem Machine[]{
         {u"mnuMachine_Info", {u"Machine Info(&M)", u"机型信息(&M)", u"機型信息(&M)"}},
@@ -425,40 +403,12 @@ void MDIForm1::showChannelList()
     m_channelWindow->raise();
 }
 
-void MDIForm1::fileNew()
-{
-    if (FileCommands(this, *m_settings).FileNew())
-        RefreshMainWindow();
-}
-
-void MDIForm1::fileOpen()
-{
-    openFile();
-}
-
-void MDIForm1::openFile(const std::optional<QString> &path)
-{
-    // Edits typed into the grid count as modifications: they are moved into
-    // the image before the modified test, so the question can protect them.
-    CommitChannelEdit();
-    if (m_channels)
-        m_channels->SaveData();
-    if (FileCommands(this, *m_settings).FileOpen(path))
-        RefreshMainWindow();
-}
-
-void MDIForm1::fileSave()
-{
-    FileCommands(this, *m_settings).FileSave();
-}
-
-void MDIForm1::fileSaveAs()
-{
-    FileCommands(this, *m_settings).FileSaveAs();
-}
-
+// Exit runs the commit step, which takes the snapshot; whether there were
+// unsaved changes is asked before, for the exit backup.
 void MDIForm1::fileExit()
 {
+    m_exitWithUnsavedChanges = workingImage().IsModified();
+    CommitStep();
     close();
 }
 
@@ -505,11 +455,21 @@ void MDIForm1::transfer(quint8 direction)
     // What the question names, by LinkDirection.
     static constexpr Text Transfers[]{{u"Read data from radio.", u"从对讲机读取数据。", u"從對講機讀取數據。"},
                                       {u"Write data to radio.", u"向对讲机写入数据。", u"向對講機寫入數據。"}};
-    const QString text = Transfers[direction].in(language()) + u'\n' + ContinueQuestion.in(language());
+    static constexpr Text KeptAsBackup{u"The unsaved changes will be kept as a backup (File → Backups…).",
+                                       u"未保存的修改将保留为备份（文件 → 备份…）。",
+                                       u"未保存的修改將保留為備份（文件 → 備份…）。"};
+    QString text = Transfers[direction].in(language()) + u'\n' + ContinueQuestion.in(language());
+    // A read replaces the whole image, and its rows as they come in: what
+    // was not saved is kept first, and the question says so.
+    const bool keepsChanges = direction == ReadFromRadio && workingImage().IsModified();
+    if (keepsChanges)
+        text += u'\n' + KeptAsBackup.in(language());
     if (MessageBox::show(this, QMessageBox::Question, ModelName(), text, QMessageBox::Ok | QMessageBox::Cancel,
                          QMessageBox::Ok)
         != QMessageBox::Ok)
         return;
+    if (keepsChanges)
+        keepUnsavedChanges(BackupReason::BeforeRead);
     app().LinkDirection = direction;
 
     // The progress form owns the port for the length of one transfer and
@@ -517,7 +477,7 @@ void MDIForm1::transfer(quint8 direction)
     QPointer<frmclone> form = new frmclone(this);
     connect(form, &frmclone::portNumberChanged, this, &MDIForm1::showPortPanel);
     connect(form, &frmclone::readCompleted, this, &MDIForm1::RefreshMainWindow);
-    connect(form, &frmclone::readCompleted, this, [this] { keepBackup(BackupReason::Read); });
+    connect(form, &frmclone::readCompleted, this, [this] { keepBackup(BackupReason::Read, app().image); });
     form->exec();
     delete form.data();
     // A cancelled scan puts the chosen port back.
@@ -561,13 +521,21 @@ void MDIForm1::openRadio()
 }
 
 // The memory map stays open beside this window; a second gesture brings it
-// to the front. After its OK the channel list reloads from the image, or
-// its older texts would undo a patch of the channel rows at the next save.
+// to the front. Its OK writes every byte it shows, over whatever changed
+// since it opened: that is kept as a backup first. After its OK the channel
+// list reloads from the image, or its older texts would undo a patch of the
+// channel rows at the next save.
 void MDIForm1::openMemoryMap()
 {
     if (!m_memoryMap) {
         m_memoryMap = new frmMemoryMap(app().image, this);
         m_memoryMap->setAttribute(Qt::WA_DeleteOnClose);
+        m_memoryMapOpenedWith = app().image.bytes();
+        connect(m_memoryMap, &frmMemoryMap::aboutToStore, this, [this] {
+            const MemoryImage now = workingImage();
+            if (now.bytes() != m_memoryMapOpenedWith)
+                keepBackup(BackupReason::BeforeMemoryMap, now);
+        });
         connect(m_memoryMap, &QDialog::accepted, this, [this] {
             if (m_channels)
                 m_channels->RefreshChannel();
@@ -576,6 +544,14 @@ void MDIForm1::openMemoryMap()
     m_memoryMap->show();
     m_memoryMap->raise();
     m_memoryMap->activateWindow();
+}
+
+void MDIForm1::closeEvent(QCloseEvent *event)
+{
+    // Closing by any means writes the settings back; only Exit commits.
+    SaveSettings(app(), *m_settings);
+    keepExitBackup();
+    QMainWindow::closeEvent(event);
 }
 
 void MDIForm1::showEvent(QShowEvent *event)
@@ -587,6 +563,7 @@ void MDIForm1::showEvent(QShowEvent *event)
     // The layout is done here and the window is not on the screen yet, so
     // it appears once, at its final size.
     fitToScreen();
+    noteUnsavedChangesOfLastRun();
 }
 
 // The tree pane is as wide as its captions, in the language and font of the
@@ -624,57 +601,6 @@ void MDIForm1::fitToScreen()
     wanted = wanted.boundedTo(room);
     if (wanted != size())
         resize(wanted);
-}
-
-void MDIForm1::closeEvent(QCloseEvent *event)
-{
-    // Closing by any means writes the settings back; only Exit commits.
-    SaveSettings(app(), *m_settings);
-    keepBackup(BackupReason::Exit);
-    QMainWindow::closeEvent(event);
-}
-
-void MDIForm1::setBackupFolder(const QString &folder)
-{
-    m_backupFolder = folder;
-}
-
-// A backup is kept behind the user's back: whatever becomes of it, the read or
-// the exit that caused it goes on as if there were none.
-void MDIForm1::keepBackup(BackupReason reason)
-{
-    const QString folder = m_backupFolder.isEmpty() ? Backups::defaultFolder() : m_backupFolder;
-    if (reason == BackupReason::Read || !m_channels) {
-        Backups::keep(folder, app().image, reason, QDateTime::currentDateTime());
-        return;
-    }
-    // What is lost at exit is mostly what was typed into the channel list and
-    // never saved, so the exit backup holds the grid as it stands. The image
-    // itself stays as it is: closing other than by Exit commits nothing.
-    const MemoryImage image = app().image;
-    m_channels->SaveData();
-    Backups::keep(folder, app().image, reason, QDateTime::currentDateTime());
-    app().image = image;
-}
-
-void MDIForm1::dragEnterEvent(QDragEnterEvent *event)
-{
-    acceptDataFile(event);
-}
-
-void MDIForm1::dragMoveEvent(QDragMoveEvent *event)
-{
-    acceptDataFile(event);
-}
-
-void MDIForm1::dropEvent(QDropEvent *event)
-{
-    const QString path = acceptDataFile(event);
-    if (path.isEmpty())
-        return;
-    // The program the file came from waits until the drop is over; the
-    // questions of Open come after that.
-    QTimer::singleShot(0, this, [this, path] { openFile(path); });
 }
 
 } // namespace wr

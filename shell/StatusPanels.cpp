@@ -32,6 +32,7 @@ QLocale localeOf(Language language)
 StatusPanels::StatusPanels(QStatusBar *bar)
     : QObject(bar)
     , m_time(new QTimer(this))
+    , m_noteTime(new QTimer(this))
 {
     bar->setObjectName(u"MSBar"_s);
     bar->setSizeGripEnabled(true);
@@ -53,6 +54,20 @@ StatusPanels::StatusPanels(QStatusBar *bar)
     m_time->setSingleShot(true);
     connect(m_time, &QTimer::timeout, this, &StatusPanels::Time_Timer);
     Time_Timer();
+
+    m_noteTime->setObjectName(u"tmrNote"_s);
+    m_noteTime->setSingleShot(true);
+    connect(m_noteTime, &QTimer::timeout, this, [this] {
+        m_note.reset();
+        m_panels[EmptyPanel]->clear();
+    });
+}
+
+void StatusPanels::showNote(const Text &note, int milliseconds)
+{
+    m_note = note;
+    m_panels[EmptyPanel]->setText(note.in(m_language));
+    m_noteTime->start(milliseconds);
 }
 
 void StatusPanels::showPort(quint8 portNumber)
@@ -64,6 +79,8 @@ void StatusPanels::showLanguage(Language language)
 {
     m_language = language;
     m_panels[VersionPanel]->setText(u"Version "_s + ProgramVersion());
+    if (m_note)
+        m_panels[EmptyPanel]->setText(m_note->in(language));
     showDate();
 }
 

@@ -5,6 +5,8 @@
 #include <QList>
 #include <QObject>
 
+#include <optional>
+
 class QLabel;
 class QStatusBar;
 class QTimer;
@@ -14,7 +16,8 @@ namespace wr {
 // The main window's status bar MSBar and its five panels MSBar_Panel1-5:
 // the port ("COM1"), the date in the interface language's short format, the
 // clock ("hh:mm:ss", rewritten by the timer Time every second), an empty
-// panel that takes the spare width, and the version ("Version 1.03").
+// panel that takes the spare width (where a note shows for a while), and the
+// version ("Version 1.03").
 class StatusPanels : public QObject
 {
     Q_OBJECT
@@ -26,6 +29,9 @@ public:
     void showPort(quint8 portNumber);
     // The date in the language's format, and the version.
     void showLanguage(Language language);
+    // A note in the empty panel for a while, in the interface language (a
+    // switch re-words it); the panel is empty again afterwards.
+    void showNote(const Text &note, int milliseconds);
 
 private:
     enum Panel { PortPanel, DatePanel, ClockPanel, EmptyPanel, VersionPanel, PanelCount };
@@ -35,6 +41,8 @@ private:
 
     QList<QLabel *> m_panels;
     QTimer *m_time;
+    QTimer *m_noteTime; // tmrNote: how long the note stays
+    std::optional<Text> m_note;
     Language m_language = English;
 };
 

@@ -3,6 +3,8 @@
 // folders, and that a failure never changes the image or the files.
 #include "ShellHarness.h"
 
+#include "file/Backups.h"
+
 #include <QDir>
 #include <QFile>
 #include <QMimeData>
@@ -110,24 +112,32 @@ private Q_SLOTS:
         QCOMPARE(wr::MessageBox::history().size(), 1);
     }
 
+    // The prescribed message, and on a second line the file and what is
+    // wrong with it, in the interface language.
     void badFilesLeaveImageAlone_data()
     {
         QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<QString>("title");
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QString>("shown"); // title|text
         QByteArray foreign = wr::DataFile::Container(wr::MemoryImage());
         foreign.replace(0, 6, "ABCDEF");
         foreign.append('\0');
         const QByteArray packed = *wr::DataFile::Encode(wr::MemoryImage());
-        QTest::newRow("foreign marker") << foreign << u"WR-PD6T"_s;
-        QTest::newRow("damaged packing") << packed.left(40) + packed.right(1) << u"Error"_s;
+        QTest::newRow("foreign marker") << foreign << 0 << u"WR-PD6T|Incorrect File Type.\nbad.tw: no data file marker at its start"_s;
+        QTest::newRow("damaged packing") << packed.left(40) + packed.right(1) << 0
+                                         << u"Error|Incorrect File Type.\nbad.tw: its packing is damaged"_s;
+        QTest::newRow("too short, Simplified Chinese") << foreign.first(100) + '\0' << 1
+                                                      << u"WR-PD6T|文件类型不正确。\nbad.tw：文件太短，不是数据文件"_s;
         // Null content: a pipe that nobody writes into, refused without waiting.
-        QTest::newRow("pipe") << QByteArray() << u"WR-PD6T"_s;
+        QTest::newRow("pipe, Traditional Chinese") << QByteArray() << 2 << u"WR-PD6T|文件類型不正確。\nbad.tw：不是普通文件"_s;
     }
 
     void badFilesLeaveImageAlone()
     {
         QFETCH(QByteArray, content);
-        QFETCH(QString, title);
+        QFETCH(int, language);
+        QFETCH(QString, shown);
+        wr::app().LanguageIndex = quint8(language);
         const QString path = filePath(u"bad.tw"_s);
         if (content.isNull())
             QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
@@ -141,7 +151,9 @@ private Q_SLOTS:
         wr::FileDialog::setNextFileName(path);
         h->trigger(u"mnuFile_Open"_s);
 
-        QCOMPARE(ShellHarness::shownBoxes().mid(1), QStringList{u"Critical|%1|Incorrect File Type."_s.arg(title)});
+        QCOMPARE(ShellHarness::shownBoxes().mid(1), QStringList{u"Critical|"_s + shown});
+        // No backup: the image was not replaced.
+        QVERIFY(wr::Backups::list(h->backupFolder()).isEmpty());
         // The image (with the grid's edit moved in), its snapshot state, the
         // band limits and the grid are as before.
         QCOMPARE(ShellHarness::imageRx(3), u"145.00000"_s);
@@ -186,7 +198,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("shown");      // "%1" stands for the file's path
         const QByteArray good = fileOf(ShellHarness::imageWithChannels(20, 5));
         QTest::newRow("good file") << good << QString();
-        QTest::newRow("damaged file") << good.left(40) + good.right(1) << u"Critical|Error|Incorrect File Type."_s;
+        QTest::newRow("damaged file") << good.left(40) + good.right(1)
+                                      << u"Critical|Error|Incorrect File Type.\ncustomer.tw: its packing is damaged"_s;
         QTest::newRow("missing file") << QByteArray() << u"Critical|Error|The file does not exist.\n%1"_s;
     }
 
@@ -246,7 +259,7 @@ private Q_SLOTS:
         QTest::newRow("Cancel keeps the edits") << one << none << int(QMessageBox::Cancel) << false;
         QTest::newRow("Shift held: still a copy") << one << shift << int(QMessageBox::No) << true;
         QTest::newRow("suffix in capitals") << QStringList{u"OTHER.TW"_s} << none << int(QMessageBox::No) << true;
-        QTest::newRow("another kind of file refused") << QStringList{u"other.csv"_s} << none << 0 << false;
+        QTest::newRow("another kind of file refused") << QStringList{u"other.txt"_s} << none << 0 << false;
         QTest::newRow("two files refused") << QStringList{u"other.tw"_s, u"more.tw"_s} << none << 0 << false;
     }
 

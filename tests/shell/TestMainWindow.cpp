@@ -61,7 +61,7 @@ private Q_SLOTS:
         QCOMPARE(wr::app().CurrentFileName, u"Untitled"_s);
         QCOMPARE(h->action(u"mnuRead"_s)->text(), u"从对讲机读取数据(&R)"_s);
         const QList<std::pair<QString, QString>> menus{
-            {u"mnuFile"_s, u"mnuFile_New mnuFile_Open mnuFile_Save mnuFile_SaveAs -mnuFile_Bar1 -mnuFile_Print "
+            {u"mnuFile"_s, u"mnuFile_New mnuFile_Open mnuFile_Save mnuFile_SaveAs mnuFile_Backups -mnuFile_Bar1 -mnuFile_Print "
                            "-mnuFile_PrintView mnuFile_Bar2 mnuFile_Exit"_s},
             {u"mnuEdit"_s, u"mnuChannel_Info mnuFile_Bar3 mnuOptiom_Features -mnuFile_Bar14 -mnuVFO -mnuFile_Bar4 "
                            "-mnuDTMF -mnuFile_Bar8 -mnuMSK -mnuFile_Bar9 -mnuScramble -mnuFile_Bar7 -mnuRadio"_s},
@@ -294,7 +294,8 @@ private Q_SLOTS:
     }
 
     // Closing also keeps the memory as a backup, with what was typed into the
-    // grid; a backup that cannot be written goes unnoticed.
+    // grid and not saved (Exit's commit step does not save it); a backup that
+    // cannot be written goes unnoticed.
     void settingsWrittenAtClose_data()
     {
         QTest::addColumn<bool>("viaExit");
@@ -332,7 +333,7 @@ private Q_SLOTS:
             QCOMPARE(wr::test::readFile(h->backupFolder()), QByteArray("in the way"));
         } else {
             QCOMPARE(backups.size(), 1);
-            QCOMPARE(backups.first().reason, wr::BackupReason::Exit);
+            QCOMPARE(backups.first().reason, wr::BackupReason::ExitUnsaved);
             QCOMPARE(ShellHarness::rxOf(wr::DataFile::Read(backups.first().path).image, 4), u"438.10000"_s);
         }
 
