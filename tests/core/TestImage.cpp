@@ -26,6 +26,8 @@ private Q_SLOTS:
     void channelRows();
     void bandLimits_data();
     void bandLimits();
+    void inBands_data();
+    void inBands();
     void startUpBandLimitsThenFreshImage();
 
 private:
@@ -132,6 +134,29 @@ void TestImage::bandLimits()
     image.setRow(BandLimitsRow, row416);
     const BandLimitArray read = LoadBandLimits(image);
     QCOMPARE(QList<int>(read.begin(), read.end()), limits);
+}
+
+void TestImage::inBands_data()
+{
+    QTest::addColumn<qint64>("hz");
+    QTest::addColumn<bool>("receive");
+    QTest::addColumn<bool>("transmit");
+    QTest::newRow("below both") << qint64(132'999'990) << false << false;
+    QTest::newRow("transmit edge only") << qint64(133'000'000) << false << true;
+    QTest::newRow("receive lower edge") << qint64(136'000'000) << true << true;
+    QTest::newRow("upper edge of band 1") << qint64(174'000'000) << true << true;
+    QTest::newRow("just above band 1") << qint64(174'000'010) << false << false;
+    QTest::newRow("band 2") << qint64(446'006'250) << true << true;
+    QTest::newRow("above band 2") << qint64(490'000'001) << false << false;
+}
+
+void TestImage::inBands()
+{
+    QFETCH(qint64, hz);
+    QFETCH(bool, receive);
+    QFETCH(bool, transmit);
+    QCOMPARE(inReceiveBands(hz, DefaultBandLimits), receive);
+    QCOMPARE(inTransmitBands(hz, DefaultBandLimits), transmit);
 }
 
 void TestImage::startUpBandLimitsThenFreshImage()
