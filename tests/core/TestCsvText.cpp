@@ -80,8 +80,8 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("bytes"); // "-": no such file
         QTest::addColumn<int>("problem");
         QTest::addColumn<QString>("text");
-        QTest::newRow("byte-order mark dropped") << QByteArray("\xEF\xBB\xBF" "a,\xC3\xA9\r\n") << int(csv::File::Problem::None)
-                                                 << u"a,é\r\n"_s;
+        QTest::newRow("byte-order mark dropped")
+            << QByteArray("\xEF\xBB\xBF" "a,\xC3\xA9\r\n") << int(csv::File::Problem::None) << u"a,é\r\n"_s;
         QTest::newRow("as large as allowed") << QByteArray(csv::MaxFileSize, 'x') << int(csv::File::Problem::None)
                                              << QString(csv::MaxFileSize, u'x');
         QTest::newRow("one byte more") << QByteArray(csv::MaxFileSize + 1, 'x') << int(csv::File::Problem::TooLarge)

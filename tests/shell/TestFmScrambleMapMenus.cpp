@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
+#include <QTableWidget>
 
 #include <optional>
 
@@ -23,7 +24,7 @@ class TestFmScrambleMapMenus : public QObject
 
     void gesture() const
     {
-        QTableWidget *grid = h->window->channelList()->grid();
+        QTableView *grid = h->window->channelList()->grid();
         const QPoint cell = grid->visualRect(grid->model()->index(5, 2)).center();
         QTest::mouseClick(grid->viewport(), Qt::RightButton, Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier,
                           cell);

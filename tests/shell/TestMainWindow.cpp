@@ -61,7 +61,7 @@ private Q_SLOTS:
         QCOMPARE(QList<int>({wr::app().LanguageIndex, wr::app().ModelIndex}), QList<int>({1, 1}));
         QCOMPARE(h->panel(1), u"COM1"_s);
         QCOMPARE(window.windowTitle(), u"WR-PD6T"_s);
-        QCOMPARE(window.channelList()->grid()->rowCount(), 129);
+        QCOMPARE(window.channelList()->grid()->model()->rowCount(), 129);
         QVERIFY(!wr::app().image.IsModified());
         QCOMPARE(wr::app().CurrentFileName, u"Untitled"_s);
         QCOMPARE(h->action(u"mnuRead"_s)->text(), u"从对讲机读取数据(&R)"_s);
@@ -135,8 +135,8 @@ private Q_SLOTS:
         h->open(0).show();
         QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
         h->editRx(3, u"145.5"_s);
-        QTableWidget *grid = h->window->channelList()->grid();
-        grid->setCurrentCell(3, column);
+        QTableView *grid = h->window->channelList()->grid();
+        grid->setCurrentIndex(grid->model()->index(3, column));
         grid->setFocus();
         QTest::keyClick(grid, Qt::Key_Return);
         QWidget *editor = QApplication::focusWidget();
@@ -166,11 +166,11 @@ private Q_SLOTS:
         h->open(0).show();
         QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
         h->editRx(3, u"145.5"_s);
-        QTableWidget *grid = h->window->channelList()->grid();
-        grid->setCurrentCell(3, 1);
+        QTableView *grid = h->window->channelList()->grid();
+        grid->setCurrentIndex(grid->model()->index(3, 1));
         grid->setFocus();
         QTest::keyClick(grid, Qt::Key_C, Qt::ControlModifier);
-        grid->setCurrentCell(9, 1);
+        grid->setCurrentIndex(grid->model()->index(9, 1));
         QTest::keyClick(grid, Qt::Key_V, Qt::ControlModifier);
         QCOMPARE(h->gridRx(9), u"145.50000"_s);
         QTest::keyClick(grid, Qt::Key_Z, Qt::ControlModifier);
@@ -278,8 +278,8 @@ private Q_SLOTS:
             window.RefreshMainWindow();
             auto *tree = window.findChild<QTreeWidget *>(u"Tree0"_s);
             QCOMPARE(faceOf(tree->font(), treeNode(u"Item1"_s)->text(0)), faces.at(language - 1));
-            QTableWidget *grid = window.channelList()->grid();
-            QCOMPARE(faceOf(grid->horizontalHeader()->font(), grid->horizontalHeaderItem(1)->text()),
+            QTableView *grid = window.channelList()->grid();
+            QCOMPARE(faceOf(grid->horizontalHeader()->font(), grid->model()->headerData(1, Qt::Horizontal).toString()),
                      faces.at(language - 1));
         }
     }
@@ -384,7 +384,7 @@ private Q_SLOTS:
         // The form's commit step kept the grid edit, and the grid reloaded it
         // in the new language's words.
         QVERIFY(!wr::app().image.IsModified());
-        QCOMPARE(h->window->channelList()->grid()->item(2, 5)->text(), wr::PowerText(true, expected));
+        QCOMPARE(h->window->channelList()->cellText(2, 5), wr::PowerText(true, expected));
     }
 
     // Two ports, COM1 and COM3.
