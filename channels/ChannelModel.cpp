@@ -66,13 +66,6 @@ void ChannelModel::setTable(ChannelTable table, Language language)
         Q_EMIT headerDataChanged(Qt::Horizontal, 0, ChannelColumnCount - 1);
 }
 
-void ChannelModel::setLanguage(Language language)
-{
-    ChannelTable table = m_table;
-    table.recaption(language);
-    setTable(std::move(table), language);
-}
-
 void ChannelModel::setChannels(const ChannelChanges &changes)
 {
     for (auto it = changes.begin(); it != changes.end(); ++it) {

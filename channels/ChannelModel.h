@@ -41,11 +41,10 @@ public:
     // The text of a cell, as shown; "" outside the table.
     QString cellText(int row, int column) const;
 
-    // A new working copy, its words in `language`. Every cell changes, the
-    // rows stay: a view keeps its current cell and selection.
+    // A new working copy, its words and the captions in `language`. Every
+    // cell changes, the rows stay: a view keeps its current cell and
+    // selection.
     void setTable(ChannelTable table, Language language);
-    // Every word and caption in another language.
-    void setLanguage(Language language);
     void setChannels(const ChannelChanges &changes);
 
 private:

@@ -103,8 +103,6 @@ public:
     // cells, and the same hidden bytes where a channel is in use.
     bool savesAs(const ChannelTable &other) const;
 
-    bool operator==(const ChannelTable &) const = default;
-
 private:
     QList<Channel> m_channels;
 };

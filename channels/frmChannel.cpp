@@ -230,11 +230,6 @@ QTableView *frmChannel::grid() const
     return m_grid;
 }
 
-const ChannelModel *frmChannel::model() const
-{
-    return m_model;
-}
-
 QUndoStack *frmChannel::undoStack() const
 {
     return m_history->stack();

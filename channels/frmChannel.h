@@ -76,7 +76,6 @@ public:
     void commitOpenEditor();
 
     QTableView *grid() const;
-    const ChannelModel *model() const;
     // How many pixels the grid's viewport lacks to show every column whole
     // (0 when they all fit).
     int gridWidthLacking() const;

@@ -158,7 +158,9 @@ private Q_SLOTS:
         history.change(Text(u"Edit"), {{5, created}}, {}, {}); // nothing differs: no step
         QCOMPARE(history.stack()->count(), 1);
 
-        model.setLanguage(TraditionalChinese);
+        ChannelTable switched = model.table();
+        switched.recaption(TraditionalChinese);
+        model.setTable(switched, TraditionalChinese);
         QCOMPARE(model.index(5, ColPower).data().toString(), u"高"_s);
         QCOMPARE(model.headerData(ColPower, Qt::Horizontal).toString(), u"發射功率"_s);
         QCOMPARE(model.index(0, ColPower).data().toString(), u"發射功率"_s);
