@@ -2,7 +2,7 @@
 // and imported rows go, and the working copy as a table model with its
 // undo history.
 
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "channels/ChannelHistory.h"
 #include "channels/ChannelModel.h"
@@ -37,13 +37,11 @@ QString receiveOf(QChar label)
 
 } // namespace
 
-class TestChannelTable : public QObject
+class TestChannelTable : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-
     void plans_data()
     {
         QTest::addColumn<QString>("tool");
@@ -139,7 +137,6 @@ private Q_SLOTS:
     // whose steps come back in the new words.
     void modelAndHistory()
     {
-        const test::Fixture fixture;
         MemoryImage &image = app().image;
         image.setRow(ChannelRow(5), QByteArray::fromHex("1450000014500000ffffffff123456ff"));
         ChannelRecord(image, 5).setEmptyBit(true);

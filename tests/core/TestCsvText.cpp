@@ -1,7 +1,7 @@
 // Comma-separated text: records split as spreadsheets write them, fields
 // quoted only where they must be, and whole files read within their cap.
 
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/CsvText.h"
 
@@ -23,13 +23,11 @@ QStringList shown(const QList<csv::Record> &records)
 
 } // namespace
 
-class TestCsvText : public QObject
+class TestCsvText : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-
     void records_data()
     {
         QTest::addColumn<QString>("text");
@@ -94,8 +92,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, bytes);
         QFETCH(int, problem);
         QFETCH(QString, text);
-        const test::Fixture fixture;
-        const QString path = fixture.path(u"list.csv"_s);
+        const QString path = filePath(u"list.csv"_s);
         if (bytes != "-")
             QVERIFY(test::writeFile(path, bytes));
         const csv::File file = csv::readFile(path);
