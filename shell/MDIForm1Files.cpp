@@ -118,12 +118,9 @@ QString MDIForm1::backupFolder() const
 
 MemoryImage MDIForm1::workingImage() const
 {
-    if (!m_channels)
-        return app().image;
-    const MemoryImage image = app().image;
-    m_channels->SaveData();
     MemoryImage working = app().image;
-    app().image = image;
+    if (m_channels)
+        m_channels->saveInto(working);
     return working;
 }
 
