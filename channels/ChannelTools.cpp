@@ -365,8 +365,13 @@ void ChannelTools::importCsv()
     m_host.commitEdit();
     const QString path =
         FileDialog::getOpenFileName(m_grid, titleOf(ImportCaption, language()), QString(), openFilter());
-    if (path.isEmpty())
-        return;
+    if (!path.isEmpty())
+        importCsvFile(path);
+}
+
+void ChannelTools::importCsvFile(const QString &path)
+{
+    m_host.commitEdit();
     const csv::File file = csv::readFile(path);
     if (file.problem == csv::File::Problem::Unreadable) {
         MessageBox::show(m_grid, QMessageBox::Critical, Words::Error.in(language()), file.error);

@@ -57,6 +57,9 @@ public:
     void showMenu(const QPoint &globalPosition);
     // Captions in the model's language.
     void caption();
+    // The CSV import of a file chosen elsewhere (File → Open, a drop, the
+    // command line): its preview, then the import on OK.
+    void importCsvFile(const QString &path);
 
 private:
     void build();

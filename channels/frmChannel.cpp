@@ -235,6 +235,11 @@ QUndoStack *frmChannel::undoStack() const
     return m_history->stack();
 }
 
+void frmChannel::importCsvFile(const QString &path)
+{
+    m_tools->importCsvFile(path);
+}
+
 Language frmChannel::language() const
 {
     return Language(m_state.LanguageIndex);

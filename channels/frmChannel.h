@@ -85,6 +85,10 @@ public:
     // Caption of a grid column in a language.
     static QString headerText(int column, int languageIndex);
 
+    // Imports a channel list in CSV handed to the program's Open: the
+    // import's preview, then the channels on OK, one step of the history.
+    void importCsvFile(const QString &path);
+
     QUndoStack *undoStack() const;
     // The channels the tools work on: the selected rows, else the current row.
     QList<int> selectedChannels() const override;

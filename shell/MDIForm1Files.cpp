@@ -96,7 +96,7 @@ void MDIForm1::fileSaveAs()
 void MDIForm1::importChannelCsv(const QString &path)
 {
     showChannelList();
-    Q_UNUSED(path);
+    m_channels->importCsvFile(path);
 }
 
 void MDIForm1::showBackups()

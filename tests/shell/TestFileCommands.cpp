@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QMimeData>
 #include <QProcess>
+#include <QPushButton>
 #include <QUrl>
 
 #include <csignal>
@@ -49,6 +50,30 @@ class TestFileCommands : public wr::test::ShellSuite
     {
         ShellSuite::setUp();
         h->open(0);
+    }
+
+    // Drags local files over the channel list, which covers most of the
+    // window, and drops them; true when the window took them as a copy, so
+    // that the file stays where it is.
+    bool dropFiles(const QStringList &paths, Qt::KeyboardModifiers keys = Qt::NoModifier) const
+    {
+        QList<QUrl> urls;
+        for (const QString &path : paths)
+            urls << QUrl::fromLocalFile(path);
+        QMimeData data;
+        data.setUrls(urls);
+        QWidget *target = h->window->channelList()->grid()->viewport();
+        const QPoint where = target->rect().center();
+        const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
+        QDragEnterEvent enter(where, actions, &data, Qt::LeftButton, keys);
+        QDragMoveEvent move(where, actions, &data, Qt::LeftButton, keys);
+        QDropEvent drop(where, actions, &data, Qt::LeftButton, keys);
+        bool taken = true;
+        for (QDropEvent *event : {static_cast<QDropEvent *>(&enter), static_cast<QDropEvent *>(&move), &drop}) {
+            QApplication::sendEvent(target, event);
+            taken = taken && event->isAccepted() && event->dropAction() == Qt::CopyAction;
+        }
+        return taken;
     }
 
 private Q_SLOTS:
@@ -246,7 +271,7 @@ private Q_SLOTS:
         QVERIFY2(written.contains(output), qPrintable(written));
     }
 
-    // Files dropped on the channel list, which covers most of the window.
+    // Data files dropped on the window.
     void dropOnWindow_data()
     {
         QTest::addColumn<QStringList>("names");
@@ -270,33 +295,131 @@ private Q_SLOTS:
         QFETCH(int, answer);
         QFETCH(bool, opened);
         const QByteArray otherImage = ShellHarness::imageWithChannels(20, 5);
-        QList<QUrl> urls;
+        QStringList paths;
         for (const QString &name : names) {
             QVERIFY(ShellHarness::writeDataFile(filePath(name), otherImage));
-            urls << QUrl::fromLocalFile(filePath(name));
+            paths << filePath(name);
         }
         h->editRx(1, u"145.5"_s);
-        QMimeData data;
-        data.setUrls(urls);
-        QWidget *target = h->window->channelList()->grid()->viewport();
-        const QPoint where = target->rect().center();
-        const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
-        QDragEnterEvent enter(where, actions, &data, Qt::LeftButton, keys);
-        QDragMoveEvent move(where, actions, &data, Qt::LeftButton, keys);
-        QDropEvent drop(where, actions, &data, Qt::LeftButton, keys);
         if (answer)
             wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
-        for (QDropEvent *event : {static_cast<QDropEvent *>(&enter), static_cast<QDropEvent *>(&move), &drop}) {
-            QApplication::sendEvent(target, event);
-            QCOMPARE(event->isAccepted(), answer != 0);
-            if (answer)
-                QCOMPARE(event->dropAction(), Qt::CopyAction); // the file stays where it is
-        }
+        QCOMPARE(dropFiles(paths, keys), answer != 0);
         if (answer)
             QTRY_COMPARE(ShellHarness::shownBoxes(), QStringList{u"Warning||File has been modified, save it now?"_s});
         QCOMPARE(wr::app().image.bytes() == otherImage, opened);
         QCOMPARE(h->gridRx(20), opened ? u"450.12500"_s : QString());
         QCOMPARE(h->gridRx(1), opened ? QString() : u"145.50000"_s);
+    }
+
+    // A channel list in CSV handed to Open, however it comes, goes to the
+    // channel list's import with its preview; it replaces nothing, so from
+    // outside the program it is not preceded by the modified question. The
+    // Open dialog offers all files besides the data files.
+    void channelListsGoToImport_data()
+    {
+        QTest::addColumn<QString>("how"); // "dialog", "argument" or "drop"
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<bool>("imported");
+        const QByteArray list = "Location,Frequency\r\n3,146.52\r\n";
+        QTest::newRow("dialog: suffix in capitals") << u"dialog"_s << u"list.CSV"_s << list << true;
+        QTest::newRow("dialog: a CSV header under another name") << u"dialog"_s << u"list.txt"_s << list << true;
+        QTest::newRow("argument: quoted header after a byte-order mark")
+            << u"argument"_s << u"list.dat"_s << QByteArray("\xEF\xBB\xBF\"Location\",\"Frequency\"\n3,146.52\n") << true;
+        QTest::newRow("drop") << u"drop"_s << u"list.csv"_s << list << true;
+        QTest::newRow("argument: columns separated otherwise")
+            << u"argument"_s << u"list.txt"_s << QByteArray("Location;Frequency\r\n3;146.52\r\n") << false;
+    }
+
+    void channelListsGoToImport()
+    {
+        QFETCH(QString, how);
+        QFETCH(QString, name);
+        QFETCH(QByteArray, content);
+        QFETCH(bool, imported);
+        const QString path = filePath(name);
+        QVERIFY(wr::test::writeFile(path, content));
+        h->editRx(1, u"145.5"_s);
+        QString preview;
+        if (imported) {
+            ShellHarness::whenModal([&preview](QDialog *form) {
+                preview = form->objectName();
+                QTest::mouseClick(form->findChild<QPushButton *>(u"cmdOK"_s), Qt::LeftButton);
+            });
+        }
+        // The modified question, where Open asks it.
+        if (how == u"dialog" || !imported)
+            wr::MessageBox::setNextAnswer(QMessageBox::No);
+        if (how == u"dialog") {
+            wr::FileDialog::setNextFileName(path);
+            h->trigger(u"mnuFile_Open"_s);
+            QCOMPARE(wr::FileDialog::lastFilter(), u"tw Files (*.tw);;All files (*)"_s);
+        } else if (how == u"drop") {
+            QVERIFY(dropFiles({path}));
+        } else {
+            h->window->openFile(path);
+        }
+
+        QTRY_COMPARE(preview, imported ? u"CsvImportPreview"_s : QString());
+        QStringList shown = ShellHarness::shownBoxes();
+        if (how == u"dialog" || !imported)
+            QCOMPARE(shown.takeFirst(), u"Warning||File has been modified, save it now?"_s);
+        QCOMPARE(shown, imported ? QStringList()
+                                 : QStringList{u"Critical|Error|Incorrect File Type.\nlist.txt: its packing is damaged"_s});
+        // Imported into the list, beside what was typed there; the image
+        // learns it at the next commit step.
+        QCOMPARE(h->gridRx(3), imported ? u"146.52000"_s : QString());
+        QCOMPARE(h->gridRx(1), u"145.50000"_s);
+        QVERIFY(ShellHarness::imageRx(3).isEmpty());
+    }
+
+    // Unsaved changes that New or Open is about to replace are kept as a
+    // backup first, unless the newest backup holds them already; nothing is
+    // kept when they were saved, or when nothing is replaced after all.
+    void replacingKeepsUnsavedChanges_data()
+    {
+        QTest::addColumn<QString>("item");
+        QTest::addColumn<bool>("edited");      // channel 7 typed into the grid
+        QTest::addColumn<int>("answer");       // to New's question or Open's modified question
+        QTest::addColumn<bool>("alreadyKept"); // the newest backup holds the edit
+        QTest::addColumn<QString>("kept");     // the new backup's reason, "" for none
+        const QString newItem = u"mnuFile_New"_s, open = u"mnuFile_Open"_s;
+        QTest::newRow("New: kept before clearing") << newItem << true << int(QMessageBox::Ok) << false << u"before-new"_s;
+        QTest::newRow("New cancelled") << newItem << true << int(QMessageBox::Cancel) << false << QString();
+        QTest::newRow("New without changes") << newItem << false << int(QMessageBox::Ok) << false << QString();
+        QTest::newRow("New, changes kept already") << newItem << true << int(QMessageBox::Ok) << true << QString();
+        QTest::newRow("Open, not saved: kept before opening") << open << true << int(QMessageBox::No) << false
+                                                              << u"before-open"_s;
+        QTest::newRow("Open, saved first") << open << true << int(QMessageBox::Yes) << false << QString();
+    }
+
+    void replacingKeepsUnsavedChanges()
+    {
+        QFETCH(QString, item);
+        QFETCH(bool, edited);
+        QFETCH(int, answer);
+        QFETCH(bool, alreadyKept);
+        QFETCH(QString, kept);
+        const QString other = filePath(u"other.tw"_s);
+        QVERIFY(ShellHarness::writeDataFile(other, ShellHarness::imageWithChannels(20, 5)));
+        if (edited)
+            h->editRx(7, u"145.5"_s);
+        if (alreadyKept)
+            wr::Backups::keep(h->backupFolder(), h->window->workingImage(), wr::BackupReason::Read,
+                              QDateTime::currentDateTime().addSecs(-60));
+        wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
+        if (answer == QMessageBox::Yes)
+            wr::FileDialog::setNextFileName(filePath(u"saved.tw"_s));
+        wr::FileDialog::setNextFileName(other);
+        h->trigger(item);
+
+        const QList<wr::Backups::Entry> backups = wr::Backups::list(h->backupFolder());
+        QCOMPARE(backups.size(), int(alreadyKept) + int(!kept.isEmpty()));
+        QCOMPARE(h->gridRx(7).isEmpty(), answer != QMessageBox::Cancel);
+        if (kept.isEmpty())
+            return;
+        QCOMPARE(wr::Backups::reasonName(backups.first().reason), kept);
+        QCOMPARE(ShellHarness::rxOf(wr::DataFile::Read(backups.first().path).image, 7), u"145.50000"_s);
     }
 
     // Names typed into the save dialog without a suffix get ".tw"; the file
