@@ -104,23 +104,33 @@ private Q_SLOTS:
     }
 
     // Every completed read is kept as a backup; a data folder that cannot
-    // take one changes nothing about the read.
+    // take one changes nothing about the read. Unsaved changes that the read
+    // replaces are kept before it, and its question says so.
     void readKeepsBackup_data()
     {
         QTest::addColumn<bool>("blocked"); // by a file named "backups"
-        QTest::newRow("backup written") << false;
-        QTest::newRow("backups blocked") << true;
+        QTest::addColumn<bool>("edited");  // channel 7 typed into the grid, not saved
+        QTest::newRow("backup written") << false << false;
+        QTest::newRow("backups blocked") << true << false;
+        QTest::newRow("unsaved changes kept first") << false << true;
+        QTest::newRow("unsaved changes, backups blocked") << true << true;
     }
 
     void readKeepsBackup()
     {
         QFETCH(bool, blocked);
+        QFETCH(bool, edited);
         const QString inRadio = filePath(u"in-radio.tw"_s);
         QVERIFY(ShellHarness::writeDataFile(inRadio, ShellHarness::imageWithChannels(1, 40)));
         if (blocked)
             QVERIFY(QDir().mkpath(h->dataFolder()) && wr::test::writeFile(h->backupFolder(), "in the way"));
         QVERIFY(startRadioAndWindow({u"--image"_s, inRadio}));
-        transfer(u"mnuRead"_s, u"Read data from radio.\nDo you wish to continue?"_s, u"Reading completed!"_s);
+        if (edited)
+            h->editRx(7, u"145.5"_s);
+        QString question = u"Read data from radio.\nDo you wish to continue?"_s;
+        if (edited)
+            question += u"\nThe unsaved changes will be kept as a backup (File → Backups…)."_s;
+        transfer(u"mnuRead"_s, question, u"Reading completed!"_s);
 
         QCOMPARE(wr::MessageBox::history().size(), 2); // the question and "Reading completed!"
         QCOMPARE(h->gridRx(40), u"440.12500"_s);
@@ -130,9 +140,13 @@ private Q_SLOTS:
             QCOMPARE(wr::test::readFile(h->backupFolder()), QByteArray("in the way"));
             return;
         }
-        QCOMPARE(backups.size(), 1);
+        QCOMPARE(backups.size(), edited ? 2 : 1);
         QCOMPARE(backups.first().reason, wr::BackupReason::Read);
         QCOMPARE(wr::DataFile::Read(backups.first().path).image, wr::app().image.bytes());
+        if (edited) {
+            QCOMPARE(backups.last().reason, wr::BackupReason::BeforeRead);
+            QCOMPARE(ShellHarness::rxOf(wr::DataFile::Read(backups.last().path).image, 7), u"145.50000"_s);
+        }
     }
 };
 
