@@ -8,6 +8,7 @@
 #include "channels/ChannelRecord.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
+#include "file/Backups.h"
 #include "link/CloneEngine.h"
 #include "link/PortCatalogue.h"
 #include "link/PortProblem.h"
@@ -16,6 +17,7 @@
 #include "shell/MDIForm1.h"
 #include "ui/MessageBox.h"
 #include "shell/frmAbout.h"
+#include "shell/frmBackups.h"
 #include "shell/frmComPort.h"
 
 #include "PtyRadio.h"
@@ -134,6 +136,28 @@ void savePortBoxes(QWidget *window, int language, const QString &folder, const Q
             QMessageBox::Retry | QMessageBox::Cancel, folder, QStringLiteral("port-no-answer-") + tag);
 }
 
+// The backups dialog with one backup of each kind, a day of work apart,
+// and once before there are any.
+void saveBackups(QWidget *window, wr::Language language, const QString &folder, const QString &tag)
+{
+    QTemporaryDir backups;
+    wr::frmBackups none(backups.path(), language, window);
+    save(&none, folder, QStringLiteral("backups-none-") + tag);
+    using enum wr::BackupReason;
+    const wr::BackupReason reasons[]{Read, BeforeMemoryMap, BeforeNew, BeforeRead, Read, BeforeOpen, Exit, ExitUnsaved};
+    QDateTime time(QDate(2026, 11, 23), QTime(9, 12, 40));
+    int channels = 16;
+    for (const wr::BackupReason reason : reasons) {
+        wr::Backups::keep(backups.path(), wr::app().image, reason, time);
+        const wr::ChannelTexts texts = wr::ReadChannelTexts(wr::app().image, 1, language);
+        wr::CreateChannel(wr::app().image, channels += 3);
+        wr::SaveChannel(wr::app().image, channels, texts);
+        time = time.addSecs(3 * 3600 + 17 * 60);
+    }
+    wr::frmBackups form(backups.path(), language, window);
+    save(&form, folder, QStringLiteral("backups-") + tag);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -166,6 +190,7 @@ int main(int argc, char *argv[])
         save(&languageForm, folder, QStringLiteral("language-form-") + tag);
         wr::frmAbout about(language, &window);
         save(&about, folder, QStringLiteral("about-box-") + tag);
+        saveBackups(&window, language, folder, tag);
 
         wr::app().LinkDirection = 0;
         auto *clone = new wr::frmclone(&window);
