@@ -394,13 +394,30 @@ void MDIForm1::showChannelList()
         // Bit 0 of the open-forms flags follows the channel list's life.
         app().FormOpenFlags |= AppState::ChannelListOpen;
         connect(form, &QObject::destroyed, this, [] { app().FormOpenFlags &= ~AppState::ChannelListOpen; });
-        // Restored from maximised, the list comes back at its opening size.
         m_channelWindow->resize(frmChannel::OpeningSize);
+        connect(m_channelWindow, &QMdiSubWindow::windowStateChanged, this,
+                [this](Qt::WindowStates before, Qt::WindowStates now) {
+                    if ((before & Qt::WindowMaximized) && !(now & (Qt::WindowMaximized | Qt::WindowMinimized)))
+                        restoreChannelWindow();
+                });
         m_channelWindow->showMaximized();
     }
     m_channelWindow->show();
     m_mdiArea->setActiveSubWindow(m_channelWindow);
     m_channelWindow->raise();
+}
+
+// Restored from maximised, the channel list comes back at the size it opens
+// with, not the few pixels it had before it was first maximised; where the
+// document area is smaller, as large as the area, so that its scroll bar
+// and its right edge stay in sight.
+void MDIForm1::restoreChannelWindow()
+{
+    const QSize room = m_mdiArea->viewport()->size();
+    QRect frame(m_channelWindow->pos(), frmChannel::OpeningSize.boundedTo(room));
+    frame.moveTo(std::clamp(frame.left(), 0, room.width() - frame.width()),
+                 std::clamp(frame.top(), 0, room.height() - frame.height()));
+    m_channelWindow->setGeometry(frame);
 }
 
 // Exit runs the commit step, which takes the snapshot; whether there were

@@ -17,6 +17,7 @@
 #include <QGlyphRun>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QPointer>
@@ -222,15 +223,31 @@ private Q_SLOTS:
     }
 
     // Restored from maximised, the channel list takes the size it opens
-    // with, not the few pixels it was given before it was first maximised.
+    // with, not the few pixels it was given before it was first maximised;
+    // where the document area is smaller, as much of it as there is, so that
+    // the list's scroll bar and right edge stay in sight.
+    void channelListRestoresToOpeningSize_data()
+    {
+        QTest::addColumn<QSize>("window");
+        QTest::addColumn<bool>("fits"); // the opening size fits the document area
+        QTest::newRow("prescribed size: the area is narrower") << QSize(894, 763) << false;
+        QTest::newRow("a larger window") << QSize(1400, 1000) << true;
+    }
+
     void channelListRestoresToOpeningSize()
     {
+        QFETCH(QSize, window);
+        QFETCH(bool, fits);
         h->open().show();
         QVERIFY(QTest::qWaitForWindowExposed(h->window.get()));
+        h->window->resize(window);
         auto *subWindow = qobject_cast<QMdiSubWindow *>(h->window->channelList()->parentWidget());
         QVERIFY(subWindow->isMaximized());
         subWindow->showNormal();
-        QCOMPARE(subWindow->size(), QSize(994, 653)); // 14910 x 9800 twips
+        const QSize opening(994, 653); // 14910 x 9800 twips
+        const QRect area = subWindow->mdiArea()->viewport()->rect();
+        QCOMPARE(subWindow->size(), fits ? opening : opening.boundedTo(area.size()));
+        QVERIFY(area.contains(subWindow->geometry()));
     }
 
     // The window keeps its prescribed size where the screen has room for it
