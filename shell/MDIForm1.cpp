@@ -11,6 +11,7 @@
 #include "features/frmSMB.h"
 #include "link/frmclone.h"
 #include "shell/AppIcon.h"
+#include "shell/EditorTree.h"
 #include "shell/LanguageForm.h"
 #include "shell/QtTranslations.h"
 #include "shell/StatusPanels.h"
@@ -77,7 +78,7 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
     auto *split = new QSplitter(Qt::Horizontal, this);
     split->setObjectName(u"PicClone"_s);
     split->setChildrenCollapsible(false);
-    m_tree = new QTreeWidget(split);
+    m_tree = new EditorTree(split);
     m_tree->setObjectName(u"Tree0"_s);
     m_tree->setHeaderHidden(true);
     // A narrow pane: the channel grid needs the width more than the tree,
@@ -328,6 +329,7 @@ void MDIForm1::buildTree()
     m_tree->expandItem(root);
     m_tree->setCurrentItem(root->child(0));
     connect(m_tree, &QTreeWidget::itemClicked, this, &MDIForm1::Tree0_NodeClick);
+    connect(m_tree, &EditorTree::nodeChosen, this, &MDIForm1::Tree0_NodeClick);
 }
 
 void MDIForm1::captionStep()

@@ -15,12 +15,12 @@ class QAction;
 class QMdiArea;
 class QMdiSubWindow;
 class QToolBar;
-class QTreeWidget;
 class QTreeWidgetItem;
 
 namespace wr {
 
 class MemoryImage;
+class EditorTree;
 class SettingsStore;
 class StatusPanels;
 class frmChannel;
@@ -164,7 +164,7 @@ private:
     QPointer<frmChannel> m_channels;
     QPointer<QMdiSubWindow> m_channelWindow;
     QPointer<frmMemoryMap> m_memoryMap; // open beside this window, at most one
-    QTreeWidget *m_tree = nullptr;
+    EditorTree *m_tree = nullptr;
     QToolBar *m_toolBar = nullptr;
     StatusPanels *m_status = nullptr;
     QList<std::pair<QAction *, Text>> m_captions;       // the menus'

@@ -296,6 +296,53 @@ private Q_SLOTS:
         }
     }
 
+    // Enter and Space on a node of the tree run it as a click does, and the
+    // tree shows whether it has the focus: its current node is highlighted
+    // only while it has.
+    void treeFromTheKeyboard_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("move"); // an arrow key to the node first, 0 for none
+        QTest::addColumn<QString>("opened"); // "" for nothing
+        QTest::newRow("Enter on CH Information") << int(Qt::Key_Return) << 0 << u"frmChannel"_s;
+        QTest::newRow("Space on Optiom Features") << int(Qt::Key_Space) << int(Qt::Key_Down) << u"frmOption"_s;
+        QTest::newRow("Enter on the root") << int(Qt::Key_Enter) << int(Qt::Key_Up) << QString();
+    }
+
+    void treeFromTheKeyboard()
+    {
+        QFETCH(int, key);
+        QFETCH(int, move);
+        QFETCH(QString, opened);
+        h->open(0).show();
+        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
+        h->window->channelList()->parentWidget()->close();
+        QTRY_VERIFY(!h->window->channelList());
+        auto *tree = h->window->findChild<QTreeWidget *>(u"Tree0"_s);
+        const auto marked = [tree] {
+            const QRect node = tree->visualItemRect(tree->currentItem());
+            return tree->viewport()->grab().toImage().pixelColor(2, node.center().y());
+        };
+        const QColor highlight = QApplication::palette().color(QPalette::Highlight);
+        QVERIFY(marked() != highlight);
+        tree->setFocus(Qt::TabFocusReason);
+        QCOMPARE(marked(), highlight);
+
+        if (move)
+            QTest::keyClick(tree, Qt::Key(move));
+        QString shown;
+        if (opened == u"frmOption")
+            ShellHarness::whenModal([&shown](QDialog *form) {
+                shown = form->objectName();
+                form->reject();
+            });
+        QTest::keyClick(tree, Qt::Key(key));
+        if (opened == u"frmChannel")
+            shown = h->window->channelList() ? h->window->channelList()->objectName() : QString();
+        QCOMPARE(shown, opened);
+        QVERIFY(wr::MessageBox::history().isEmpty());
+    }
+
     void channelInfoReopensClosedList()
     {
         h->open();
