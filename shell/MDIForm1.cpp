@@ -175,8 +175,9 @@ void MDIForm1::buildMenus()
          ctrl(Qt::Key_S)},
         {u"mnuFile_SaveAs", {u"Save &As", u"另存为(&A)", u"另存為(&A)"}, ChannelEditAndStep, &MDIForm1::fileSaveAs,
          ctrl(Qt::Key_A)},
-        // The automatic backups, which would otherwise go unnoticed.
-        {u"mnuFile_Backups", {u"&Backups…", u"备份(&B)…", u"備份(&B)…"}, ChannelEdit, &MDIForm1::showBackups},
+        // The automatic backups, which would otherwise go unnoticed. The
+        // Chinese captions have no access key, which would add "(B)".
+        {u"mnuFile_Backups", {u"&Backups…", u"备份…", u"備份…"}, ChannelEdit, &MDIForm1::showBackups},
         separator(u"mnuFile_Bar1", false),
         // Printing does not exist.
         {u"mnuFile_Print", {u"&Print", u"打印(&P)", u"打印(&P)"}, Nothing, nullptr, ctrl(Qt::Key_P), false},
