@@ -39,6 +39,11 @@ constexpr Text LostAdvice{u"The port went away during the transfer: check that t
     u"传输过程中端口已断开：请检查写频线是否仍然插好，然后选择\u201C重试\u201D。",
     u"傳輸過程中端口已斷開：請檢查寫頻線是否仍然插好，然後選擇「重試」。"};
 
+constexpr Text LostAgainAdvice{u"The port went away during the transfer: check that the cable is still plugged in, "
+                               u"then run the command again for this port.",
+    u"传输过程中端口已断开：请检查写频线是否仍然插好，然后对此端口重新运行该命令。",
+    u"傳輸過程中端口已斷開：請檢查寫頻線是否仍然插好，然後對此端口重新執行該命令。"};
+
 constexpr Text ScanText{u"The radio did not answer on %1, so the automatic port search tried %2.",
     u"对讲机在 %1 上没有应答，因此自动端口搜索尝试了 %2。",
     u"對講機在 %1 上沒有應答，因此自動端口搜尋嘗試了 %2。"};
@@ -63,7 +68,7 @@ QString portLabel(int number, const QString &device)
     return device.isEmpty() ? comName(number) : QStringLiteral("%1 (%2)").arg(comName(number), device);
 }
 
-QString describePortProblem(int number, const PortProblem &problem, int language)
+QString describePortProblem(int number, const PortProblem &problem, int language, Wording wording)
 {
     QString text = portLabel(number, problem.device) + QStringLiteral(": ") + problem.systemText;
     switch (problem.kind) {
@@ -75,7 +80,7 @@ QString describePortProblem(int number, const PortProblem &problem, int language
     case PortProblem::Kind::Busy:
         return text + u'\n' + BusyAdvice.in(language);
     case PortProblem::Kind::Lost:
-        return text + u'\n' + LostAdvice.in(language);
+        return text + u'\n' + (wording == Wording::Window ? LostAdvice : LostAgainAdvice).in(language);
     case PortProblem::Kind::Other:
         break;
     }

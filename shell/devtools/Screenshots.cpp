@@ -11,6 +11,7 @@
 #include "link/CloneEngine.h"
 #include "link/PortCatalogue.h"
 #include "link/PortProblem.h"
+#include "link/TransferTexts.h"
 #include "link/frmclone.h"
 #include "shell/LanguageForm.h"
 #include "shell/MDIForm1.h"
@@ -114,23 +115,35 @@ void savePortBoxes(QWidget *window, int language, const QString &folder, const Q
         {"port-permission-", {Kind::NoPermission, usb, QStringLiteral("Permission denied"), QStringLiteral("dialout")}},
         {"port-busy-", {Kind::Busy, usb, QStringLiteral("Permission error while locking the device"), {}}},
     };
+    const auto failed = [](int port, const wr::PortProblem &problem) {
+        wr::TransferOutcome outcome;
+        outcome.kind = wr::TransferOutcome::Kind::PortFailed;
+        outcome.port = port;
+        outcome.chosenPort = 33;
+        outcome.chosenByScan = port != 33;
+        outcome.problem = problem;
+        return outcome;
+    };
     for (const auto &failure : failures)
-        saveBox(window, QMessageBox::Warning, wr::ModelName(), wr::describePortProblem(33, failure.problem, language),
+        saveBox(window, QMessageBox::Warning, wr::ModelName(), wr::outcomeText(failed(33, failure.problem), language),
                 QMessageBox::Ok, folder, QString::fromLatin1(failure.name) + tag);
     const wr::PortProblem scanned{Kind::NoPermission, QStringLiteral("/dev/ttyS0"), QStringLiteral("Permission denied"),
                                   QStringLiteral("dialout")};
-    saveBox(window, QMessageBox::Warning, wr::ModelName(),
-            wr::describePortProblem(1, scanned, language) + u'\n' + wr::scanNote(1, 33, language), QMessageBox::Ok,
-            folder, QStringLiteral("port-search-permission-") + tag);
+    saveBox(window, QMessageBox::Warning, wr::ModelName(), wr::outcomeText(failed(1, scanned), language),
+            QMessageBox::Ok, folder, QStringLiteral("port-search-permission-") + tag);
 
-    const QString title = wr::CloneEngine::lostConnectionTitle(language);
-    const wr::PortProblem lost{Kind::Lost, usb, QStringLiteral("Input/output error"), {}};
-    saveBox(window, QMessageBox::Critical, title,
-            wr::CloneEngine::lostConnectionText(language, wr::describePortProblem(33, lost, language)),
+    const QString title = wr::lostConnectionTitle(language);
+    wr::TransferOutcome lost;
+    lost.kind = wr::TransferOutcome::Kind::PortLost;
+    lost.port = 33;
+    lost.problem = {Kind::Lost, usb, QStringLiteral("Input/output error"), {}};
+    saveBox(window, QMessageBox::Critical, title, wr::lostConnectionText(lost, language),
             QMessageBox::Retry | QMessageBox::Cancel, folder, QStringLiteral("port-lost-") + tag);
-    saveBox(window, QMessageBox::Critical, title,
-            wr::CloneEngine::lostConnectionText(
-                language, wr::portsTriedLine({{33, usb}, {1, QStringLiteral("/dev/ttyS0")}}, language)),
+    wr::TransferOutcome silent;
+    silent.kind = wr::TransferOutcome::Kind::NoAnswer;
+    silent.port = 1;
+    silent.portsTried = {{33, usb}, {1, QStringLiteral("/dev/ttyS0")}};
+    saveBox(window, QMessageBox::Critical, title, wr::lostConnectionText(silent, language),
             QMessageBox::Retry | QMessageBox::Cancel, folder, QStringLiteral("port-no-answer-") + tag);
 }
 

@@ -159,16 +159,19 @@ void TestLinkTools::failedReadKeepsFile_data()
     QTest::addColumn<QString>("port");
     QTest::addColumn<QString>("message"); // on standard error; %1: the radio's device
 
-    QTest::newRow("wrong identification: the ports tried")
+    QTest::newRow("wrong identification: what answered")
         << QStringList{u"--wrong-id"_s} << false << u"COM77"_s
-        << u"Port tried: COM77 (%1)\nCancel (no terminal to answer)\n"
-           "wrpd6t-tool read: no valid answer from the radio on COM77; check the connection\n"_s;
+        << u"Cancel (no terminal to answer)\n"
+           "COM77 (%1): The radio on COM77 answered as \u201CQAWPD7T\u201D (51 41 57 50 44 37 54): this program "
+           "serves the WR-PD6T only.\n  Run the connection test: wrpd6t-tool doctor COM77\n"_s;
     QTest::newRow("port in use") << QStringList{} << true << u"COM77"_s
-                                 << u"wrpd6t-tool read: COM77 (%1): Permission error while locking the device\n"
-                                    "Another program is using the port: close it, then try again.\n"_s;
+                                 << u"COM77 (%1): Permission error while locking the device\n"
+                                    "  Another program is using the port: close it, then try again.\n"
+                                    "  Run the connection test: wrpd6t-tool doctor COM77\n"_s;
     QTest::newRow("no such port") << QStringList{} << false << u"COM78"_s
-                                  << u"wrpd6t-tool read: COM78: No such file or directory\nCheck that the "
-                                     "programming cable is plugged in and that this is the right port.\n"_s;
+                                  << u"COM78: No such file or directory\n  Check that the programming cable is "
+                                     "plugged in and that this is the right port.\n"
+                                     "  Run the connection test: wrpd6t-tool doctor COM78\n"_s;
 }
 
 // A read that fails says why and what to do, and leaves the file it would
@@ -193,40 +196,70 @@ void TestLinkTools::failedReadKeepsFile()
 
 void TestLinkTools::writeSeveral_data()
 {
-    QTest::addColumn<bool>("silentFourth");
+    QTest::addColumn<int>("count");           // radios, COM80 up
+    QTest::addColumn<QStringList>("lastFaults"); // of the radio on the last port
+    QTest::addColumn<bool>("verify");
+    QTest::addColumn<QString>("lastSays");      // its summary after "COM<N> (device): "; %1: the port
 
-    QTest::newRow("four radios") << false;
-    QTest::newRow("one silent radio among four") << true;
+    QTest::newRow("four radios") << 4 << QStringList{} << false << u"Writing completed!\n"_s;
+    QTest::newRow("one silent radio among four")
+        << 4 << QStringList{u"--silent"_s} << false
+        << u"The radio did not answer.\n  Port tried: COM%1 (%2)\n  Run the connection test: wrpd6t-tool doctor COM%1\n"_s;
+    QTest::newRow("one radio, verified") << 1 << QStringList{} << true << u"Writing completed! (verified)\n"_s;
+    QTest::newRow("one radio storing a row wrong, verified")
+        << 1 << QStringList{u"--corrupt-row"_s, u"100"_s} << true
+        << u"Writing completed, but reading it back found other bytes in row 100 (address 0x0640). The radio is "
+           "not as intended: write it again.\n"_s;
+    QTest::newRow("three radios verified, one storing a row wrong")
+        << 3 << QStringList{u"--corrupt-row"_s, u"409"_s} << true
+        << u"Writing completed, but reading it back found other bytes in row 409 (address 0x1990). The radio is "
+           "not as intended: write it again.\n"_s;
 }
 
-// One file into four radios at once, each on its own port. A radio that
-// never answers fails alone, in the words a single write would use, and is
-// not looked for on the other ports; the others are written all the same.
+// One file into radios at once, each on its own port, and with --verify
+// read back. A radio that never answers, or holds other bytes than were
+// written, fails alone, in the words a single write would use, and is not
+// looked for on the other ports; the others are written all the same.
 void TestLinkTools::writeSeveral()
 {
-    QFETCH(bool, silentFourth);
-    QMap<int, QString> devices = startRadios(80, silentFourth ? 3 : 4);
-    if (silentFourth)
-        devices.insert(startRadios(83, 1, {u"--silent"_s}));
-    QCOMPARE(devices.size(), 4);
+    QFETCH(int, count);
+    QFETCH(QStringList, lastFaults);
+    QFETCH(bool, verify);
+    QFETCH(QString, lastSays);
+    const int last = 80 + count - 1;
+    QMap<int, QString> devices = count > 1 ? startRadios(80, count - 1) : QMap<int, QString>{};
+    devices.insert(startRadios(last, 1, lastFaults));
+    QCOMPARE(devices.size(), count);
     MemoryImage toWrite;
     test::fillPattern(toWrite, 12);
     QVERIFY(DataFile::Write(path(u"write.tw"_s), toWrite, nullptr));
 
+    QStringList arguments{u"write"_s};
+    if (verify)
+        arguments.append(u"--verify"_s);
+    arguments.append(path(u"write.tw"_s));
+    for (const int port : devices.keys())
+        arguments.append(u"COM%1"_s.arg(port));
     QString err;
-    QCOMPARE(tool({u"write"_s, path(u"write.tw"_s), u"COM80"_s, u"COM81"_s, u"COM82"_s, u"COM83"_s}, &err),
-             silentFourth ? 1 : 0);
+    const bool lastFails = !lastFaults.isEmpty();
+    QCOMPARE(tool(arguments, &err), lastFails ? 1 : 0);
     for (auto radio = devices.cbegin(); radio != devices.cend(); ++radio) {
         const int port = radio.key();
         const QString label = u"COM%1 (%2): "_s.arg(port).arg(radio.value());
-        const QString saved = u"radio-COM%1.tw"_s.arg(port);
-        if (silentFourth && port == 83) {
-            QVERIFY2(err.contains(label + u"no valid answer from the radio on COM83; check the connection\n"_s),
+        // The last radio runs on its own and saves without its port in the name.
+        const QString saved = port == last ? u"radio.tw"_s : u"radio-COM%1.tw"_s.arg(port);
+        if (port == last) {
+            QVERIFY2(err.contains(label + QString(lastSays).replace(u"%1"_s, QString::number(port))
+                                              .replace(u"%2"_s, radio.value())),
                      qPrintable(err));
-            QVERIFY(!QFileInfo::exists(path(saved)));
-            continue;
+            if (lastFaults.value(0) == u"--silent")
+                QVERIFY(!QFileInfo::exists(path(saved)));
+            if (lastFails)
+                continue;
+        } else {
+            QVERIFY2(err.contains(label + (verify ? u"Writing completed! (verified)\n"_s : u"Writing completed!\n"_s)),
+                     qPrintable(err));
         }
-        QVERIFY2(err.contains(label + u"Writing completed!\n"_s), qPrintable(err));
         QTRY_VERIFY(QFileInfo::exists(path(saved)));
         checkRows(saved, test::transferredRows(false), toWrite, m_radioImage);
     }
