@@ -81,27 +81,29 @@ void ConnectionDoctor::start(int port, int waitMs)
     m_diagnosis.port = port;
     m_waitMs = std::max(waitMs, 0);
     m_clock.start();
-    const QList<PortEntry> catalogue = portCatalogue();
-    if (const std::optional<PortEntry> entry = findPort(catalogue, port)) {
-        examine(*entry);
-        return;
-    }
-    m_diagnosis.present = catalogue;
-    if (m_waitMs == 0) {
-        // The caller hears of it once start() has returned, as of any other end.
+    // The caller hears of the end as of any other: from the event loop,
+    // after start() has returned.
+    m_phase = Phase::Starting;
+    QTimer::singleShot(0, this, [this] {
+        if (m_phase != Phase::Starting)
+            return;
+        const QList<PortEntry> catalogue = portCatalogue();
+        if (const std::optional<PortEntry> entry = findPort(catalogue, m_diagnosis.port)) {
+            examine(*entry);
+            return;
+        }
+        m_diagnosis.present = catalogue;
+        if (m_waitMs == 0) {
+            finish(Diagnosis::Cause::NoDevice);
+            return;
+        }
+        m_namesBefore.clear();
+        for (const PortEntry &entry : catalogue)
+            m_namesBefore.insert(entry.name);
         m_phase = Phase::Waiting;
-        QTimer::singleShot(0, this, [this] {
-            if (m_phase == Phase::Waiting)
-                finish(Diagnosis::Cause::NoDevice);
-        });
-        return;
-    }
-    m_namesBefore.clear();
-    for (const PortEntry &entry : catalogue)
-        m_namesBefore.insert(entry.name);
-    m_phase = Phase::Waiting;
-    m_poll.start(PollMs);
-    Q_EMIT waitingForDevice(port, int(m_waitMs));
+        m_poll.start(PollMs);
+        Q_EMIT waitingForDevice(m_diagnosis.port, int(m_waitMs));
+    });
 }
 
 void ConnectionDoctor::cancel()

@@ -92,7 +92,7 @@ Q_SIGNALS:
     void finished(const wr::Diagnosis &diagnosis);
 
 private:
-    enum class Phase { Idle, Waiting, Opening, Identifying, Ending };
+    enum class Phase { Idle, Starting, Waiting, Opening, Identifying, Ending };
 
     void examine(const PortEntry &entry);
     void poll();
@@ -123,3 +123,5 @@ private:
 };
 
 } // namespace wr
+
+Q_DECLARE_METATYPE(wr::Diagnosis)

@@ -123,6 +123,12 @@ QString comName(int number)
     return QStringLiteral("COM%1").arg(number);
 }
 
+// Between two sentences: a space in English, nothing after a Chinese full stop.
+QString gap(int language)
+{
+    return language == English ? QStringLiteral(" ") : QString();
+}
+
 QString separator(int language)
 {
     return language == English ? QStringLiteral(", ") : QStringLiteral("、");
@@ -191,7 +197,7 @@ QString busyAdvice(const HolderScan &scan, int language)
         return DoCloseHolder.in(language);
     QString advice = DoAskOtherUser.in(language);
     for (const QString &name : scan.running) {
-        advice += u' ' + (name == u"ModemManager" ? DoRuleForModemManager : DoRuleForBrltty)
+        advice += gap(language) + (name == u"ModemManager" ? DoRuleForModemManager : DoRuleForBrltty)
                              .in(language)
                              .arg(ruleReference());
     }
@@ -211,11 +217,11 @@ QString diagnosisDetail(const Diagnosis &d, int language)
         QStringList present;
         for (const PortEntry &entry : d.present)
             present.append(portLabel(entry.number(), entry.devicePath == entry.name ? QString() : entry.devicePath));
-        QString text = FoundNoDevice.in(language).arg(port) + u' '
+        QString text = FoundNoDevice.in(language).arg(port) + gap(language)
             + (present.isEmpty() ? FoundNonePresent.in(language)
                                  : FoundPresent.in(language).arg(present.join(separator(language))));
         if (d.appeared)
-            text += u' ' + FoundAppeared.in(language).arg(portLabel(d.appeared->number(), d.appeared->devicePath));
+            text += gap(language) + FoundAppeared.in(language).arg(portLabel(d.appeared->number(), d.appeared->devicePath));
         return text;
     }
     case Cause::Permission:
@@ -225,7 +231,7 @@ QString diagnosisDetail(const Diagnosis &d, int language)
             return FoundHeld.in(language).arg(d.device, holderNames(d.holders.holders, language));
         QString text = FoundHidden.in(language).arg(d.device);
         for (const QString &name : d.holders.running)
-            text += u' ' + FoundRunning.in(language).arg(name);
+            text += gap(language) + FoundRunning.in(language).arg(name);
         return text;
     }
     case Cause::HeldByModemManager:

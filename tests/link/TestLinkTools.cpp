@@ -5,9 +5,11 @@
 #include "TestSupport.h"
 
 #include "core/MemoryImage.h"
+#include "core/SettingsStore.h"
 #include "file/DataFile.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
@@ -42,6 +44,9 @@ private Q_SLOTS:
     void writeSeveral_data();
     void writeSeveral();
     void readEach();
+    void doctor_data();
+    void doctor();
+    void doctorWaitsForThePort();
 
 private:
     // Starts the virtual radio on COM77; returns its first line ("COM77 /dev/pts/3").
@@ -287,6 +292,75 @@ void TestLinkTools::readEach()
                  qPrintable(err));
         checkRows(u"batch/"_s + name, test::transferredRows(true), m_radioImage, fresh);
     }
+}
+
+void TestLinkTools::doctor_data()
+{
+    QTest::addColumn<QStringList>("faults"); // of the virtual radio on COM77
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("output"); // its first line, or the JSON object; %1: the radio's device
+
+    QTest::newRow("the radio answers, as JSON")
+        << QStringList{} << QStringList{u"COM77"_s, u"--json"_s} << 0
+        << u"{\"port\":\"COM77\",\"device\":\"%1\",\"cause\":\"ok\",\"detail\":\"The radio on COM77 (%1) answered and "
+           "identified itself as a WR-PD6T. Nothing in the radio was changed.\",\"advice\":\"Nothing to do: Read and "
+           "Write can use this port.\"}"_s;
+    QTest::newRow("a cable with no radio, in Simplified Chinese")
+        << QStringList{u"--echo"_s} << QStringList{u"com77"_s, u"--json"_s, u"--language"_s, u"zh-CN"_s} << 1
+        << u"{\"port\":\"COM77\",\"device\":\"%1\",\"cause\":\"echo-only\",\"detail\":\"发送到 COM77 (%1) 的数据原样返回，"
+           "除此之外没有任何应答：写频线已连接，但对讲机没有应答。\",\"advice\":\"请打开对讲机，并将写频线插头用力插到底，"
+           "然后重新测试。\"}"_s;
+    QTest::newRow("the port the program uses, as text")
+        << QStringList{u"--wrong-id"_s} << QStringList{} << 1 << u"COM77 (%1): wrong-radio"_s;
+    QTest::newRow("no such port, no wait off a terminal")
+        << QStringList{} << QStringList{u"COM78"_s} << 1 << u"COM78: no-device"_s;
+    QTest::newRow("port 0") << QStringList{} << QStringList{u"COM0"_s} << 2 << QString();
+    QTest::newRow("unknown language") << QStringList{} << QStringList{u"--language"_s, u"fr"_s} << 2 << QString();
+    QTest::newRow("negative wait") << QStringList{} << QStringList{u"--wait"_s, u"-1"_s} << 2 << QString();
+}
+
+// The connection test from the command line: one cause, its words in the
+// language asked for, as text or one JSON object, and an exit status a
+// script can act on. The port the program saved is the one tested by default.
+void TestLinkTools::doctor()
+{
+    QFETCH(QStringList, faults);
+    QFETCH(QStringList, arguments);
+    QFETCH(int, exitCode);
+    QFETCH(QString, output);
+    const QString device = startRadio(faults).section(u' ', 1);
+    QVERIFY(!device.isEmpty());
+    m_environment.insert(u"XDG_CONFIG_HOME"_s, path(u"config"_s));
+    SettingsStore(path(u"config/wrpd6t/settings.ini"_s))
+        .SetKeyValue(SettingsStore::Root::LocalMachine, SettingsStore::keyPath(), u"gbPort"_s, u"77"_s);
+
+    QString err;
+    QCOMPARE(tool(QStringList{u"doctor"_s} + arguments, &err), exitCode);
+    if (exitCode == 2)
+        return;
+    QVERIFY2(err.startsWith(output.replace(u"%1"_s, device) + u'\n'), qPrintable(err));
+}
+
+// A port that is not there is waited for; the port that comes instead is named.
+void TestLinkTools::doctorWaitsForThePort()
+{
+    QProcess doctor;
+    doctor.setProcessEnvironment(m_environment);
+    QElapsedTimer clock;
+    clock.start();
+    doctor.start(QStringLiteral(WRPD6T_TOOL_PATH), {u"doctor"_s, u"COM79"_s, u"--wait"_s, u"5"_s, u"--json"_s});
+    QVERIFY(doctor.waitForStarted(5000));
+    QTest::qWait(1000);
+    const QString device = startRadio({}).section(u' ', 1); // on COM77
+    QVERIFY(!device.isEmpty());
+    QVERIFY(doctor.waitForFinished(10000));
+    QVERIFY2(clock.elapsed() < 3000, qPrintable(QString::number(clock.elapsed())));
+    QCOMPARE(doctor.exitCode(), 1);
+    const QString said = QString::fromUtf8(doctor.readAllStandardOutput());
+    QVERIFY2(said.contains(u"\"cause\":\"no-device\""_s), qPrintable(said));
+    QVERIFY2(said.contains(u"While the test waited, COM77 (%1) appeared."_s.arg(device)), qPrintable(said));
+    QVERIFY2(said.contains(u"choose COM77 and run the test again"_s), qPrintable(said));
 }
 
 QTEST_GUILESS_MAIN(TestLinkTools)

@@ -15,7 +15,7 @@
 
 #include <QEventLoop>
 #include <QJsonDocument>
-#include <QJsonObject>
+#include <QJsonArray>
 
 #include <optional>
 #include <unistd.h>
@@ -126,14 +126,21 @@ int doctor(const QStringList &arguments)
     const QString detail = diagnosisDetail(diagnosis, lang);
     const QString advice = diagnosisAdvice(diagnosis, lang);
     if (line.parser().isSet(json)) {
-        const QJsonObject object{
+        // In the order a reader looks at them; QJsonObject would sort the keys.
+        const QList<std::pair<QString, QJsonValue>> fields{
             {QStringLiteral("port"), portName},
             {QStringLiteral("device"), diagnosis.device.isEmpty() ? QJsonValue() : QJsonValue(diagnosis.device)},
             {QStringLiteral("cause"), causeKey(diagnosis.cause)},
             {QStringLiteral("detail"), detail},
             {QStringLiteral("advice"), advice},
         };
-        out() << QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) << '\n';
+        QStringList members;
+        for (const auto &[key, value] : fields) {
+            // A one-element array is the shortest way to have Qt quote a value.
+            const QByteArray quoted = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+            members.append(u'"' + key + QStringLiteral("\":") + QString::fromUtf8(quoted.sliced(1, quoted.size() - 2)));
+        }
+        out() << u'{' << members.join(u',') << "}\n";
     } else {
         out() << portName << (diagnosis.device.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(diagnosis.device))
               << ": " << causeKey(diagnosis.cause) << '\n'
