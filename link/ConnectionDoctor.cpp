@@ -2,6 +2,8 @@
 
 #include "link/CloneEngine.h"
 
+#include <QSerialPortInfo>
+
 #include <algorithm>
 
 namespace wr {
@@ -160,6 +162,12 @@ void ConnectionDoctor::examine(const PortEntry &entry)
 {
     m_phase = Phase::Opening;
     m_diagnosis.device = entry.devicePath;
+    const QSerialPortInfo info(entry.devicePath);
+    if (info.hasVendorIdentifier() && info.hasProductIdentifier()) {
+        m_diagnosis.usbId = QStringLiteral("%1:%2")
+                                .arg(info.vendorIdentifier(), 4, 16, QLatin1Char('0'))
+                                .arg(info.productIdentifier(), 4, 16, QLatin1Char('0'));
+    }
     DeviceFacts &facts = m_diagnosis.facts;
     facts = inspectDevice(entry.devicePath);
     switch (facts.kind) {

@@ -36,6 +36,7 @@ struct Diagnosis
     Cause cause = Cause::NoAnswer;
     int port = 0;
     QString device;           // the device the port name resolves to; empty when there is none
+    QString usbId;            // the USB vendor and product of the cable's chip ("1a86:7523"); empty when unknown
     qint64 elapsedMs = 0;
     QList<PortEntry> present; // NoDevice: the serial ports there are
     std::optional<PortEntry> appeared; // NoDevice: a port that came while the test waited

@@ -90,10 +90,17 @@ constexpr Text DoRuleForModemManager{u"Install the udev rule %1, which tells Mod
                                      u"alone; then unplug the cable and plug it in again.",
     u"请安装 udev 规则 %1，它会让 ModemManager 不再探测写频线；然后拔下写频线再重新插入。",
     u"請安裝 udev 規則 %1，它會讓 ModemManager 不再探測寫頻線；然後拔下寫頻線再重新插入。"};
-constexpr Text DoRuleForBrltty{u"Install the udev rule %1, or your system's brltty rules that leave such cables to "
-                               u"other programs; then unplug the cable and plug it in again.",
-    u"请安装 udev 规则 %1，或系统中让 brltty 不再接管此类写频线的规则；然后拔下写频线再重新插入。",
-    u"請安裝 udev 規則 %1，或系統中讓 brltty 不再接管此類寫頻線的規則；然後拔下寫頻線再重新插入。"};
+constexpr Text DoSpareBrltty{u"Keep brltty, and stop it claiming this cable: copy its rules file "
+                             u"(/usr/lib/udev/rules.d/*brltty*.rules) to /etc/udev/rules.d/, put a # before the line "
+                             u"of this cable's chip%1, run sudo udevadm control --reload, then unplug the cable and "
+                             u"plug it in again.",
+    u"请保留 brltty，只让它不再接管此写频线：将其规则文件（/usr/lib/udev/rules.d/*brltty*.rules）复制到 "
+    u"/etc/udev/rules.d/，在此写频线芯片%1所在的那一行前加上 #，运行 sudo udevadm control --reload，然后拔下写频线再"
+    u"重新插入。",
+    u"請保留 brltty，只讓它不再接管此寫頻線：將其規則檔（/usr/lib/udev/rules.d/*brltty*.rules）複製到 "
+    u"/etc/udev/rules.d/，在此寫頻線晶片%1所在的那一行前加上 #，執行 sudo udevadm control --reload，然後拔下寫頻線再"
+    u"重新插入。"};
+constexpr Text UsbId{u" (USB id %1)", u"（USB ID %1）", u"（USB ID %1）"};
 constexpr Text DoOtherPort{u"Choose the port of the programming cable instead.", u"请改为选择写频线所在的端口。",
                            u"請改為選擇寫頻線所在的端口。"};
 constexpr Text DoRadioOn{u"Switch the radio on and push the cable's plug firmly into the radio's socket, then run the "
@@ -191,15 +198,20 @@ QString permissionAdvice(const DeviceFacts &facts, int language)
     return DoRuleForGroup.in(language).arg(ruleReference(), user);
 }
 
-QString busyAdvice(const HolderScan &scan, int language)
+QString brlttyAdvice(const Diagnosis &d, int language)
 {
-    if (!scan.holders.isEmpty())
+    return DoSpareBrltty.in(language).arg(d.usbId.isEmpty() ? QString() : UsbId.in(language).arg(d.usbId));
+}
+
+QString busyAdvice(const Diagnosis &d, int language)
+{
+    if (!d.holders.holders.isEmpty())
         return DoCloseHolder.in(language);
     QString advice = DoAskOtherUser.in(language);
-    for (const QString &name : scan.running) {
-        advice += gap(language) + (name == u"ModemManager" ? DoRuleForModemManager : DoRuleForBrltty)
-                             .in(language)
-                             .arg(ruleReference());
+    for (const QString &name : d.holders.running) {
+        advice += gap(language)
+            + (name == u"ModemManager" ? DoRuleForModemManager.in(language).arg(ruleReference())
+                                       : brlttyAdvice(d, language));
     }
     return advice;
 }
@@ -264,11 +276,11 @@ QString diagnosisAdvice(const Diagnosis &d, int language)
     case Cause::Permission:
         return permissionAdvice(d.facts, language);
     case Cause::Busy:
-        return busyAdvice(d.holders, language);
+        return busyAdvice(d, language);
     case Cause::HeldByModemManager:
         return DoRuleForModemManager.in(language).arg(ruleReference());
     case Cause::HeldByBrltty:
-        return DoRuleForBrltty.in(language).arg(ruleReference());
+        return brlttyAdvice(d, language);
     case Cause::NotSerial:
         return DoOtherPort.in(language);
     case Cause::EchoOnly:

@@ -18,6 +18,7 @@ installed_files() {
 bin/wrpd6t
 bin/wrpd6t-radio-sim
 bin/wrpd6t-tool
+lib/udev/rules.d/70-wrpd6t-cable.rules
 share/applications/$id.desktop
 share/icons/hicolor/256x256/apps/$id.png
 share/icons/hicolor/48x48/apps/$id.png
