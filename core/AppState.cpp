@@ -76,7 +76,12 @@ void StartUp(AppState &state, const SettingsStore &settings)
 void InitApplicationIdentity()
 {
     QCoreApplication::setApplicationName(QStringLiteral("wrpd6t"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.03"));
+    QCoreApplication::setApplicationVersion(ProgramVersion());
+}
+
+QString ProgramVersion()
+{
+    return QStringLiteral(WRPD6T_VERSION);
 }
 
 void SaveSettings(const AppState &state, SettingsStore &settings)

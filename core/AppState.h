@@ -54,6 +54,9 @@ void StartUp(AppState &state, const SettingsStore &settings);
 // Q*Application.
 void InitApplicationIdentity();
 
+// The program's version as the build names it: the project version in CMake.
+QString ProgramVersion();
+
 // Writes Model, language and gbPort back to the settings store.
 void SaveSettings(const AppState &state, SettingsStore &settings);
 

@@ -96,7 +96,7 @@ private:
 
 } // namespace
 
-frmKey::frmKey(MemoryImage &image, int language, QWidget *parent)
+frmKey::frmKey(MemoryImage &image, Language language, QWidget *parent)
     : FieldDialog(image, language, parent)
 {
     setObjectName(u"frmKey"_s);

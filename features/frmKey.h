@@ -13,7 +13,7 @@ class frmKey : public FieldDialog
     Q_OBJECT
 
 public:
-    frmKey(MemoryImage &image, int language, QWidget *parent = nullptr);
+    frmKey(MemoryImage &image, Language language, QWidget *parent = nullptr);
 };
 
 } // namespace wr

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace wr {
 
-frmOption::frmOption(MemoryImage &image, int language, QWidget *parent)
+frmOption::frmOption(MemoryImage &image, Language language, QWidget *parent)
     : FieldDialog(image, language, parent)
 {
     setObjectName(u"frmOption"_s);

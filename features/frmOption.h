@@ -17,7 +17,7 @@ class frmOption : public FieldDialog
     Q_OBJECT
 
 public:
-    frmOption(MemoryImage &image, int language, QWidget *parent = nullptr);
+    frmOption(MemoryImage &image, Language language, QWidget *parent = nullptr);
 
 private:
     void addHiddenControls();

@@ -46,18 +46,14 @@ bool isAsciiDigit(QChar c)
 
 } // namespace
 
-frmRadio::frmRadio(MemoryImage &image, int language, QWidget *parent)
+frmRadio::frmRadio(MemoryImage &image, Language language, QWidget *parent)
     : FieldDialog(image, language, parent)
     , m_grid(new QTableWidget(RowCount, 2))
     , m_text(new QLineEdit)
-    , m_ok(new QPushButton)
-    , m_cancel(new QPushButton)
 {
     setObjectName(u"frmRadio"_s);
     m_grid->setObjectName(u"MSRadioGrid"_s);
     m_text->setObjectName(u"txtRadio"_s);
-    m_ok->setObjectName(u"CmdOK"_s);
-    m_cancel->setObjectName(u"CmdCannel"_s);
 
     // The "Radio" frame holds the channel frame and the buttons.
     auto *radio = new QGroupBox;
@@ -66,16 +62,15 @@ frmRadio::frmRadio(MemoryImage &image, int language, QWidget *parent)
     channels->setObjectName(u"Frame2"_s);
     auto *channelsLayout = new QVBoxLayout(channels);
     channelsLayout->addWidget(m_grid, 0, Qt::AlignHCenter);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(m_ok);
-    buttons->addWidget(m_cancel);
     auto *radioLayout = new QVBoxLayout(radio);
     radioLayout->addWidget(channels);
-    radioLayout->addLayout(buttons);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(radio);
     layout->setSizeConstraint(QLayout::SetFixedSize);
+    // Made once the grid is in the dialog, the buttons follow it in the Tab order.
+    const ButtonRow buttons = makeButtonRow(u"CmdOK"_s, u"CmdCannel"_s);
+    radioLayout->addLayout(buttons.layout);
+    m_ok = buttons.ok;
 
     prepareEditedGrid(m_grid);
     m_grid->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -89,7 +84,6 @@ frmRadio::frmRadio(MemoryImage &image, int language, QWidget *parent)
 
     Form_Load();
     bindFields(Fields);
-    connectButtons(m_ok, m_cancel);
 }
 
 frmRadio::~frmRadio() = default;

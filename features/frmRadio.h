@@ -27,7 +27,7 @@ public:
     static constexpr int FirstChannelRow = 2;
     static constexpr int FrequencyColumn = 1;
 
-    frmRadio(MemoryImage &image, int language, QWidget *parent = nullptr);
+    frmRadio(MemoryImage &image, Language language, QWidget *parent = nullptr);
     ~frmRadio() override;
 
     // Opens the in-place editor on the grid's current cell.
@@ -53,8 +53,7 @@ private:
 
     QTableWidget *m_grid;          // MSRadioGrid
     QLineEdit *m_text;             // txtRadio
-    QPushButton *m_ok;             // CmdOK
-    QPushButton *m_cancel;         // CmdCannel
+    QPushButton *m_ok = nullptr;   // CmdOK
     std::unique_ptr<CellEditor> m_editor; // goes before the grid and the rules it calls
 };
 

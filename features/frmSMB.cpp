@@ -2,10 +2,8 @@
 
 #include <QGridLayout>
 #include <QGroupBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 #include <iterator>
@@ -29,7 +27,7 @@ constexpr QStringView Frequencies[]{u"3.3K", u"3.2K", u"3.1K", u"3.0K", u"2.9K",
 
 } // namespace
 
-frmSMB::frmSMB(MemoryImage &image, int language, QWidget *parent)
+frmSMB::frmSMB(MemoryImage &image, Language language, QWidget *parent)
     : FieldDialog(image, language, parent)
 {
     setObjectName(u"frmSMB"_s);
@@ -52,20 +50,11 @@ frmSMB::frmSMB(MemoryImage &image, int language, QWidget *parent)
         table->addWidget(label, index, 1);
         table->addWidget(field, index, 2);
     }
-    auto *ok = new QPushButton;
-    ok->setObjectName(u"CmdOK"_s);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(ok);
     frame->setMinimumWidth(180);
-    auto *layout = new QVBoxLayout(this);
-    layout->addWidget(frame);
-    layout->addLayout(buttons);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
-
+    auto *content = new QVBoxLayout;
+    content->addWidget(frame);
+    layOutWithButtons(content, u"CmdOK"_s, {}, 0);
     bindFields(Fields);
-    ok->setDefault(true);
-    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
 }
 
 } // namespace wr

@@ -12,7 +12,7 @@ class frmSMB : public FieldDialog
     Q_OBJECT
 
 public:
-    frmSMB(MemoryImage &image, int language, QWidget *parent = nullptr);
+    frmSMB(MemoryImage &image, Language language, QWidget *parent = nullptr);
 };
 
 } // namespace wr

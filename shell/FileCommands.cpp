@@ -107,20 +107,15 @@ bool FileCommands::saveModifiedFirst()
     return true;
 }
 
-bool FileCommands::FileOpen()
+bool FileCommands::FileOpen(const std::optional<QString> &path)
 {
     if (!saveModifiedFirst())
         return false;
-    const QString path = FileDialog::getOpenFileName(m_parent, text({u"Open", u"打开", u"打開"}), dialogFolder(),
-                                                     DataFileFilter());
-    if (path.isEmpty())
-        return false;
-    return load(path);
-}
-
-bool FileCommands::FileOpen(const QString &path)
-{
-    return saveModifiedFirst() && load(path);
+    if (path)
+        return load(*path);
+    const QString chosen = FileDialog::getOpenFileName(m_parent, text({u"Open", u"打开", u"打開"}), dialogFolder(),
+                                                       DataFileFilter());
+    return !chosen.isEmpty() && load(chosen);
 }
 
 bool FileCommands::load(const QString &path)

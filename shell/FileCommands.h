@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <optional>
+
 class QWidget;
 
 namespace wr {
@@ -26,14 +28,13 @@ public:
     // "All data will be cleared." then a fresh image. True when cleared.
     bool FileNew();
 
-    // Asks to save a modified image first, then loads a chosen ".tw" file into
-    // the image with its snapshot and band limits. True when the image was
-    // replaced. A save that the user cancels or that fails ends the command, so
-    // the unsaved data stays where it is.
-    bool FileOpen();
-    // The same with a file chosen outside the program (on the command line or
-    // dropped on the window): only the file dialog is left out.
-    bool FileOpen(const QString &path);
+    // Asks to save a modified image first, then loads a ".tw" file into the
+    // image with its snapshot and band limits: `path` when the file was chosen
+    // outside the program (on the command line or dropped on the window), else
+    // the one the file dialog picks. True when the image was replaced. A save
+    // that the user cancels or that fails ends the command, so the unsaved data
+    // stays where it is.
+    bool FileOpen(const std::optional<QString> &path = std::nullopt);
 
     // Writes the image to CurrentFileName, asking for a name while it is
     // "Untitled". True when the file was written.

@@ -1,68 +1,56 @@
 #include "shell/LanguageForm.h"
 
-#include "core/Language.h"
 #include "shell/AppIcon.h"
 
 #include <QComboBox>
-#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPushButton>
+
+using namespace Qt::StringLiterals;
 
 namespace wr {
 
-LanguageForm::LanguageForm(int language, QWidget *parent)
-    : QDialog(parent)
-    , m_lblLang(new QLabel(this))
-    , m_cboLang(new QComboBox(this))
-    , m_cmdOK(new QPushButton(this))
-    , m_cmdCancel(new QPushButton(this))
-    , m_chosen(language)
-{
-    setObjectName(QStringLiteral("LanguageForm"));
-    m_lblLang->setObjectName(QStringLiteral("lblLang"));
-    m_cboLang->setObjectName(QStringLiteral("cboLang"));
-    m_cmdOK->setObjectName(QStringLiteral("CmdOK"));
-    m_cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
-    setWindowIcon(AppIcon());
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+namespace {
 
-    setWindowTitle(Text(u"Language File Setup", u"语言设置", u"語言設置").in(language));
-    m_lblLang->setText(Text(u"Language Mode", u"语言模式", u"語言模式").in(language));
-    m_cmdOK->setText(Words::OK.in(language));
-    m_cmdCancel->setText(Words::Cancel.in(language));
-    // The list index is the language index.
-    m_cboLang->addItem(Text(u"English", u"英文", u"英文").in(language));
-    m_cboLang->addItem(Text(u"Simplified Chinese", u"简体中文", u"簡體中文").in(language));
-    m_cboLang->addItem(Text(u"Traditional Chinese", u"繁体中文", u"繁體中文").in(language));
-    m_cboLang->setCurrentIndex(language >= 0 && language < LanguageCount ? language : 0);
+// The list's positions are the languages.
+constexpr Choice Languages[]{
+    {English, {u"English", u"英文", u"英文"}},
+    {SimplifiedChinese, {u"Simplified Chinese", u"简体中文", u"簡體中文"}},
+    {TraditionalChinese, {u"Traditional Chinese", u"繁体中文", u"繁體中文"}},
+};
+constexpr ListField Lists[]{{.control = u"cboLang", .words = Languages}};
+constexpr Caption Captions[]{
+    {u"LanguageForm", {u"Language File Setup", u"语言设置", u"語言設置"}},
+    {u"lblLang", {u"Language Mode", u"语言模式", u"語言模式"}},
+    {u"CmdOK", Words::OK},
+    {u"cmdCancel", Words::Cancel},
+};
+constexpr FieldTable Texts{.captions = Captions, .lists = Lists};
+
+} // namespace
+
+LanguageForm::LanguageForm(Language language, QWidget *parent)
+    : FormDialog(language, parent)
+{
+    setObjectName(u"LanguageForm"_s);
+    setWindowIcon(AppIcon());
+    auto *label = makeControl<QLabel>(u"lblLang"_s);
+    m_cboLang = makeControl<QComboBox>(u"cboLang"_s);
     m_cboLang->setMinimumContentsLength(18);
-    m_lblLang->setBuddy(m_cboLang);
+    label->setBuddy(m_cboLang);
 
     auto *fields = new QHBoxLayout;
-    fields->addWidget(m_lblLang);
+    fields->addWidget(label);
     fields->addWidget(m_cboLang, 1);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(m_cmdOK);
-    buttons->addWidget(m_cmdCancel);
-    auto *layout = new QGridLayout(this);
-    layout->addLayout(fields, 0, 0);
-    layout->setRowMinimumHeight(1, 12);
-    layout->addLayout(buttons, 2, 0);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
-
-    m_cmdOK->setDefault(true);
-    connect(m_cmdOK, &QPushButton::clicked, this, &LanguageForm::CmdOK_Click);
-    connect(m_cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    layOutWithButtons(fields, u"CmdOK"_s, u"cmdCancel"_s, 12);
+    caption(Texts);
+    m_cboLang->setCurrentIndex(language < LanguageCount ? language : English);
 }
 
-void LanguageForm::CmdOK_Click()
+Language LanguageForm::chosenLanguage() const
 {
     const int chosen = m_cboLang->currentIndex();
-    if (chosen >= 0 && chosen < LanguageCount)
-        m_chosen = chosen;
-    accept();
+    return chosen >= 0 && chosen < LanguageCount ? Language(chosen) : language();
 }
 
 } // namespace wr

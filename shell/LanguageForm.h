@@ -1,10 +1,8 @@
 #pragma once
 
-#include <QDialog>
+#include "ui/FormDialog.h"
 
 class QComboBox;
-class QLabel;
-class QPushButton;
 
 namespace wr {
 
@@ -12,23 +10,19 @@ namespace wr {
 // selects it; after OK, chosenLanguage() is the one picked. The main window
 // switches to it and re-captions itself when the form closes, and the
 // settings store keeps the choice at exit.
-class LanguageForm : public QDialog
+class LanguageForm : public FormDialog
 {
     Q_OBJECT
 
 public:
-    explicit LanguageForm(int language, QWidget *parent = nullptr);
+    explicit LanguageForm(Language language, QWidget *parent = nullptr);
 
-    int chosenLanguage() const { return m_chosen; }
+    // The language the list shows; the one the form opened in while it
+    // shows none.
+    Language chosenLanguage() const;
 
 private:
-    void CmdOK_Click();
-
-    QLabel *m_lblLang;
     QComboBox *m_cboLang;
-    QPushButton *m_cmdOK;
-    QPushButton *m_cmdCancel;
-    int m_chosen;
 };
 
 } // namespace wr

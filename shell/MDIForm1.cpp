@@ -14,6 +14,7 @@
 #include "shell/FileCommands.h"
 #include "shell/LanguageForm.h"
 #include "shell/QtTranslations.h"
+#include "shell/StatusPanels.h"
 #include "shell/frmAbout.h"
 #include "shell/frmComPort.h"
 #include "ui/InterfaceFont.h"
@@ -22,13 +23,9 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QDate>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
-#include <QHeaderView>
-#include <QLabel>
-#include <QLocale>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -39,14 +36,10 @@
 #include <QStyle>
 #include <QWindow>
 #include <QSplitter>
-#include <QStatusBar>
-#include <QTime>
 #include <QTimer>
 #include <QToolBar>
-#include <QToolButton>
 #include <QTreeWidget>
 #include <QUrl>
-#include <QVBoxLayout>
 
 #include <span>
 
@@ -66,24 +59,9 @@ constexpr int CommitClearedAddress = 0x0CD0;
 
 constexpr Text ContinueQuestion{u"Do you wish to continue?", u"是否继续？", u"是否繼續？"};
 
-QString versionText()
-{
-    return u"Version 1.03"_s;
-}
-
-QLocale interfaceLocale()
-{
-    switch (app().LanguageIndex) {
-    case SimplifiedChinese:
-        return QLocale(QLocale::Chinese, QLocale::SimplifiedHanScript, QLocale::China);
-    case TraditionalChinese:
-        return QLocale(QLocale::Chinese, QLocale::TraditionalHanScript, QLocale::Taiwan);
-    default:
-        return QLocale(QLocale::English, QLocale::UnitedStates);
-    }
-}
-
-enum Panel { PortPanel, DatePanel, ClockPanel, EmptyPanel, VersionPanel, PanelCount };
+// The values of LinkDirection.
+constexpr quint8 ReadFromRadio = 0;
+constexpr quint8 WriteToRadio = 1;
 
 // The tree node's data holding the QAction a click runs.
 constexpr int CommandRole = Qt::UserRole + 1;
@@ -144,22 +122,16 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
 
     buildMenus();
     buildToolBar();
-    buildStatusBar();
-
-    m_time = new QTimer(this);
-    m_time->setObjectName(u"Time"_s);
-    m_time->setTimerType(Qt::PreciseTimer);
-    m_time->setSingleShot(true);
-    connect(m_time, &QTimer::timeout, this, &MDIForm1::Time_Timer);
+    m_status = new StatusPanels(statusBar());
 
     Form_Load();
 }
 
 MDIForm1::~MDIForm1() = default;
 
-int MDIForm1::language() const
+Language MDIForm1::language() const
 {
-    return app().LanguageIndex;
+    return Language(app().LanguageIndex);
 }
 
 void MDIForm1::Form_Load()
@@ -170,7 +142,6 @@ void MDIForm1::Form_Load()
     resize(StartUpSize);
     buildTree();
     RefreshMainWindow();
-    Time_Timer();
     showChannelList();
 }
 
@@ -349,62 +320,44 @@ void MDIForm1::buildToolBar()
     }
 }
 
-void MDIForm1::buildStatusBar()
-{
-    QStatusBar *bar = statusBar();
-    bar->setObjectName(u"MSBar"_s);
-    bar->setSizeGripEnabled(true);
-    const int widths[PanelCount] = {70, 100, 80, 0, 110};
-    for (int i = 0; i < PanelCount; ++i) {
-        auto *panel = new QLabel(bar);
-        panel->setObjectName(u"MSBar_Panel"_s + QString::number(i + 1));
-        panel->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-        panel->setContentsMargins(4, 0, 4, 0);
-        if (widths[i] > 0)
-            panel->setMinimumWidth(widths[i]);
-        // Permanent widgets stay visible while a menu shows status tips.
-        bar->addPermanentWidget(panel, i == EmptyPanel ? 1 : 0);
-        m_panels.append(panel);
-    }
-}
-
+// The tree of editors as data, like the menus: under the root, which
+// names the model in every language and runs nothing, each node runs a menu
+// command. Keys are the nodes' data under Qt::UserRole.
 void MDIForm1::buildTree()
 {
-    m_tree->clear();
+    struct Node
+    {
+        QStringView key;
+        Text caption;
+        CommandIcon icon;
+        QStringView menuItem;
+    };
+    static constexpr Node Nodes[]{
+        {u"Item1", {u"CH Information", u"信道信息", u"信道信息"}, CommandIcon::ChannelList, u"mnuChannel_Info"},
+        {u"Item2", {u"Optiom Features", u"可选功能", u"可選功能"}, CommandIcon::OptionalFeatures, u"mnuOptiom_Features"},
+    };
     auto *root = new QTreeWidgetItem(m_tree);
     root->setData(0, Qt::UserRole, u"Root"_s);
+    root->setText(0, ModelName());
     root->setIcon(0, AppIcon());
-    // Each child runs a menu command; the root runs none.
-    const auto addNode = [this, root](const QString &key, CommandIcon icon, const QString &menuItem) {
+    for (const Node &entry : Nodes) {
         auto *node = new QTreeWidgetItem(root);
-        node->setData(0, Qt::UserRole, key);
-        node->setData(0, CommandRole, QVariant::fromValue<QObject *>(findChild<QAction *>(menuItem)));
-        node->setIcon(0, CommandIconFor(icon));
-        return node;
-    };
-    QTreeWidgetItem *item1 = addNode(u"Item1"_s, CommandIcon::ChannelList, u"mnuChannel_Info"_s);
-    addNode(u"Item2"_s, CommandIcon::OptionalFeatures, u"mnuOptiom_Features"_s);
+        node->setData(0, Qt::UserRole, entry.key.toString());
+        node->setData(0, CommandRole, QVariant::fromValue<QObject *>(findChild<QAction *>(entry.menuItem.toString())));
+        node->setIcon(0, CommandIconFor(entry.icon));
+        m_nodeCaptions.append({node, entry.caption});
+    }
     m_tree->expandItem(root);
-    m_tree->setCurrentItem(item1);
-    connect(m_tree, &QTreeWidget::itemClicked, this, &MDIForm1::Tree0_NodeClick, Qt::UniqueConnection);
+    m_tree->setCurrentItem(root->child(0));
+    connect(m_tree, &QTreeWidget::itemClicked, this, &MDIForm1::Tree0_NodeClick);
 }
 
 void MDIForm1::captionStep()
 {
     for (const auto &[action, caption] : std::as_const(m_captions))
         action->setText(caption.in(language()));
-
-    constexpr Text item1{u"CH Information", u"信道信息", u"信道信息"};
-    constexpr Text item2{u"Optiom Features", u"可选功能", u"可選功能"};
-    for (QTreeWidgetItemIterator it(m_tree); *it; ++it) {
-        const QString key = (*it)->data(0, Qt::UserRole).toString();
-        if (key == u"Root")
-            (*it)->setText(0, ModelName());
-        else if (key == u"Item1")
-            (*it)->setText(0, item1.in(language()));
-        else if (key == u"Item2")
-            (*it)->setText(0, item2.in(language()));
-    }
+    for (const auto &[node, caption] : std::as_const(m_nodeCaptions))
+        node->setText(0, caption.in(language()));
 }
 
 void MDIForm1::RefreshMainWindow()
@@ -415,8 +368,7 @@ void MDIForm1::RefreshMainWindow()
     if (m_channels)
         m_channels->RefreshChannel();
     showPortPanel();
-    m_panels[VersionPanel]->setText(versionText());
-    m_panels[DatePanel]->setText(interfaceLocale().toString(QDate::currentDate(), QLocale::ShortFormat));
+    m_status->showLanguage(language());
     setWindowTitle(ModelName());
     if (m_shownOnce)
         fitTreePane();
@@ -424,18 +376,7 @@ void MDIForm1::RefreshMainWindow()
 
 void MDIForm1::showPortPanel()
 {
-    m_panels[PortPanel]->setText(u"COM"_s + QString::number(app().PortNumber));
-}
-
-void MDIForm1::Time_Timer()
-{
-    // One tick a second is all the clock needs. Each tick re-arms the timer
-    // for just after the next full second, so the shown seconds never lag or
-    // skip however long the previous tick was delayed.
-    const QTime now = QTime::currentTime();
-    m_panels[ClockPanel]->setText(now.toString(u"hh:mm:ss"_s));
-    m_panels[DatePanel]->setText(interfaceLocale().toString(QDate::currentDate(), QLocale::ShortFormat));
-    m_time->start(1000 - now.msec() + 2);
+    m_status->showPort(app().PortNumber);
 }
 
 void MDIForm1::CommitChannelEdit()
@@ -492,16 +433,13 @@ void MDIForm1::fileNew()
 
 void MDIForm1::fileOpen()
 {
-    // Edits typed into the grid count as modifications: they are moved into
-    // the image before the modified test, so the question can protect them.
-    if (m_channels)
-        m_channels->SaveData();
-    if (FileCommands(this, *m_settings).FileOpen())
-        RefreshMainWindow();
+    openFile();
 }
 
-void MDIForm1::openFile(const QString &path)
+void MDIForm1::openFile(const std::optional<QString> &path)
 {
+    // Edits typed into the grid count as modifications: they are moved into
+    // the image before the modified test, so the question can protect them.
     CommitChannelEdit();
     if (m_channels)
         m_channels->SaveData();
@@ -554,30 +492,26 @@ void MDIForm1::Tree0_NodeClick(QTreeWidgetItem *node)
 
 void MDIForm1::ReadCommand()
 {
-    const QString text = Text(u"Read data from radio.", u"从对讲机读取数据。", u"從對講機讀取數據。").in(language())
-        + u'\n' + ContinueQuestion.in(language());
-    if (MessageBox::show(this, QMessageBox::Question, ModelName(), text, QMessageBox::Ok | QMessageBox::Cancel,
-                         QMessageBox::Ok)
-        != QMessageBox::Ok)
-        return;
-    app().LinkDirection = 0;
-    runTransfer();
+    transfer(ReadFromRadio);
 }
 
 void MDIForm1::WriteCommand()
 {
-    const QString text = Text(u"Write data to radio.", u"向对讲机写入数据。", u"向對講機寫入數據。").in(language())
-        + u'\n' + ContinueQuestion.in(language());
+    transfer(WriteToRadio);
+}
+
+void MDIForm1::transfer(quint8 direction)
+{
+    // What the question names, by LinkDirection.
+    static constexpr Text Transfers[]{{u"Read data from radio.", u"从对讲机读取数据。", u"從對講機讀取數據。"},
+                                      {u"Write data to radio.", u"向对讲机写入数据。", u"向對講機寫入數據。"}};
+    const QString text = Transfers[direction].in(language()) + u'\n' + ContinueQuestion.in(language());
     if (MessageBox::show(this, QMessageBox::Question, ModelName(), text, QMessageBox::Ok | QMessageBox::Cancel,
                          QMessageBox::Ok)
         != QMessageBox::Ok)
         return;
-    app().LinkDirection = 1;
-    runTransfer();
-}
+    app().LinkDirection = direction;
 
-void MDIForm1::runTransfer()
-{
     // The progress form owns the port for the length of one transfer and
     // may release itself when it unloads, hence the guarded pointer.
     QPointer<frmclone> form = new frmclone(this);

@@ -7,14 +7,12 @@
 #include <QPointer>
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 class QAction;
-class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
-class QMenu;
-class QTimer;
 class QToolBar;
 class QTreeWidget;
 class QTreeWidgetItem;
@@ -22,6 +20,7 @@ class QTreeWidgetItem;
 namespace wr {
 
 class SettingsStore;
+class StatusPanels;
 class frmChannel;
 enum class BackupReason;
 class frmMemoryMap;
@@ -54,16 +53,18 @@ public:
     // Grid into the image, address 0x0CD0 cleared, snapshot taken.
     void CommitStep();
 
-    // The confirmations before a transfer; on OK the progress form runs it.
+    // Read and Write: the question before the transfer; on OK the progress
+    // form runs it.
     void ReadCommand();
     void WriteCommand();
 
     // The channel list, or null while it is closed.
     frmChannel *channelList() const;
 
-    // Runs Open with a file chosen outside the program (given on the command
-    // line or dropped on the window): the modified question, then the file.
-    void openFile(const QString &path);
+    // Open: the modified question, then the file: `path` when it was chosen
+    // outside the program (given on the command line or dropped on the
+    // window), else the one the file dialog picks.
+    void openFile(const std::optional<QString> &path = std::nullopt);
 
     // Where the automatic backups go; the application data folder's unless a
     // test gives a folder of its own.
@@ -86,15 +87,13 @@ protected:
 private:
     using Handler = void (MDIForm1::*)();
 
-    int language() const; // the interface language of the application state
+    Language language() const; // the interface language of the application state
     void Form_Load();
     void buildMenus();
     void buildToolBar();
-    void buildStatusBar();
     void buildTree();
     void captionStep();
     void showPortPanel();
-    void Time_Timer();
     void fitToScreen();
     void fitTreePane();
 
@@ -115,7 +114,9 @@ private:
     void choosePort();
     void chooseLanguage();
     void showAbout();
-    void runTransfer();
+    // Asks before a transfer in a direction (LinkDirection's 0 reads, 1
+    // writes), then runs it.
+    void transfer(quint8 direction);
 
     // Entry points of the feature editors (their forms come with them):
     // the optional features command (after the commit step), the hidden
@@ -139,9 +140,9 @@ private:
     QPointer<frmMemoryMap> m_memoryMap; // open beside this window, at most one
     QTreeWidget *m_tree = nullptr;
     QToolBar *m_toolBar = nullptr;
-    QTimer *m_time = nullptr;
-    QList<QLabel *> m_panels; // MSBar panels 1-5
-    QList<std::pair<QAction *, Text>> m_captions;
+    StatusPanels *m_status = nullptr;
+    QList<std::pair<QAction *, Text>> m_captions;       // the menus'
+    QList<std::pair<QTreeWidgetItem *, Text>> m_nodeCaptions; // the tree's
     bool m_shownOnce = false;
     QString m_backupFolder;
 };

@@ -1,21 +1,24 @@
 #include "shell/frmAbout.h"
 
+#include "core/AppState.h"
 #include "core/Language.h"
 #include "shell/AppIcon.h"
 
-#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
-#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
 
 namespace wr {
 
 namespace {
 
-constexpr Text ProductLines{u"WR-PD6T PROGRAM SOFTWARE\nVERSION：VER 1.03\nDATE: 05/25/2018",
-                             u"WR-PD6T 对讲机编程软件\n版本：VER 1.03\n日期：2018年05月25日",
-                             u"WR-PD6T 對講機編程軟件\n版本：VER 1.03\n日期：2018年05月25日"};
+// %1 is the version.
+constexpr Text ProductLines{u"WR-PD6T PROGRAM SOFTWARE\nVERSION：VER %1\nDATE: 05/25/2018",
+                             u"WR-PD6T 对讲机编程软件\n版本：VER %1\n日期：2018年05月25日",
+                             u"WR-PD6T 對講機編程軟件\n版本：VER %1\n日期：2018年05月25日"};
 
 constexpr Text LegalNotice{
     u"This program reads, edits and writes the memory of the WR-PD6T hand-held radio.\n\n"
@@ -33,51 +36,44 @@ constexpr Text LegalNotice{
     "傳輸中斷可能使對講機只得到部分新數據。\n\n"
     "請只設定您的無線電執照所允許的頻率、功率和亞音。在使用地遵守相關規定是使用者的責任。"};
 
+constexpr Caption Captions[]{
+    {u"frmAbout", {u"WR-PD6T RADIO PROGRAMMING SOFTWARE", u"WR-PD6T  对讲机编程软件", u"WR-PD6T  對講機編程軟件 "}},
+    {u"Command1", {u"&OK", u"确定(&O)", u"確定(&O)"}},
+};
+constexpr FieldTable Texts{.captions = Captions};
+
 } // namespace
 
-frmAbout::frmAbout(int language, QWidget *parent)
-    : QDialog(parent)
-    , m_image1(new QLabel(this))
-    , m_label1(new QLabel(this))
-    , m_text1(new QPlainTextEdit(this))
-    , m_command1(new QPushButton(this))
+frmAbout::frmAbout(Language language, QWidget *parent)
+    : FormDialog(language, parent)
 {
-    setObjectName(QStringLiteral("frmAbout"));
-    m_image1->setObjectName(QStringLiteral("Image1"));
-    m_label1->setObjectName(QStringLiteral("Label1"));
-    m_text1->setObjectName(QStringLiteral("Text1"));
-    m_command1->setObjectName(QStringLiteral("Command1"));
+    setObjectName(u"frmAbout"_s);
     setWindowIcon(AppIcon());
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
-
-    setWindowTitle(Text(u"WR-PD6T RADIO PROGRAMMING SOFTWARE", u"WR-PD6T  对讲机编程软件", u"WR-PD6T  對講機編程軟件 ")
-                       .in(language));
-    m_command1->setText(Text(u"&OK", u"确定(&O)", u"確定(&O)").in(language));
-    m_image1->setPixmap(AppIcon().pixmap(64, 64));
-    m_image1->setAlignment(Qt::AlignTop | Qt::AlignHCenter);
-    m_label1->setText(ProductLines.in(language));
-    m_label1->setTextInteractionFlags(Qt::NoTextInteraction);
-    QFont heading = m_label1->font();
+    auto *image1 = makeControl<QLabel>(u"Image1"_s);
+    image1->setPixmap(AppIcon().pixmap(64, 64));
+    image1->setAlignment(Qt::AlignTop | Qt::AlignHCenter);
+    auto *label1 = makeControl<QLabel>(u"Label1"_s);
+    label1->setText(ProductLines.in(language).arg(ProgramVersion()));
+    label1->setTextInteractionFlags(Qt::NoTextInteraction);
+    QFont heading = label1->font();
     heading.setBold(true);
-    m_label1->setFont(heading);
-    m_text1->setPlainText(LegalNotice.in(language));
-    m_text1->setReadOnly(true);
-    m_text1->setMinimumSize(420, 150);
+    label1->setFont(heading);
+    auto *text1 = makeControl<QPlainTextEdit>(u"Text1"_s);
+    text1->setPlainText(LegalNotice.in(language));
+    text1->setReadOnly(true);
+    text1->setMinimumSize(420, 150);
 
     auto *top = new QHBoxLayout;
-    top->addWidget(m_image1);
+    top->addWidget(image1);
     top->addSpacing(12);
-    top->addWidget(m_label1, 1);
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(m_command1);
-    auto *layout = new QGridLayout(this);
-    layout->addLayout(top, 0, 0);
-    layout->addWidget(m_text1, 1, 0);
-    layout->addLayout(buttons, 2, 0);
-
-    m_command1->setDefault(true);
-    connect(m_command1, &QPushButton::clicked, this, &QDialog::accept);
+    top->addWidget(label1, 1);
+    auto *content = new QVBoxLayout;
+    content->addLayout(top);
+    content->addWidget(text1);
+    layOutWithButtons(content, u"Command1"_s, {}, 0);
+    // The notice may be read in a larger window.
+    layout()->setSizeConstraint(QLayout::SetDefaultConstraint);
+    caption(Texts);
 }
 
 } // namespace wr

@@ -17,10 +17,14 @@ int main(int argc, char *argv[])
 
     // The file manager starts the program with the .tw file the user opened.
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Programming software for the WR-PD6T handheld FM radio."));
+    parser.setApplicationDescription(
+        QStringLiteral("Programming software for the WR-PD6T handheld FM radio.\n"
+                       "Reads the radio over its serial programming cable, edits its 128 channels and its "
+                       "settings, writes them back, and keeps copies in .tw data files. The interface speaks "
+                       "English, Simplified Chinese and Traditional Chinese."));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("A .tw data file to open."),
+    parser.addPositionalArgument(QStringLiteral("FILE.tw"), QStringLiteral("A .tw data file to open."),
                                  QStringLiteral("[FILE.tw]"));
     parser.process(application);
     const QStringList files = parser.positionalArguments();

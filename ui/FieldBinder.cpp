@@ -43,10 +43,10 @@ FieldBinder::FieldBinder(QWidget *form, const FieldTable &table)
         m_checks.append(find<QAbstractButton>(check.control, "check box"));
 }
 
-void FieldBinder::caption(int languageIndex)
+void FieldBinder::caption(Language language)
 {
     for (qsizetype i = 0; i < m_captions.size(); ++i) {
-        const QString text = m_table.captions[std::size_t(i)].text.in(languageIndex);
+        const QString text = m_table.captions[std::size_t(i)].text.in(language);
         QWidget *control = m_captions.at(i);
         if (m_table.captions[std::size_t(i)].control == m_form->objectName())
             m_form->setWindowTitle(text);
@@ -61,13 +61,13 @@ void FieldBinder::caption(int languageIndex)
         if (QComboBox *combo = m_lists.at(i)) {
             const int position = combo->currentIndex();
             combo->clear();
-            combo->addItems(m_table.lists[std::size_t(i)].items(languageIndex));
+            combo->addItems(m_table.lists[std::size_t(i)].items(language));
             combo->setCurrentIndex(position);
         }
     }
     for (qsizetype i = 0; i < m_checks.size(); ++i) {
         if (QAbstractButton *check = m_checks.at(i))
-            check->setText(m_table.checks[std::size_t(i)].text.in(languageIndex));
+            check->setText(m_table.checks[std::size_t(i)].text.in(language));
     }
 }
 
@@ -84,19 +84,20 @@ void FieldBinder::load(const MemoryImage &image)
     }
 }
 
-// As storeFields, but a control the form lacks stores nothing.
+// What the controls show goes in through storeFields, the path the field
+// table tests check. A list the form lacks counts as showing no selection,
+// which leaves its field as it is (0 in a rebuilt byte); a check box the
+// form lacks counts as showing its bit as the image holds it.
 void FieldBinder::store(MemoryImage &image) const
 {
-    for (const int address : m_table.rebuiltBytes)
-        image.WriteByte(address, 0);
-    for (qsizetype i = 0; i < m_lists.size(); ++i) {
-        if (const QComboBox *combo = m_lists.at(i))
-            m_table.lists[std::size_t(i)].store(image, combo->currentIndex());
-    }
+    FieldValues values;
+    for (const QComboBox *combo : m_lists)
+        values.positions.append(combo ? combo->currentIndex() : ListField::NoSelection);
     for (qsizetype i = 0; i < m_checks.size(); ++i) {
-        if (const QAbstractButton *check = m_checks.at(i))
-            m_table.checks[std::size_t(i)].store(image, check->isChecked());
+        const QAbstractButton *check = m_checks.at(i);
+        values.checked.append(check ? check->isChecked() : m_table.checks[std::size_t(i)].load(image));
     }
+    storeFields(image, m_table, values);
 }
 
 } // namespace wr

@@ -29,7 +29,7 @@ public:
     QStringList missingControls() const { return m_missing; }
 
     // Captions and list items in a language; a list keeps its position.
-    void caption(int languageIndex);
+    void caption(Language language);
     void load(const MemoryImage &image);
     void store(MemoryImage &image) const;
 

@@ -98,12 +98,12 @@ int shots(const QString &folder)
         useInterfaceFont(language);
         const QString tag = QString::fromLatin1(names[language]);
         MemoryImage image = imageWithFmChannels();
-        frmRadio radio(image, language);
+        frmRadio radio(image, Language(language));
         save(&radio, folder, u"radio-"_s + tag);
         radio.grid()->setCurrentCell(4, frmRadio::FrequencyColumn);
         pressEnter(radio.grid());
         save(&radio, folder, u"radio-editing-"_s + tag);
-        frmSMB scramble(image, language);
+        frmSMB scramble(image, Language(language));
         save(&scramble, folder, u"scramble-"_s + tag);
     }
     useInterfaceFont(English);

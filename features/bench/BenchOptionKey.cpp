@@ -28,7 +28,7 @@ using namespace wr;
 namespace {
 
 template <typename Form>
-void shoot(MemoryImage &image, int language, const QString &path)
+void shoot(MemoryImage &image, Language language, const QString &path)
 {
     Form form(image, language);
     form.show();
@@ -46,8 +46,8 @@ int shots(const QString &folder)
     for (int language = 0; language < LanguageCount; ++language) {
         useInterfaceFont(language);
         const QString tag = QString::fromLatin1(names[language]);
-        shoot<frmOption>(image, language, QStringLiteral("%1/option-%2.png").arg(folder, tag));
-        shoot<frmKey>(image, language, QStringLiteral("%1/key-%2.png").arg(folder, tag));
+        shoot<frmOption>(image, Language(language), QStringLiteral("%1/option-%2.png").arg(folder, tag));
+        shoot<frmKey>(image, Language(language), QStringLiteral("%1/key-%2.png").arg(folder, tag));
     }
     return 0;
 }

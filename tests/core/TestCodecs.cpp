@@ -2,7 +2,7 @@
 #include "core/FrequencyCodec.h"
 #include "core/Language.h"
 #include "core/ToneCodec.h"
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include <QLocale>
 #include <QTest>
@@ -10,15 +10,11 @@
 using namespace wr;
 using namespace Qt::StringLiterals;
 
-class TestCodecs : public QObject
+class TestCodecs : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture = std::make_unique<test::Fixture>(); }
-    void cleanup() { m_fixture.reset(); }
-
     void readFreq_data();
     void readFreq();
     void writeFreq_data();
@@ -37,9 +33,6 @@ private Q_SLOTS:
     void writeTone_data();
     void writeTone();
     void toneTableRoundTrip();
-
-private:
-    std::unique_ptr<test::Fixture> m_fixture;
 };
 
 void TestCodecs::readFreq_data()

@@ -2,7 +2,7 @@
 #include "core/BandLimits.h"
 #include "core/MemoryImage.h"
 #include "core/SettingsStore.h"
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include <QDir>
 #include <QTest>
@@ -11,15 +11,11 @@
 
 using namespace wr;
 
-class TestImage : public QObject
+class TestImage : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture = std::make_unique<test::Fixture>(); }
-    void cleanup() { m_fixture.reset(); }
-
     void freshImageErasedElsewhere();
     void modifiedTracksEveryByte();
     void channelRows_data();
@@ -27,9 +23,6 @@ private Q_SLOTS:
     void bandLimits_data();
     void bandLimits();
     void startUpBandLimitsThenFreshImage();
-
-private:
-    std::unique_ptr<test::Fixture> m_fixture;
 };
 
 namespace {
@@ -136,7 +129,7 @@ void TestImage::bandLimits()
 
 void TestImage::startUpBandLimitsThenFreshImage()
 {
-    SettingsStore settings(m_fixture->path(QStringLiteral("none.ini")));
+    SettingsStore settings(filePath(QStringLiteral("none.ini")));
     AppState state;
     StartUp(state, settings);
     QCOMPARE(state.BandLimits, DefaultBandLimits);

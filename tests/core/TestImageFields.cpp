@@ -3,7 +3,7 @@
 // encodings real forms meet: a level kept with an on bit, a list that can
 // show no selection, two nibbles of one byte offering different subsets, a
 // two-bit mode sharing its byte with check boxes, and bytes rebuilt whole.
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/ImageFields.h"
 
@@ -64,13 +64,11 @@ MemoryImage imageWith(const QByteArray &bytes)
 
 } // namespace
 
-class TestImageFields : public QObject
+class TestImageFields : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-
     void load_data()
     {
         QTest::addColumn<QByteArray>("bytes"); // Base .. Base + 3

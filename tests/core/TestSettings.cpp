@@ -1,6 +1,6 @@
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include <QFile>
 #include <QSettings>
@@ -9,15 +9,11 @@
 using namespace wr;
 using namespace Qt::StringLiterals;
 
-class TestSettings : public QObject
+class TestSettings : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture = std::make_unique<test::Fixture>(); }
-    void cleanup() { m_fixture.reset(); }
-
     void startUpReadsStoredValues_data();
     void startUpReadsStoredValues();
     void writtenValuesReadBack();
@@ -26,8 +22,7 @@ private Q_SLOTS:
     void unreadableOrUnwritableStore();
 
 private:
-    std::unique_ptr<test::Fixture> m_fixture;
-    QString iniFile() const { return m_fixture->path(u"settings.ini"_s); }
+    QString iniFile() const { return filePath(u"settings.ini"_s); }
 };
 
 void TestSettings::startUpReadsStoredValues_data()
@@ -121,7 +116,7 @@ void TestSettings::storedNumberReadsAsDecimal()
 void TestSettings::unreadableOrUnwritableStore()
 {
     // A store whose folder is a regular file can be neither read nor written.
-    const QString blocker = m_fixture->path(u"blocker"_s);
+    const QString blocker = filePath(u"blocker"_s);
     QVERIFY(test::writeFile(blocker, "not a folder"));
     SettingsStore store(blocker + u"/settings.ini"_s);
     QVERIFY(!store.SetKeyValue(SettingsStore::Root::LocalMachine, SettingsStore::keyPath(), u"Model"_s, u"5"_s));

@@ -1,14 +1,12 @@
 // The FM receiver's memory and its typing rule, without a window: what a
 // typed frequency becomes, how the channels load and how they are saved.
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/MemoryImage.h"
 #include "features/FmRadio.h"
 
 #include <QLocale>
 #include <QTest>
-
-#include <optional>
 
 using namespace wr;
 using namespace Qt::StringLiterals;
@@ -38,21 +36,14 @@ void markInUse(MemoryImage &image, int channel)
 
 } // namespace
 
-class TestFmRadio : public QObject
+class TestFmRadio : public test::Suite
 {
     Q_OBJECT
 
-    std::optional<test::Fixture> m_fixture;
+    // A locale a test chose must not reach the next data function.
+    void tearDown() override { QLocale::setDefault(QLocale::c()); }
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture.emplace(); }
-    void cleanup()
-    {
-        m_fixture.reset();
-        QLocale::setDefault(QLocale::c());
-    }
-
     void entered_data()
     {
         QTest::addColumn<QString>("locale");

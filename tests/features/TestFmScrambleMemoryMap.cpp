@@ -1,7 +1,7 @@
 // The FM radio, scramble and memory map forms, driven by keys and clicks:
 // captions in each language, the grid editing rules, and what OK and Cancel
 // leave in the image.
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/AppState.h"
 #include "features/MemoryMapModel.h"
@@ -21,8 +21,6 @@
 #include <QTableView>
 #include <QTableWidget>
 #include <QTest>
-
-#include <optional>
 
 using namespace wr;
 using namespace Qt::StringLiterals;
@@ -69,27 +67,19 @@ QString editorText(const QWidget *form, const QString &name)
 
 } // namespace
 
-class TestFmScrambleMemoryMap : public QObject
+class TestFmScrambleMemoryMap : public test::Suite
 {
     Q_OBJECT
 
-    std::optional<test::Fixture> m_fixture;
     MemoryImage &image() { return app().image; }
-
-private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init()
+    void setUp() override
     {
-        m_fixture.emplace();
         MessageBox::reset();
         MessageBox::setAutoAnswer(true);
     }
-    void cleanup()
-    {
-        MessageBox::reset();
-        m_fixture.reset();
-    }
+    void tearDown() override { MessageBox::reset(); }
 
+private Q_SLOTS:
     void radioShowsTheImage_data()
     {
         QTest::addColumn<int>("language");
@@ -104,7 +94,7 @@ private Q_SLOTS:
     {
         QFETCH(int, language);
         QFETCH(QString, texts);
-        frmRadio form(image(), language);
+        frmRadio form(image(), Language(language));
         QCOMPARE(form.missingControls(), QStringList());
         const QTableWidget *grid = form.grid();
         const QStringList shown{form.windowTitle(),
@@ -184,7 +174,7 @@ private Q_SLOTS:
     {
         QFETCH(int, language);
         QFETCH(QString, texts);
-        frmSMB form(image(), language);
+        frmSMB form(image(), Language(language));
         QStringList shown{form.windowTitle(), child<QGroupBox>(&form, u"Frame2"_s)->title(),
                           child<QPushButton>(&form, u"CmdOK"_s)->text()};
         for (int index = 0; index < 8; ++index) {

@@ -12,22 +12,14 @@
 #include <QGroupBox>
 #include <QPushButton>
 
-#include <optional>
-
 using namespace Qt::StringLiterals;
 using wr::test::ShellHarness;
 
-class TestOptionKeyDialogs : public QObject
+class TestOptionKeyDialogs : public wr::test::ShellSuite
 {
     Q_OBJECT
 
-    std::optional<ShellHarness> h;
-
 private Q_SLOTS:
-    void initTestCase() { wr::test::initTestProcess(); }
-    void init() { h.emplace(); }
-    void cleanup() { h.reset(); }
-
     // The image holds bytes no list can show (side key 0x52, VOX 0x25, key
     // P2 0xC9); OK rewrites them with what the lists show, Cancel keeps
     // them. The user presses Down in one list: squelch 5 becomes 6, P1's

@@ -6,7 +6,7 @@
 // Rows name bytes as "0CEA=52 0CD7=25" on top of a fresh image, and fields
 // as "CobKeyL=No Set; Check10=1" by objectName, lists by their English text
 // ("" for no selection), check boxes by 0 or 1.
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/ImageFields.h"
 #include "features/KeyFields.h"
@@ -107,13 +107,11 @@ void loadAndStore(const FieldTable &table)
 
 } // namespace
 
-class TestOptionKeyFields : public QObject
+class TestOptionKeyFields : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-
     void optionFields_data()
     {
         addColumns();

@@ -1,7 +1,7 @@
 // Automatic backups: names, the exit backup that repeats the newest one, the
 // limit of kept backups, and folders that cannot take a backup.
 
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "file/Backups.h"
 #include "file/DataFile.h"
@@ -9,8 +9,6 @@
 #include <QDir>
 #include <QStandardPaths>
 #include <QTest>
-
-#include <memory>
 
 using namespace wr;
 using namespace Qt::Literals::StringLiterals;
@@ -35,15 +33,11 @@ QStringList fileNames(const QString &folder)
 
 } // namespace
 
-class TestBackups : public QObject
+class TestBackups : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture = std::make_unique<test::Fixture>(); }
-    void cleanup() { m_fixture.reset(); }
-
     void keep_data();
     void keep();
     void namesInOneSecond();
@@ -53,8 +47,7 @@ private Q_SLOTS:
     void defaultFolder();
 
 private:
-    QString folder() const { return m_fixture->path(u"backups"_s); }
-    std::unique_ptr<test::Fixture> m_fixture;
+    QString folder() const { return filePath(u"backups"_s); }
 };
 
 void TestBackups::keep_data()
@@ -163,18 +156,18 @@ void TestBackups::unwritableFolder()
     QFETCH(QString, inTheWay);
     QFETCH(bool, isFolder);
 
-    const QString blocker = m_fixture->path(inTheWay);
+    const QString blocker = filePath(inTheWay);
     if (isFolder)
         QVERIFY(QDir().mkpath(blocker));
     else
         QVERIFY(test::writeFile(blocker, "in the way"));
-    const QStringList before = fileNames(m_fixture->folder());
+    const QStringList before = fileNames(tempFolder());
 
     const Backups::Result result =
-        Backups::keep(m_fixture->path(backupFolder), imageMarked(1), BackupReason::Read, At);
+        Backups::keep(filePath(backupFolder), imageMarked(1), BackupReason::Read, At);
     QCOMPARE(result.status, Backups::Status::Failed);
     QVERIFY(!result.errorString.isEmpty());
-    QCOMPARE(fileNames(m_fixture->folder()), before);
+    QCOMPARE(fileNames(tempFolder()), before);
     if (isFolder)
         QVERIFY(fileNames(blocker).isEmpty());
     else

@@ -1,4 +1,4 @@
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "file/DataFile.h"
 
@@ -7,7 +7,6 @@
 #include <QTest>
 
 #include <algorithm>
-#include <memory>
 
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -66,15 +65,11 @@ MemoryImage freshImage()
 
 Q_DECLARE_METATYPE(Pass)
 
-class TestDataFile : public QObject
+class TestDataFile : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture = std::make_unique<test::Fixture>(); }
-    void cleanup() { m_fixture.reset(); }
-
     void onePass_data();
     void onePass();
     void freshImageFile();
@@ -89,9 +84,6 @@ private Q_SLOTS:
     void garbageNeverCrashes();
     void write_data();
     void write();
-
-private:
-    std::unique_ptr<test::Fixture> m_fixture;
 };
 
 void TestDataFile::onePass_data()
@@ -270,7 +262,7 @@ void TestDataFile::hostileFiles()
     QFETCH(QByteArray, file);
     QFETCH(DF::ReadStatus, status);
     // The same through the file system, where the reading starts.
-    const QString path = m_fixture->path(QStringLiteral("hostile.tw"));
+    const QString path = filePath(QStringLiteral("hostile.tw"));
     QVERIFY(file.isNull() || test::writeFile(path, file));
     const DF::ReadResult read = DF::Read(path);
     QCOMPARE(read.status, status);
@@ -292,7 +284,7 @@ void TestDataFile::notRegularFiles_data()
 void TestDataFile::notRegularFiles()
 {
     QFETCH(QString, kind);
-    QString path = m_fixture->path(kind);
+    QString path = filePath(kind);
     const QByteArray name = QFile::encodeName(path);
     const int socket = kind == u"socket" ? ::socket(AF_UNIX, SOCK_STREAM, 0) : -1;
     if (kind == u"folder") {
@@ -352,9 +344,9 @@ void TestDataFile::write()
 {
     QFETCH(QString, path);
     QFETCH(bool, succeeds);
-    const QString target = QDir::isAbsolutePath(path) ? path : m_fixture->path(path);
-    QVERIFY(test::writeFile(m_fixture->path(QStringLiteral("plain")), repeated(100000, 0x33)));
-    const QDir folder(m_fixture->folder());
+    const QString target = QDir::isAbsolutePath(path) ? path : filePath(path);
+    QVERIFY(test::writeFile(filePath(QStringLiteral("plain")), repeated(100000, 0x33)));
+    const QDir folder(tempFolder());
     const QStringList before = folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     const bool existed = QFile::exists(target);
     const QByteArray previous = test::readFile(target);
@@ -367,7 +359,7 @@ void TestDataFile::write()
     QCOMPARE(QFile::exists(target), existed || succeeds);
     QVERIFY(test::readFile(target) == (succeeds ? *DF::Encode(image) : previous));
     if (!succeeds)
-        QCOMPARE(test::readFile(m_fixture->path(QStringLiteral("plain"))), repeated(100000, 0x33));
+        QCOMPARE(test::readFile(filePath(QStringLiteral("plain"))), repeated(100000, 0x33));
     // Nothing else is left in the folder, nor a staging file where the program runs.
     QCOMPARE(folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), before);
     for (const QString &place : {QCoreApplication::applicationDirPath(), QDir::currentPath()})

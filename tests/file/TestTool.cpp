@@ -1,6 +1,6 @@
 // Runs the built wrpd6t-tool as a separate process, as a user would.
 
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/MemoryImage.h"
 #include "file/Backups.h"
@@ -9,8 +9,6 @@
 #include <QDir>
 #include <QProcess>
 #include <QTest>
-
-#include <memory>
 
 #include <sys/stat.h>
 
@@ -65,15 +63,13 @@ MemoryImage imageWithChannels()
 
 } // namespace
 
-class TestTool : public QObject
+class TestTool : public test::Suite
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init();
-    void cleanup() { m_fixture.reset(); }
+    void setUp() override;
 
+private Q_SLOTS:
     void exitCodes_data();
     void exitCodes();
     void fileCommands();
@@ -83,15 +79,11 @@ private Q_SLOTS:
     void diff();
 
     void fullDisk();
-
-private:
-    std::unique_ptr<test::Fixture> m_fixture;
 };
 
-void TestTool::init()
+void TestTool::setUp()
 {
-    m_fixture = std::make_unique<test::Fixture>();
-    const QString folder = m_fixture->folder();
+    const QString folder = tempFolder();
     QString error;
     QVERIFY(DF::Write(folder + u"/channels.tw"_s, imageWithChannels(), &error));
     QVERIFY(test::writeFile(folder + u"/short.bin"_s, DF::Container(imageWithChannels()).chopped(1)));
@@ -183,7 +175,7 @@ void TestTool::exitCodes()
     QFETCH(QStringList, arguments);
     QFETCH(int, exitCode);
     QFETCH(QString, message);
-    const QString folder = m_fixture->folder();
+    const QString folder = tempFolder();
     const QStringList before = QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
 
     const Run run = runTool(arguments, folder);
@@ -198,7 +190,7 @@ void TestTool::exitCodes()
 
 void TestTool::fileCommands()
 {
-    const QString folder = m_fixture->folder();
+    const QString folder = tempFolder();
     // "new" writes the fresh radio's 165-byte file.
     QCOMPARE(runTool({u"new"_s, u"@/fresh.tw"_s}, folder).exitCode, 0);
     MemoryImage fresh;
@@ -220,7 +212,7 @@ void TestTool::fileCommands()
 
 void TestTool::backups()
 {
-    const QString folder = m_fixture->folder();
+    const QString folder = tempFolder();
     const QString backups = folder + u"/data/wrpd6t/backups"_s;
     MemoryImage fresh;
     fresh.InitImage();
@@ -288,7 +280,7 @@ void TestTool::diff()
     MemoryImage changed = imageWithChannels();
     for (qsizetype i = 0; i + 1 < changes.size(); i += 2)
         changed.WriteByte(changes.at(i), static_cast<std::uint8_t>(changes.at(i + 1)));
-    const QString folder = m_fixture->folder();
+    const QString folder = tempFolder();
     QVERIFY(DF::Write(folder + u"/changed.tw"_s, changed, nullptr));
 
     const Run run = runTool({u"diff"_s, u"-l"_s, QString::number(language), u"@/channels.tw"_s, u"@/changed.tw"_s},
@@ -303,7 +295,7 @@ void TestTool::diff()
 // run sees, where the system allows one.
 void TestTool::fullDisk()
 {
-    const QString folder = m_fixture->folder();
+    const QString folder = tempFolder();
     const QString disk = folder + u"/disk"_s;
     QVERIFY(QDir().mkdir(disk));
     QProcess process;
@@ -323,7 +315,7 @@ void TestTool::fullDisk()
 // they were; the report names each row not taken as it stood.
 void TestTool::csvCommands()
 {
-    const QString folder = m_fixture->folder();
+    const QString folder = tempFolder();
     const Run exported = runTool({u"export-csv"_s, u"@/channels.tw"_s, u"@/list"_s}, folder);
     QCOMPARE(exported.exitCode, 0);
     QCOMPARE(test::readFile(folder + u"/list"_s),

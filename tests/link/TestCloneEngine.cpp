@@ -1,5 +1,5 @@
 #include "LinkTestData.h"
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/AppState.h"
 #include "core/Language.h"
@@ -169,15 +169,11 @@ int addressOf(const QByteArray &frame)
 
 } // namespace
 
-class TestCloneEngine : public QObject
+class TestCloneEngine : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture = std::make_unique<test::Fixture>(); }
-    void cleanup() { m_fixture.reset(); }
-
     void transfer_data();
     void transfer();
     void verification_data();
@@ -187,9 +183,6 @@ private Q_SLOTS:
     void cablePulled();
     void babblingLine();
     void replyWhileRejectedChangesNothing();
-
-private:
-    std::unique_ptr<test::Fixture> m_fixture;
 };
 
 void TestCloneEngine::transfer_data()

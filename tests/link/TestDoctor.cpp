@@ -6,7 +6,7 @@
 
 #include "LinkTestData.h"
 #include "RadioOnPty.h"
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/Language.h"
 #include "link/ConnectionDoctor.h"
@@ -77,29 +77,25 @@ bool startHolder(QProcess &process, const QString &folder, const QString &name, 
 
 Q_DECLARE_METATYPE(Setup)
 
-class TestDoctor : public QObject
+class TestDoctor : public test::Suite
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture = std::make_unique<test::Fixture>(); }
-    void cleanup()
+    void tearDown() override
     {
         if (::geteuid() != ::getuid())
             QVERIFY(::seteuid(::getuid()) == 0);
         m_holder.kill();
         m_holder.waitForFinished(3000);
-        m_fixture.reset();
     }
 
+private Q_SLOTS:
     void diagnose_data();
     void diagnose();
     void permissionAdvice_data();
     void permissionAdvice();
 
 private:
-    std::unique_ptr<test::Fixture> m_fixture;
     QProcess m_holder;
 };
 
@@ -171,7 +167,7 @@ void TestDoctor::diagnose()
     faults.silent = setup == Setup::Silent;
     faults.wrongId = setup == Setup::WrongRadio;
     faults.wrongSpeed = setup == Setup::WrongSpeed;
-    const QString folder = m_fixture->path(u"serial-ports"_s);
+    const QString folder = filePath(u"serial-ports"_s);
     test::RadioOnPty line(folder, faults);
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     test::fillPattern(line.radio.memory(), 2);
@@ -186,7 +182,7 @@ void TestDoctor::diagnose()
     const auto openUpFolders = [&] {
         const auto listable = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadGroup
             | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
-        return QFile::setPermissions(m_fixture->folder(), listable) && QFile::setPermissions(folder, listable);
+        return QFile::setPermissions(tempFolder(), listable) && QFile::setPermissions(folder, listable);
     };
     int port = 200;
     int waitMs = 0;
@@ -222,7 +218,7 @@ void TestDoctor::diagnose()
                              : setup == Setup::HeldByModemManager ? u"ModemManager"_s
                                                                   : u"brltty"_s;
         QVERIFY(openUpFolders());
-        QVERIFY(startHolder(m_holder, m_fixture->folder(), name, device, setup == Setup::HeldUnseen));
+        QVERIFY(startHolder(m_holder, tempFolder(), name, device, setup == Setup::HeldUnseen));
         if (setup == Setup::HeldUnseen) {
             QVERIFY(::chmod(path.constData(), 0666) == 0);
             testAs = SomeoneElse;
@@ -230,7 +226,7 @@ void TestDoctor::diagnose()
         break;
     }
     case Setup::RegularFile:
-        device = m_fixture->path(u"not-a-port"_s);
+        device = filePath(u"not-a-port"_s);
         QVERIFY(test::writeFile(device, "text") && QFile::remove(folder + u"/com200"_s)
                 && QFile::link(device, folder + u"/com200"_s));
         break;

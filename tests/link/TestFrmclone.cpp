@@ -1,6 +1,6 @@
 #include "LinkTestData.h"
 #include "RadioOnPty.h"
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/AppState.h"
 #include "link/TransferTexts.h"
@@ -16,30 +16,21 @@
 using namespace wr;
 using namespace Qt::Literals::StringLiterals;
 
-class TestFrmclone : public QObject
+class TestFrmclone : public test::Suite
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init()
+    void setUp() override
     {
-        m_fixture = std::make_unique<test::Fixture>();
         MessageBox::reset();
         MessageBox::setAutoAnswer(true);
     }
-    void cleanup()
-    {
-        MessageBox::reset();
-        m_fixture.reset();
-    }
+    void tearDown() override { MessageBox::reset(); }
 
+private Q_SLOTS:
     void transfer_data();
     void transfer();
     void cancelWhileRetrying();
-
-private:
-    std::unique_ptr<test::Fixture> m_fixture;
 };
 
 void TestFrmclone::transfer_data()
@@ -82,7 +73,7 @@ void TestFrmclone::transfer()
     QFETCH(QString, message);
     const bool moves = port == 200;
 
-    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s), sim::RadioFaults{.corruptRow = corruptRow}); // COM200
+    test::RadioOnPty line(filePath(u"serial-ports"_s), sim::RadioFaults{.corruptRow = corruptRow}); // COM200
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     test::fillPattern(line.radio.memory(), 9);
     const MemoryImage radioBefore = line.radio.memory();
@@ -139,7 +130,7 @@ void TestFrmclone::transfer()
 // that the form retries, and Cancel ends the transfer with the rows read.
 void TestFrmclone::cancelWhileRetrying()
 {
-    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s), sim::RadioFaults{.hangUpAfterRows = 5});
+    test::RadioOnPty line(filePath(u"serial-ports"_s), sim::RadioFaults{.hangUpAfterRows = 5});
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     test::fillPattern(line.radio.memory(), 1);
     AppState &state = test::transferState(2, true, 200);

@@ -3,7 +3,7 @@
 
 #include "LinkTestData.h"
 #include "RadioOnPty.h"
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/AppState.h"
 #include "core/Language.h"
@@ -47,15 +47,11 @@ struct Recorder
 
 } // namespace
 
-class TestLinkEndToEnd : public QObject
+class TestLinkEndToEnd : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture = std::make_unique<test::Fixture>(); }
-    void cleanup() { m_fixture.reset(); }
-
     void transfer_data();
     void transfer();
     void cablePulled();
@@ -63,9 +59,6 @@ private Q_SLOTS:
     void portErrors();
     void batchWithTroubledPort_data();
     void batchWithTroubledPort();
-
-private:
-    std::unique_ptr<test::Fixture> m_fixture;
 };
 
 void TestLinkEndToEnd::transfer_data()
@@ -98,7 +91,7 @@ void TestLinkEndToEnd::transfer()
     QFETCH(int, rowsMoved);
     const bool completes = rowsMoved >= 187;
 
-    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s), faults, pacing);
+    test::RadioOnPty line(filePath(u"serial-ports"_s), faults, pacing);
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     test::fillPattern(line.radio.memory(), 7);
     const MemoryImage radioBefore = line.radio.memory();
@@ -133,7 +126,7 @@ void TestLinkEndToEnd::transfer()
 // waiting; Retry reopens the port and reports that the device is gone.
 void TestLinkEndToEnd::cablePulled()
 {
-    test::RadioOnPty line(m_fixture->path(u"serial-ports"_s));
+    test::RadioOnPty line(filePath(u"serial-ports"_s));
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     test::fillPattern(line.radio.memory(), 3);
     const QString device = line.devicePath();
@@ -230,7 +223,7 @@ void TestLinkEndToEnd::portErrors()
     QFETCH(PortSetup, setup);
     QFETCH(QString, message);
 
-    const QString folder = m_fixture->path(u"serial-ports"_s);
+    const QString folder = filePath(u"serial-ports"_s);
     test::RadioOnPty line(folder, sim::RadioFaults{.silent = setup == PortSetup::ScanMeetsHeld});
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     sim::VirtualRadio other;
@@ -251,7 +244,7 @@ void TestLinkEndToEnd::portErrors()
         if (::geteuid() == 0) {
             const auto listable = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadGroup
                 | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
-            QVERIFY(QFile::setPermissions(m_fixture->folder(), listable) && QFile::setPermissions(folder, listable));
+            QVERIFY(QFile::setPermissions(tempFolder(), listable) && QFile::setPermissions(folder, listable));
             QVERIFY(::seteuid(65534) == 0);
         } else {
             QVERIFY(QFile::setPermissions(device, {}));
@@ -289,7 +282,7 @@ void TestLinkEndToEnd::batchWithTroubledPort()
 {
     QFETCH(bool, pullCable);
     QFETCH(Kind, ends);
-    const QString folder = m_fixture->path(u"serial-ports"_s);
+    const QString folder = filePath(u"serial-ports"_s);
     test::RadioOnPty first(folder);
     test::RadioOnPty second(folder, {}, false, 201);
     QVERIFY(first.isOpen() && second.isOpen());

@@ -2,7 +2,7 @@
 // user would, with their data folder in a temporary place.
 
 #include "LinkTestData.h"
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/MemoryImage.h"
 #include "core/SettingsStore.h"
@@ -19,14 +19,12 @@
 using namespace wr;
 using namespace Qt::Literals::StringLiterals;
 
-class TestLinkTools : public QObject
+class TestLinkTools : public test::Suite
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init();
-    void cleanup()
+    void setUp() override;
+    void tearDown() override
     {
         m_radio.terminate(); // SIGTERM: the radio removes its link
         m_radio.waitForFinished(5000);
@@ -35,9 +33,9 @@ private Q_SLOTS:
             radios->waitForFinished(5000);
         }
         m_radioSets.clear();
-        m_fixture.reset();
     }
 
+private Q_SLOTS:
     void readAndWrite();
     void failedReadKeepsFile_data();
     void failedReadKeepsFile();
@@ -57,37 +55,34 @@ private:
     QMap<int, QString> startRadios(int com, int count, const QStringList &faults = {});
     // Runs the tool; the exit code, and its error output (then its output) in *err.
     int tool(const QStringList &arguments, QString *err);
-    QString path(const QString &name) const { return m_fixture->path(name); }
     // Each row of the data file `name`: from `moved` where listed, else from `others`.
     void checkRows(const QString &name, const QList<int> &listed, const MemoryImage &moved, const MemoryImage &others)
     {
         MemoryImage image;
-        image.setBytes(DataFile::Read(path(name)).image);
+        image.setBytes(DataFile::Read(filePath(name)).image);
         for (int row = 0; row < MemoryImage::RowCount; ++row)
             QCOMPARE(image.row(row), listed.contains(row) ? moved.row(row) : others.row(row));
     }
 
-    std::unique_ptr<test::Fixture> m_fixture;
     QProcessEnvironment m_environment;
     QProcess m_radio;
     std::vector<std::unique_ptr<QProcess>> m_radioSets;
     MemoryImage m_radioImage;
 };
 
-void TestLinkTools::init()
+void TestLinkTools::setUp()
 {
-    m_fixture = std::make_unique<test::Fixture>();
     m_environment = QProcessEnvironment::systemEnvironment();
-    m_environment.insert(u"XDG_DATA_HOME"_s, path(u"data"_s));
+    m_environment.insert(u"XDG_DATA_HOME"_s, filePath(u"data"_s));
     test::fillPattern(m_radioImage, 11);
-    QVERIFY(DataFile::Write(path(u"start.tw"_s), m_radioImage, nullptr));
+    QVERIFY(DataFile::Write(filePath(u"start.tw"_s), m_radioImage, nullptr));
 }
 
 QString TestLinkTools::startRadio(const QStringList &faults)
 {
     m_radio.setProcessEnvironment(m_environment);
     m_radio.start(QStringLiteral(WRPD6T_SIM_PATH), QStringList{u"--no-pacing"_s, u"--com"_s, u"77"_s, u"--image"_s,
-                                                               path(u"start.tw"_s), u"--save"_s, path(u"radio.tw"_s)}
+                                                               filePath(u"start.tw"_s), u"--save"_s, filePath(u"radio.tw"_s)}
                       + faults);
     if (!m_radio.waitForStarted(5000) || !m_radio.waitForReadyRead(5000))
         return {};
@@ -100,7 +95,7 @@ QMap<int, QString> TestLinkTools::startRadios(int com, int count, const QStringL
     radios.setProcessEnvironment(m_environment);
     radios.start(QStringLiteral(WRPD6T_SIM_PATH),
                  QStringList{u"--no-pacing"_s, u"--com"_s, QString::number(com), u"--count"_s, QString::number(count),
-                             u"--image"_s, path(u"start.tw"_s), u"--save"_s, path(u"radio.tw"_s)}
+                             u"--image"_s, filePath(u"start.tw"_s), u"--save"_s, filePath(u"radio.tw"_s)}
                      + faults);
     QMap<int, QString> devices;
     if (!radios.waitForStarted(5000))
@@ -130,14 +125,14 @@ void TestLinkTools::readAndWrite()
 {
     const QString first = startRadio({});
     QVERIFY2(first.startsWith(u"COM77 /dev/"_s), qPrintable(first));
-    const QString link = path(u"data/wrpd6t/serial-ports/com77"_s);
+    const QString link = filePath(u"data/wrpd6t/serial-ports/com77"_s);
     QCOMPARE(QFileInfo(link).symLinkTarget(), first.section(u' ', 1));
     QString err;
     QCOMPARE(tool({u"ports"_s}, &err), 0);
     QVERIFY2(err.contains(u"COM77"_s), qPrintable(err));
 
     // Read: the radio's rows into a fresh image, saved as a data file.
-    QCOMPARE(tool({u"read"_s, u"COM77"_s, path(u"read.tw"_s)}, &err), 0);
+    QCOMPARE(tool({u"read"_s, u"COM77"_s, filePath(u"read.tw"_s)}, &err), 0);
     QVERIFY2(err.contains(u"Reading completed!"_s), qPrintable(err));
     MemoryImage fresh;
     fresh.InitImage();
@@ -146,10 +141,10 @@ void TestLinkTools::readAndWrite()
     // Write: the file's rows into the radio, which saves its memory after "END".
     MemoryImage toWrite;
     test::fillPattern(toWrite, 12);
-    QVERIFY(DataFile::Write(path(u"write.tw"_s), toWrite, &err));
-    QCOMPARE(tool({u"write"_s, path(u"write.tw"_s), u"com77"_s}, &err), 0);
+    QVERIFY(DataFile::Write(filePath(u"write.tw"_s), toWrite, &err));
+    QCOMPARE(tool({u"write"_s, filePath(u"write.tw"_s), u"com77"_s}, &err), 0);
     QVERIFY2(err.contains(u"Writing completed!"_s), qPrintable(err));
-    QTRY_VERIFY(QFileInfo::exists(path(u"radio.tw"_s)));
+    QTRY_VERIFY(QFileInfo::exists(filePath(u"radio.tw"_s)));
     checkRows(u"radio.tw"_s, test::transferredRows(false), toWrite, m_radioImage);
 
     m_radio.terminate();
@@ -191,12 +186,12 @@ void TestLinkTools::failedReadKeepsFile()
     QVERIFY(!device.isEmpty());
     QSerialPort holder(device);
     QVERIFY(!portHeld || holder.open(QIODevice::ReadWrite));
-    QVERIFY(test::writeFile(path(u"out.tw"_s), "an older file"));
+    QVERIFY(test::writeFile(filePath(u"out.tw"_s), "an older file"));
 
     QString err;
-    QCOMPARE(tool({u"read"_s, port, path(u"out.tw"_s)}, &err), 1);
+    QCOMPARE(tool({u"read"_s, port, filePath(u"out.tw"_s)}, &err), 1);
     QVERIFY2(err.endsWith(message.replace(u"%1"_s, device)), qPrintable(err));
-    QCOMPARE(test::readFile(path(u"out.tw"_s)), QByteArray("an older file"));
+    QCOMPARE(test::readFile(filePath(u"out.tw"_s)), QByteArray("an older file"));
 }
 
 void TestLinkTools::writeSeveral_data()
@@ -237,12 +232,12 @@ void TestLinkTools::writeSeveral()
     QCOMPARE(devices.size(), count);
     MemoryImage toWrite;
     test::fillPattern(toWrite, 12);
-    QVERIFY(DataFile::Write(path(u"write.tw"_s), toWrite, nullptr));
+    QVERIFY(DataFile::Write(filePath(u"write.tw"_s), toWrite, nullptr));
 
     QStringList arguments{u"write"_s};
     if (verify)
         arguments.append(u"--verify"_s);
-    arguments.append(path(u"write.tw"_s));
+    arguments.append(filePath(u"write.tw"_s));
     for (const int port : devices.keys())
         arguments.append(u"COM%1"_s.arg(port));
     QString err;
@@ -258,14 +253,14 @@ void TestLinkTools::writeSeveral()
                                               .replace(u"%2"_s, radio.value())),
                      qPrintable(err));
             if (lastFaults.value(0) == u"--silent")
-                QVERIFY(!QFileInfo::exists(path(saved)));
+                QVERIFY(!QFileInfo::exists(filePath(saved)));
             if (lastFails)
                 continue;
         } else {
             QVERIFY2(err.contains(label + (verify ? u"Writing completed! (verified)\n"_s : u"Writing completed!\n"_s)),
                      qPrintable(err));
         }
-        QTRY_VERIFY(QFileInfo::exists(path(saved)));
+        QTRY_VERIFY(QFileInfo::exists(filePath(saved)));
         checkRows(saved, test::transferredRows(false), toWrite, m_radioImage);
     }
     QVERIFY(!err.contains(u"Trying"_s)); // no port scan
@@ -277,9 +272,9 @@ void TestLinkTools::readEach()
     const QMap<int, QString> devices = startRadios(80, 2);
     QCOMPARE(devices.size(), 2);
     QString err;
-    QCOMPARE(tool({u"read"_s, u"--each"_s, u"COM80"_s, u"COM81"_s, u"--into"_s, path(u"batch"_s)}, &err), 0);
+    QCOMPARE(tool({u"read"_s, u"--each"_s, u"COM80"_s, u"COM81"_s, u"--into"_s, filePath(u"batch"_s)}, &err), 0);
 
-    const QStringList files = QDir(path(u"batch"_s)).entryList(QDir::Files, QDir::Name);
+    const QStringList files = QDir(filePath(u"batch"_s)).entryList(QDir::Files, QDir::Name);
     QCOMPARE(files.size(), 2);
     MemoryImage fresh;
     fresh.InitImage();
@@ -288,7 +283,7 @@ void TestLinkTools::readEach()
         QVERIFY2(QRegularExpression(u"^COM8%1_\\d{4}-\\d\\d-\\d\\d_\\d{6}\\.tw$"_s.arg(i)).match(name).hasMatch(),
                  qPrintable(name));
         QVERIFY2(err.contains(u"COM8%1 (%2): Reading completed! Saved as %3\n"_s.arg(i).arg(devices.value(80 + i),
-                                                                                      path(u"batch/"_s + name))),
+                                                                                      filePath(u"batch/"_s + name))),
                  qPrintable(err));
         checkRows(u"batch/"_s + name, test::transferredRows(true), m_radioImage, fresh);
     }
@@ -331,8 +326,8 @@ void TestLinkTools::doctor()
     QFETCH(QString, output);
     const QString device = startRadio(faults).section(u' ', 1);
     QVERIFY(!device.isEmpty());
-    m_environment.insert(u"XDG_CONFIG_HOME"_s, path(u"config"_s));
-    SettingsStore(path(u"config/wrpd6t/settings.ini"_s))
+    m_environment.insert(u"XDG_CONFIG_HOME"_s, filePath(u"config"_s));
+    SettingsStore(filePath(u"config/wrpd6t/settings.ini"_s))
         .SetKeyValue(SettingsStore::Root::LocalMachine, SettingsStore::keyPath(), u"gbPort"_s, u"77"_s);
 
     QString err;

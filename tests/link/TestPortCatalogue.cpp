@@ -1,4 +1,4 @@
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "link/PortCatalogue.h"
 
@@ -9,21 +9,14 @@
 using namespace wr;
 using namespace Qt::Literals::StringLiterals;
 
-class TestPortCatalogue : public QObject
+class TestPortCatalogue : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture = std::make_unique<test::Fixture>(); }
-    void cleanup() { m_fixture.reset(); }
-
     void catalogue_data();
     void catalogue();
     void portList();
-
-private:
-    std::unique_ptr<test::Fixture> m_fixture;
 };
 
 void TestPortCatalogue::catalogue_data()
@@ -55,14 +48,14 @@ void TestPortCatalogue::catalogue()
     QFETCH(QStringList, links);
     QFETCH(bool, windows);
     QFETCH(QString, expected);
-    const QString folder = m_fixture->path(u"serial-ports"_s);
+    const QString folder = filePath(u"serial-ports"_s);
     QVERIFY(QDir().mkpath(folder));
     // Link targets are plain files here: the catalogue only needs them to exist.
     for (const QString &link : links) {
         const QString name = link.section(u'=', 0, 0);
         QString target = link.section(u'=', 1);
         if (target.isEmpty()) {
-            target = m_fixture->path(u"device-"_s + name);
+            target = filePath(u"device-"_s + name);
             QVERIFY(test::writeFile(target, {}));
             expected.replace(u'@' + name, target);
         }

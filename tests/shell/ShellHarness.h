@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ModalDialog.h"
-#include "TestSupport.h"
+#include "TestSuite.h"
 #include "channels/ChannelRecord.h"
 #include "core/BandLimits.h"
 #include "core/SettingsStore.h"
@@ -24,18 +24,20 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace wr::test {
 
-// A main window on a settings file and a data folder of the test's own, with
-// the message box, file dialog and port list seams reset. Unexpected message
-// boxes answer their default button so a test never hangs on one; history()
-// shows them all the same.
+// A main window on a settings file and a data folder in the test's own
+// folder, with the message box, file dialog and port list seams reset.
+// Unexpected message boxes answer their default button so a test never hangs
+// on one; history() shows them all the same.
 class ShellHarness
 {
 public:
-    ShellHarness()
-        : settings(fixture.path(QStringLiteral("settings.ini")))
+    explicit ShellHarness(const QString &testFolder)
+        : folder(testFolder)
+        , settings(testFolder + QStringLiteral("/settings.ini"))
     {
         MessageBox::reset();
         MessageBox::setAutoAnswer(true);
@@ -68,7 +70,7 @@ public:
         return *window;
     }
     // The automatic backups go to the test's own data folder.
-    QString dataFolder() const { return fixture.path(QStringLiteral("data")); }
+    QString dataFolder() const { return folder + QStringLiteral("/data"); }
     QString backupFolder() const { return dataFolder() + QStringLiteral("/backups"); }
 
     QAction *action(const QString &name) const
@@ -129,9 +131,20 @@ public:
         return writeFile(path, DataFile::Encode(image).value_or(QByteArray()));
     }
 
-    Fixture fixture;
+    QString folder;
     SettingsStore settings;
     std::unique_ptr<MDIForm1> window;
+};
+
+// The base of the main window's suites: a fresh harness `h` for every test
+// function, in its temporary folder.
+class ShellSuite : public Suite
+{
+protected:
+    void setUp() override { h.emplace(tempFolder()); }
+    void tearDown() override { h.reset(); }
+
+    std::optional<ShellHarness> h;
 };
 
 } // namespace wr::test

@@ -10,7 +10,6 @@
 #include <QUrl>
 
 #include <csignal>
-#include <optional>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -40,22 +39,17 @@ QByteArray fileOf(const QByteArray &bytes)
 
 } // namespace
 
-class TestFileCommands : public QObject
+class TestFileCommands : public wr::test::ShellSuite
 {
     Q_OBJECT
 
-private:
-    std::optional<ShellHarness> h;
-
-private Q_SLOTS:
-    void initTestCase() { wr::test::initTestProcess(); }
-    void init()
+    void setUp() override
     {
-        h.emplace();
+        ShellSuite::setUp();
         h->open(0);
     }
-    void cleanup() { h.reset(); }
 
+private Q_SLOTS:
     void openModifiedImage_data()
     {
         QTest::addColumn<int>("answer");       // to "File has been modified, save it now?", 0 = not modified
@@ -73,7 +67,7 @@ private Q_SLOTS:
         QFETCH(int, answer);
         QFETCH(QString, saveName);
         QFETCH(bool, opened);
-        const QString other = h->fixture.path(u"other.tw"_s);
+        const QString other = filePath(u"other.tw"_s);
         const QByteArray otherImage = ShellHarness::imageWithChannels(20, 5);
         QVERIFY(ShellHarness::writeDataFile(other, otherImage));
         const QByteArray otherFile = wr::test::readFile(other);
@@ -82,7 +76,7 @@ private Q_SLOTS:
             wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
         }
         if (saveName != u"-")
-            wr::FileDialog::setNextFileName(saveName.isEmpty() ? QString() : h->fixture.path(saveName));
+            wr::FileDialog::setNextFileName(saveName.isEmpty() ? QString() : filePath(saveName));
         if (opened)
             wr::FileDialog::setNextFileName(other);
         h->trigger(u"mnuFile_Open"_s);
@@ -90,7 +84,7 @@ private Q_SLOTS:
         QCOMPARE(ShellHarness::shownBoxes(), answer ? QStringList{u"Warning||File has been modified, save it now?"_s} : QStringList());
         for (const wr::MessageBox::Shown &box : wr::MessageBox::history())
             QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
-        const QString saved = h->fixture.path(u"saved.tw"_s);
+        const QString saved = filePath(u"saved.tw"_s);
         const bool savedFirst = saveName == u"saved.tw";
         QCOMPARE(QFile::exists(saved), savedFirst);
         QCOMPARE(wr::app().CurrentFileName, savedFirst ? saved : u"Untitled"_s);
@@ -106,7 +100,7 @@ private Q_SLOTS:
         // After Open, Save goes to the file last saved without a dialog and
         // leaves the opened file alone.
         h->editRx(10, u"439.0"_s);
-        const QString sentinel = h->fixture.path(u"sentinel.tw"_s);
+        const QString sentinel = filePath(u"sentinel.tw"_s);
         wr::FileDialog::setNextFileName(sentinel); // a dialog would take it
         h->trigger(u"mnuFile_Save"_s);
         QVERIFY(!QFile::exists(sentinel));
@@ -134,7 +128,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, content);
         QFETCH(QString, title);
-        const QString path = h->fixture.path(u"bad.tw"_s);
+        const QString path = filePath(u"bad.tw"_s);
         if (content.isNull())
             QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
         else
@@ -160,7 +154,7 @@ private Q_SLOTS:
 
     void failedSaveKeepsOldFile()
     {
-        const QString path = h->fixture.path(u"kept.tw"_s);
+        const QString path = filePath(u"kept.tw"_s);
         QVERIFY(ShellHarness::writeDataFile(path, ShellHarness::imageWithChannels(1, 128)));
         const QByteArray oldFile = wr::test::readFile(path);
         // Save As over the old file with different data, with writes limited
@@ -200,7 +194,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, content);
         QFETCH(QString, shown);
-        const QString path = h->fixture.path(u"customer.tw"_s);
+        const QString path = filePath(u"customer.tw"_s);
         if (!content.isNull())
             QVERIFY(wr::test::writeFile(path, content));
         wr::app().BandLimits[0] = 140;
@@ -265,8 +259,8 @@ private Q_SLOTS:
         const QByteArray otherImage = ShellHarness::imageWithChannels(20, 5);
         QList<QUrl> urls;
         for (const QString &name : names) {
-            QVERIFY(ShellHarness::writeDataFile(h->fixture.path(name), otherImage));
-            urls << QUrl::fromLocalFile(h->fixture.path(name));
+            QVERIFY(ShellHarness::writeDataFile(filePath(name), otherImage));
+            urls << QUrl::fromLocalFile(filePath(name));
         }
         h->editRx(1, u"145.5"_s);
         QMimeData data;
@@ -318,9 +312,9 @@ private Q_SLOTS:
         QFETCH(QList<int>, answers);
         QFETCH(QString, written);
         if (!existing.isEmpty())
-            QVERIFY(wr::test::writeFile(h->fixture.path(existing), "theirs"));
+            QVERIFY(wr::test::writeFile(filePath(existing), "theirs"));
         for (const QString &name : typed)
-            wr::FileDialog::setNextFileName(name.isEmpty() ? QString() : h->fixture.path(name));
+            wr::FileDialog::setNextFileName(name.isEmpty() ? QString() : filePath(name));
         for (int answer : answers)
             wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
         h->editRx(7, u"439.5"_s);
@@ -333,28 +327,28 @@ private Q_SLOTS:
         // A dialog that comes back starts from the name that was refused.
         QStringList proposed{u"Untitled.tw"_s};
         if (typed.size() > 1)
-            proposed << h->fixture.path(existing);
+            proposed << filePath(existing);
         QCOMPARE(wr::FileDialog::history(), proposed);
-        QCOMPARE(wr::app().CurrentFileName, written.isEmpty() ? u"Untitled"_s : h->fixture.path(written));
+        QCOMPARE(wr::app().CurrentFileName, written.isEmpty() ? u"Untitled"_s : filePath(written));
         if (!written.isEmpty())
-            QCOMPARE(rxInFile(h->fixture.path(written), 7), u"439.50000"_s);
+            QCOMPARE(rxInFile(filePath(written), 7), u"439.50000"_s);
         if (!existing.isEmpty() && existing != written)
-            QCOMPARE(wr::test::readFile(h->fixture.path(existing)), QByteArray("theirs"));
+            QCOMPARE(wr::test::readFile(filePath(existing)), QByteArray("theirs"));
         // No file under the name as typed.
         QStringList files{u"settings.ini"_s, existing, written};
         files.removeAll(QString());
         files.removeDuplicates();
         files.sort();
-        QCOMPARE(QDir(h->fixture.folder()).entryList(QDir::Files, QDir::Name), files);
+        QCOMPARE(QDir(tempFolder()).entryList(QDir::Files, QDir::Name), files);
     }
 
     // Open and save dialogs start in the folder of the file last opened or
     // saved, in this run or an earlier one, by a dialog or from outside.
     void dialogsRememberTheFolder()
     {
-        const QString first = h->fixture.path(u"first"_s);
-        const QString second = h->fixture.path(u"客户 2"_s);
-        const QString third = h->fixture.path(u"third"_s);
+        const QString first = filePath(u"first"_s);
+        const QString second = filePath(u"客户 2"_s);
+        const QString third = filePath(u"third"_s);
         for (const QString &folder : {first, second, third})
             QVERIFY(QDir().mkpath(folder));
         QVERIFY(ShellHarness::writeDataFile(first + u"/a.tw"_s, ShellHarness::imageWithChannels(1, 3)));
@@ -395,7 +389,7 @@ private Q_SLOTS:
         QFETCH(bool, cleared);
         wr::app().image.setBytes(ShellHarness::imageWithChannels(1, 10));
         wr::app().image.TakeSnapshot();
-        wr::app().CurrentFileName = h->fixture.path(u"current.tw"_s);
+        wr::app().CurrentFileName = filePath(u"current.tw"_s);
         h->window->RefreshMainWindow();
         wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
         h->trigger(u"mnuFile_New"_s);
@@ -407,7 +401,7 @@ private Q_SLOTS:
         QCOMPARE(wr::app().image.bytes() == fresh.bytes(), cleared);
         QCOMPARE(h->gridRx(1).isEmpty(), cleared);
         QVERIFY(!wr::app().image.IsModified());
-        QCOMPARE(wr::app().CurrentFileName, h->fixture.path(u"current.tw"_s));
+        QCOMPARE(wr::app().CurrentFileName, filePath(u"current.tw"_s));
     }
 };
 

@@ -10,16 +10,12 @@
 #include <QPushButton>
 #include <QTableView>
 
-#include <optional>
-
 using namespace Qt::StringLiterals;
 using wr::test::ShellHarness;
 
-class TestFmScrambleMapMenus : public QObject
+class TestFmScrambleMapMenus : public wr::test::ShellSuite
 {
     Q_OBJECT
-
-    std::optional<ShellHarness> h;
 
     void gesture() const
     {
@@ -31,10 +27,6 @@ class TestFmScrambleMapMenus : public QObject
     QList<wr::frmMemoryMap *> memoryMaps() const { return h->window->findChildren<wr::frmMemoryMap *>(); }
 
 private Q_SLOTS:
-    void initTestCase() { wr::test::initTestProcess(); }
-    void init() { h.emplace(); }
-    void cleanup() { h.reset(); }
-
     void hiddenItems_data()
     {
         QTest::addColumn<QString>("item");

@@ -5,8 +5,10 @@
 
 #include "file/Backups.h"
 
+#include "shell/LanguageForm.h"
 #include "shell/QtTranslations.h"
-#include "ui/Twips.h"
+#include "shell/frmAbout.h"
+#include "shell/frmComPort.h"
 
 #include <QClipboard>
 #include <QComboBox>
@@ -26,17 +28,12 @@
 #include <QToolButton>
 #include <QTreeWidget>
 
-#include <optional>
-
 using namespace Qt::StringLiterals;
 using wr::test::ShellHarness;
 
-class TestMainWindow : public QObject
+class TestMainWindow : public wr::test::ShellSuite
 {
     Q_OBJECT
-
-private:
-    std::optional<ShellHarness> h;
 
     QTreeWidgetItem *treeNode(const QString &key) const
     {
@@ -48,9 +45,6 @@ private:
     }
 
 private Q_SLOTS:
-    void initTestCase() { wr::test::initTestProcess(); }
-    void init() { h.emplace(); }
-    void cleanup() { h.reset(); }
 
     // Nothing stored: Simplified Chinese on COM1, model 1, a fresh image
     // (stored values are read back in settingsWrittenAtClose). Menu items and
@@ -60,6 +54,7 @@ private Q_SLOTS:
         wr::MDIForm1 &window = h->open();
         QCOMPARE(QList<int>({wr::app().LanguageIndex, wr::app().ModelIndex}), QList<int>({1, 1}));
         QCOMPARE(h->panel(1), u"COM1"_s);
+        QCOMPARE(h->panel(5), u"Version 1.03"_s);
         QCOMPARE(window.windowTitle(), u"WR-PD6T"_s);
         QCOMPARE(window.channelList()->grid()->rowCount(), 129);
         QVERIFY(!wr::app().image.IsModified());
@@ -144,7 +139,7 @@ private Q_SLOTS:
             list->setCurrentIndex(1);
         else
             QTest::keyClicks(editor, column == 1 ? u"146"_s : u"D023N"_s);
-        const QString path = h->fixture.path(u"saved.tw"_s);
+        const QString path = filePath(u"saved.tw"_s);
         wr::FileDialog::setNextFileName(path);
         wr::MessageBox::setNextAnswer(QMessageBox::Cancel);
         QTest::keyClick(editor, Qt::Key(key), Qt::ControlModifier);
@@ -175,7 +170,7 @@ private Q_SLOTS:
         QCOMPARE(h->gridRx(9), u"145.50000"_s);
         QTest::keyClick(grid, Qt::Key_Z, Qt::ControlModifier);
         QCOMPARE(h->gridRx(9), QString());
-        const QString path = h->fixture.path(u"saved.tw"_s);
+        const QString path = filePath(u"saved.tw"_s);
         wr::FileDialog::setNextFileName(path);
         QTest::keyClick(grid, Qt::Key_A, Qt::ControlModifier);
         QVERIFY(QFile::exists(path));
@@ -221,7 +216,7 @@ private Q_SLOTS:
             wr::MDIForm1 &window = h->open(language);
             window.show();
             QVERIFY(QTest::qWaitForWindowExposed(&window));
-            QCOMPARE(window.size(), wr::twipsToPixels(13410, 11440));
+            QCOMPARE(window.size(), QSize(894, 763));
             QCOMPARE(window.channelList()->gridWidthLacking(), 0);
         }
     }
@@ -235,7 +230,7 @@ private Q_SLOTS:
         auto *subWindow = qobject_cast<QMdiSubWindow *>(h->window->channelList()->parentWidget());
         QVERIFY(subWindow->isMaximized());
         subWindow->showNormal();
-        QCOMPARE(subWindow->size(), wr::frmChannel::OpeningSize);
+        QCOMPARE(subWindow->size(), QSize(994, 653)); // 14910 x 9800 twips
     }
 
     // The window keeps its prescribed size where the screen has room for it
@@ -248,7 +243,7 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         const QSize available = window.screen()->availableGeometry().size();
         const QSize frame = window.frameGeometry().size() - window.size();
-        const QSize prescribed = wr::twipsToPixels(13410, 11440);
+        const QSize prescribed(894, 763); // 13410 x 11440 twips
         QVERIFY2(window.frameGeometry().height() <= available.height(), qPrintable(u"%1 > %2"_s.arg(window.frameGeometry().height()).arg(available.height())));
         QVERIFY(window.frameGeometry().width() <= available.width());
         if ((prescribed + frame).height() <= available.height())
@@ -354,10 +349,10 @@ private Q_SLOTS:
         QTest::addColumn<int>("from");
         QTest::addColumn<int>("choice");
         QTest::addColumn<bool>("ok");
-        QTest::addColumn<QString>("texts"); // File menu, tree item, Qt's own Cancel
-        QTest::newRow("English to Traditional Chinese") << 0 << 2 << true << u"文件(&F)|可選功能|取消"_s;
-        QTest::newRow("Simplified Chinese to English") << 1 << 0 << true << u"File(&F)|Optiom Features|Cancel"_s;
-        QTest::newRow("Cancel keeps English") << 0 << 1 << false << u"File(&F)|Optiom Features|Cancel"_s;
+        QTest::addColumn<QString>("texts"); // File menu, tree item, Qt's own Cancel, channel 2's power
+        QTest::newRow("English to Traditional Chinese") << 0 << 2 << true << u"文件(&F)|可選功能|取消|高"_s;
+        QTest::newRow("Simplified Chinese to English") << 1 << 0 << true << u"File(&F)|Optiom Features|Cancel|High"_s;
+        QTest::newRow("Cancel keeps English") << 0 << 1 << false << u"File(&F)|Optiom Features|Cancel|High"_s;
     }
 
     void languageSwitch()
@@ -378,13 +373,33 @@ private Q_SLOTS:
         h->trigger(u"mnuLanguage"_s);
         QCOMPARE(wr::app().LanguageIndex, expected);
         QCOMPARE(wr::InstalledQtTranslation(), expected);
-        QCOMPARE(QStringList({h->action(u"mnuFile"_s)->text(), treeNode(u"Item2"_s)->text(0),
-                              QCoreApplication::translate("QPlatformTheme", "Cancel")}),
-                 texts.split(u'|'));
         // The form's commit step kept the grid edit, and the grid reloaded it
         // in the new language's words.
+        QCOMPARE(QStringList({h->action(u"mnuFile"_s)->text(), treeNode(u"Item2"_s)->text(0),
+                              QCoreApplication::translate("QPlatformTheme", "Cancel"),
+                              h->window->channelList()->grid()->item(2, 5)->text()}),
+                 texts.split(u'|'));
         QVERIFY(!wr::app().image.IsModified());
-        QCOMPARE(h->window->channelList()->grid()->item(2, 5)->text(), wr::PowerText(true, expected));
+    }
+
+    // Every control the main window's own dialogs caption exists; the
+    // titles speak the language.
+    void dialogsCaptioned()
+    {
+        const QStringList titles{u"Language File Setup|Communication Port|WR-PD6T RADIO PROGRAMMING SOFTWARE"_s,
+                                 u"语言设置|通信端口|WR-PD6T  对讲机编程软件"_s,
+                                 u"語言設置|通信端口|WR-PD6T  對講機編程軟件 "_s};
+        for (const wr::Language language : {wr::English, wr::SimplifiedChinese, wr::TraditionalChinese}) {
+            wr::LanguageForm languageForm(language);
+            wr::frmComPort port(1, language);
+            wr::frmAbout about(language);
+            QStringList shown;
+            for (const wr::FormDialog *dialog : std::initializer_list<const wr::FormDialog *>{&languageForm, &port, &about}) {
+                QCOMPARE(dialog->missingControls(), QStringList());
+                shown << dialog->windowTitle();
+            }
+            QCOMPARE(shown.join(u'|'), titles.at(language));
+        }
     }
 
     // Two ports, COM1 and COM3.
@@ -406,7 +421,7 @@ private Q_SLOTS:
         QFETCH(QString, typed);
         QFETCH(QString, expectedShown);
         QFETCH(int, stored);
-        wr::setSerialPortsFolder(h->fixture.path(u"serial-ports"_s));
+        wr::setSerialPortsFolder(filePath(u"serial-ports"_s));
         wr::setSystemPortSource([] {
             return QList<wr::SystemPort>{{u"ttyS0"_s, u"/dev/ttyS0"_s, {}, {}}, {u"ttyS2"_s, u"/dev/ttyS2"_s, {}, {}}};
         });
@@ -426,18 +441,21 @@ private Q_SLOTS:
         QCOMPARE(h->panel(1), u"COM"_s + QString::number(stored));
     }
 
+    // The button and the version line.
     void aboutBoxSpeaksTheLanguage()
     {
-        const QStringList expected{u"&OK"_s, u"确定(&O)"_s, u"確定(&O)"_s};
+        const QStringList expected{u"&OK|VERSION：VER 1.03"_s, u"确定(&O)|版本：VER 1.03"_s,
+                                   u"確定(&O)|版本：VER 1.03"_s};
         for (int language = 0; language < 3; ++language) {
             h->open(language);
-            QString button;
+            QString shown;
             ShellHarness::whenModal([&](QDialog *about) {
-                button = about->findChild<QPushButton *>(u"Command1"_s)->text();
+                shown = about->findChild<QPushButton *>(u"Command1"_s)->text() + u'|'
+                    + about->findChild<QLabel *>(u"Label1"_s)->text().section(u'\n', 1, 1);
                 QTest::mouseClick(about->findChild<QPushButton *>(u"Command1"_s), Qt::LeftButton);
             });
             QTest::mouseClick(h->window->findChild<QToolButton *>(u"About"_s), Qt::LeftButton);
-            QCOMPARE(button, expected.at(language));
+            QCOMPARE(shown, expected.at(language));
         }
     }
 };

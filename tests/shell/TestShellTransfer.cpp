@@ -11,17 +11,14 @@
 #include <QDir>
 #include <QProcess>
 
-#include <optional>
-
 using namespace Qt::StringLiterals;
 using wr::test::ShellHarness;
 
-class TestShellTransfer : public QObject
+class TestShellTransfer : public wr::test::ShellSuite
 {
     Q_OBJECT
 
 private:
-    std::optional<ShellHarness> h;
     QProcess m_radio;
 
     // The virtual radio registered as COM200 in the test's own data home,
@@ -29,7 +26,7 @@ private:
     // "COM200 <device>", says the link is in place.
     bool startRadioAndWindow(const QStringList &arguments)
     {
-        const QString dataHome = h->fixture.path(u"data-home"_s);
+        const QString dataHome = filePath(u"data-home"_s);
         QDir().mkpath(dataHome);
         // Only the virtual radio is listed: no real serial device joins in.
         wr::setSystemPortSource([] { return QList<wr::SystemPort>{}; });
@@ -63,22 +60,20 @@ private:
         QCOMPARE(shown.last().section(u'|', 2), done);
     }
 
-private Q_SLOTS:
-    void initTestCase() { wr::test::initTestProcess(); }
-    void init() { h.emplace(); }
-    void cleanup()
+    void tearDown() override
     {
-        h.reset();
+        ShellSuite::tearDown();
         m_radio.terminate();
         if (!m_radio.waitForFinished(3000))
             m_radio.kill();
         m_radio.waitForFinished(1000);
     }
 
+private Q_SLOTS:
     // Write, then Read back into a fresh image, with one virtual radio.
     void writeThenReadThroughMenu()
     {
-        const QString saved = h->fixture.path(u"radio-after.tw"_s);
+        const QString saved = filePath(u"radio-after.tw"_s);
         QVERIFY(startRadioAndWindow({u"--save"_s, saved}));
         wr::app().image.setBytes(ShellHarness::imageWithChannels(1, 60));
         h->window->RefreshMainWindow();
@@ -120,7 +115,7 @@ private Q_SLOTS:
     void readKeepsBackup()
     {
         QFETCH(bool, blocked);
-        const QString inRadio = h->fixture.path(u"in-radio.tw"_s);
+        const QString inRadio = filePath(u"in-radio.tw"_s);
         QVERIFY(ShellHarness::writeDataFile(inRadio, ShellHarness::imageWithChannels(1, 40)));
         if (blocked)
             QVERIFY(QDir().mkpath(h->dataFolder()) && wr::test::writeFile(h->backupFolder(), "in the way"));

@@ -1,7 +1,7 @@
 // The in-place cell editor over a throw-away grid: a text column that takes
 // hexadecimal digits (upper-cased), a list column, an editable list column
 // and a column whose edits go to the text column.
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "ui/CellEditor.h"
 
@@ -97,12 +97,11 @@ public:
 
 } // namespace
 
-class TestCellEditor : public QObject
+class TestCellEditor : public test::Suite
 {
     Q_OBJECT
 
 private:
-    std::optional<test::Fixture> m_fixture;
     std::unique_ptr<QWidget> m_window;
     QTableView *m_view = nullptr;
     QLineEdit *m_outside = nullptr;
@@ -124,12 +123,8 @@ private:
         QVERIFY(m_editor->isOpen());
     }
 
-private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-
-    void init()
+    void setUp() override
     {
-        m_fixture.emplace();
         m_window = std::make_unique<QWidget>();
         m_model = new QStandardItemModel(40, 4, m_window.get());
         for (int row = 0; row < 40; ++row) {
@@ -155,14 +150,14 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     }
 
-    void cleanup()
+    void tearDown() override
     {
         m_editor.reset();
         m_window.reset();
         m_rules.reset();
-        m_fixture.reset();
     }
 
+private Q_SLOTS:
     void opens_data()
     {
         QTest::addColumn<int>("column");

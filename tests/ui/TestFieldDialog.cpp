@@ -2,7 +2,7 @@
 // lists in each language, the image loaded into the controls, OK storing and
 // every other way out storing nothing, and a control the table names but
 // the dialog lacks.
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "core/MemoryImage.h"
 #include "ui/FieldDialog.h"
@@ -15,8 +15,6 @@
 #include <QRegularExpression>
 #include <QTest>
 #include <QVBoxLayout>
-
-#include <optional>
 
 using namespace wr;
 using namespace Qt::StringLiterals;
@@ -45,7 +43,7 @@ constexpr FieldTable MissingFields{.lists = Missing};
 class frmExample : public FieldDialog
 {
 public:
-    frmExample(MemoryImage &image, int language, bool withMissing = false)
+    frmExample(MemoryImage &image, Language language, bool withMissing = false)
         : FieldDialog(image, language)
     {
         setObjectName(u"frmExample"_s);
@@ -72,17 +70,11 @@ public:
 
 } // namespace
 
-class TestFieldDialog : public QObject
+class TestFieldDialog : public test::Suite
 {
     Q_OBJECT
 
-    std::optional<test::Fixture> m_fixture;
-
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture.emplace(); }
-    void cleanup() { m_fixture.reset(); }
-
     void captions_data()
     {
         QTest::addColumn<int>("language");
@@ -97,7 +89,7 @@ private Q_SLOTS:
         QFETCH(int, language);
         QFETCH(QString, texts);
         MemoryImage image;
-        frmExample form(image, language);
+        frmExample form(image, Language(language));
         QCOMPARE(form.missingControls(), QStringList());
         const QStringList shown{form.windowTitle(),
                                 form.findChild<QLabel *>(u"lblMode"_s)->text(),

@@ -46,8 +46,16 @@ int main(int argc, char *argv[])
     wr::InitApplicationIdentity();
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("A virtual WR-PD6T radio on a pseudo-terminal."));
+    parser.setApplicationDescription(
+        QStringLiteral("A virtual WR-PD6T radio on a pseudo-terminal.\n"
+                       "Registers the pseudo-terminal as a COM port of the programming software, prints the port "
+                       "and the device on its first line, and answers reads and writes like a radio at the other "
+                       "end of the cable until it is stopped with Ctrl+C."));
     parser.addHelpOption();
+    // Not addVersionOption(): the application name is the programming
+    // software's, which names the folders the two share.
+    const QCommandLineOption versionOption({QStringLiteral("v"), QStringLiteral("version")},
+                                           QStringLiteral("Displays version information."));
     const QCommandLineOption comOption(QStringLiteral("com"), QStringLiteral("Register as COM<N> (1-255, default 200)."),
                                        QStringLiteral("N"), QStringLiteral("200"));
     const QCommandLineOption countOption(QStringLiteral("count"),
@@ -93,9 +101,14 @@ int main(int argc, char *argv[])
                                   QStringLiteral("Be a cable with no radio: send back every byte received."));
     const QCommandLineOption wrongSpeed(QStringLiteral("wrong-speed"),
                                         QStringLiteral("Answer at another line speed: every byte arrives mangled."));
-    parser.addOptions({comOption, countOption, imageOption, saveOption, noPacing, silent, wrongId, noise, dropReply, delay, hangUp,
-                       nakWrites, lateReply, splitReply, duplicateAck, corruptRow, echo, wrongSpeed});
+    parser.addOptions({versionOption, comOption, countOption, imageOption, saveOption, noPacing, silent, wrongId, noise,
+                       dropReply, delay, hangUp, nakWrites, lateReply, splitReply, duplicateAck, corruptRow, echo,
+                       wrongSpeed});
     parser.process(application);
+    if (parser.isSet(versionOption)) {
+        std::printf("wrpd6t-radio-sim %s\n", qPrintable(QCoreApplication::applicationVersion()));
+        return 0;
+    }
 
     auto number = [&](const QCommandLineOption &option, int minimum, int maximum, int fallback) {
         if (!parser.isSet(option))

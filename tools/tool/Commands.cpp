@@ -1,7 +1,9 @@
 #include "Commands.h"
 
+#include "channels/ChannelRecord.h"
 #include "core/Language.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace wr::tool {
@@ -44,6 +46,28 @@ std::optional<MemoryImage> readImage(const QString &path)
     MemoryImage image;
     image.setBytes(file->image);
     return image;
+}
+
+std::optional<QList<int>> parseChannelList(QStringView text)
+{
+    const auto channel = [](QStringView number) -> std::optional<int> {
+        bool ok = false;
+        const int value = number.trimmed().toInt(&ok);
+        return ok && value >= 1 && value <= ChannelRecord::ChannelCount ? std::optional(value) : std::nullopt;
+    };
+    QList<int> channels;
+    for (const QStringView item : text.split(u',')) {
+        const qsizetype dash = item.indexOf(u'-');
+        const std::optional<int> first = channel(dash < 0 ? item : item.first(dash));
+        const std::optional<int> last = dash < 0 ? first : channel(item.sliced(dash + 1));
+        if (!first || !last || *last < *first)
+            return std::nullopt;
+        for (int number = *first; number <= *last; ++number)
+            channels.append(number);
+    }
+    std::sort(channels.begin(), channels.end());
+    channels.erase(std::unique(channels.begin(), channels.end()), channels.end());
+    return channels;
 }
 
 QTextStream &out()
@@ -109,13 +133,19 @@ void CommandLine::addLanguageOption()
 
 std::optional<int> CommandLine::language() const
 {
-    bool isNumber = false;
-    const int index = m_parser.value(m_language).toInt(&isNumber);
-    if (!isNumber || index < 0 || index >= LanguageCount) {
-        usageError(QStringLiteral("--language must be 0, 1 or 2"));
-        return std::nullopt;
+    // Language tags as locales spell them, and the program's own numbers.
+    static const QStringList tags[LanguageCount]{
+        {QStringLiteral("en"), QStringLiteral("0")},
+        {QStringLiteral("zh-cn"), QStringLiteral("zh_cn"), QStringLiteral("zh-hans"), QStringLiteral("1")},
+        {QStringLiteral("zh-tw"), QStringLiteral("zh_tw"), QStringLiteral("zh-hant"), QStringLiteral("2")},
+    };
+    const QString given = m_parser.value(m_language).toLower();
+    for (int index = 0; index < LanguageCount; ++index) {
+        if (tags[index].contains(given))
+            return index;
     }
-    return index;
+    usageError(QStringLiteral("--language must be en, zh-CN or zh-TW (or 0, 1, 2)"));
+    return std::nullopt;
 }
 
 int CommandLine::usageError(const QString &message) const

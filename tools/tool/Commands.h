@@ -28,6 +28,9 @@ struct Command
     QString name;
     QString summary; // one line for the overview
     std::function<int(const QStringList &arguments)> run;
+    // Draws text (the channel sheet): runs in a GUI application, for its
+    // fonts, on the offscreen platform, so no display is needed.
+    bool needsFonts = false;
 };
 
 // The tables main() dispatches over, one per source file.
@@ -35,6 +38,7 @@ QList<Command> fileCommands();
 QList<Command> linkCommands();
 QList<Command> csvCommands();
 QList<Command> diffCommands();
+QList<Command> sheetCommands();
 
 // Standard output and standard error, UTF-8.
 QTextStream &out();
@@ -50,6 +54,11 @@ std::optional<DataFile::ReadResult> readDataFile(const QString &path);
 // The memory image of a data file, or nothing after printing why it cannot be used.
 std::optional<MemoryImage> readImage(const QString &path);
 
+// Channel numbers given as a list such as "1-16,20": numbers and ranges of
+// 1-128, separated by commas. Sorted, each once; nothing when the text is
+// no such list.
+std::optional<QList<int>> parseChannelList(QStringView text);
+
 // The parser of one subcommand: "--help" on every subcommand, and the usage
 // line "wrpd6t-tool NAME [options] ARGS...".
 class CommandLine
@@ -63,7 +72,8 @@ public:
     // For a subcommand that takes a list: any number of positional arguments
     // from `minimum` up is accepted, and the subcommand checks them itself.
     void setMinimumArguments(int minimum) { m_minimumArguments = minimum; }
-    // The option "-l, --language 0|1|2" for the language of the texts, English by default.
+    // The option "-l, --language" for the language of the texts: en, zh-CN or
+    // zh-TW (or 0, 1, 2, the program's own numbers), English by default.
     void addLanguageOption();
 
     // Parses the arguments. An exit status means the subcommand ends here:
@@ -85,9 +95,9 @@ private:
     QStringList m_argumentNames;
     int m_minimumArguments = -1; // -1: exactly the arguments added
     QCommandLineOption m_language{{QStringLiteral("l"), QStringLiteral("language")},
-                                  QStringLiteral("Language of the texts: 0 English, 1 Simplified Chinese, "
-                                                 "2 Traditional Chinese."),
-                                  QStringLiteral("index"), QStringLiteral("0")};
+                                  QStringLiteral("Language of the texts: en (or 0) English, zh-CN (or 1) "
+                                                 "Simplified Chinese, zh-TW (or 2) Traditional Chinese."),
+                                  QStringLiteral("language"), QStringLiteral("en")};
 };
 
 } // namespace wr::tool

@@ -160,7 +160,7 @@ int main(int argc, char *argv[])
     wr::MessageBox::setAutoAnswer(true);
 
     const char *suffix[] = {"en", "zh_CN", "zh_TW"};
-    for (int language = 0; language < 3; ++language) {
+    for (const wr::Language language : {wr::English, wr::SimplifiedChinese, wr::TraditionalChinese}) {
         QTemporaryDir settingsFolder;
         wr::SettingsStore settings(settingsFolder.filePath(QStringLiteral("settings.ini")));
         settings.SetKeyValue(wr::SettingsStore::Root::LocalMachine, wr::SettingsStore::keyPath(),

@@ -1,0 +1,86 @@
+#include "shell/StatusPanels.h"
+
+#include "core/AppState.h"
+
+#include <QDate>
+#include <QLabel>
+#include <QLocale>
+#include <QStatusBar>
+#include <QTime>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace wr {
+
+namespace {
+
+QLocale localeOf(Language language)
+{
+    switch (language) {
+    case SimplifiedChinese:
+        return QLocale(QLocale::Chinese, QLocale::SimplifiedHanScript, QLocale::China);
+    case TraditionalChinese:
+        return QLocale(QLocale::Chinese, QLocale::TraditionalHanScript, QLocale::Taiwan);
+    default:
+        return QLocale(QLocale::English, QLocale::UnitedStates);
+    }
+}
+
+} // namespace
+
+StatusPanels::StatusPanels(QStatusBar *bar)
+    : QObject(bar)
+    , m_time(new QTimer(this))
+{
+    bar->setObjectName(u"MSBar"_s);
+    bar->setSizeGripEnabled(true);
+    const int widths[PanelCount] = {70, 100, 80, 0, 110};
+    for (int i = 0; i < PanelCount; ++i) {
+        auto *panel = new QLabel(bar);
+        panel->setObjectName(u"MSBar_Panel"_s + QString::number(i + 1));
+        panel->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        panel->setContentsMargins(4, 0, 4, 0);
+        if (widths[i] > 0)
+            panel->setMinimumWidth(widths[i]);
+        // Permanent widgets stay visible while a menu shows status tips.
+        bar->addPermanentWidget(panel, i == EmptyPanel ? 1 : 0);
+        m_panels.append(panel);
+    }
+
+    m_time->setObjectName(u"Time"_s);
+    m_time->setTimerType(Qt::PreciseTimer);
+    m_time->setSingleShot(true);
+    connect(m_time, &QTimer::timeout, this, &StatusPanels::Time_Timer);
+    Time_Timer();
+}
+
+void StatusPanels::showPort(quint8 portNumber)
+{
+    m_panels[PortPanel]->setText(u"COM"_s + QString::number(portNumber));
+}
+
+void StatusPanels::showLanguage(Language language)
+{
+    m_language = language;
+    m_panels[VersionPanel]->setText(u"Version "_s + ProgramVersion());
+    showDate();
+}
+
+void StatusPanels::showDate()
+{
+    m_panels[DatePanel]->setText(localeOf(m_language).toString(QDate::currentDate(), QLocale::ShortFormat));
+}
+
+void StatusPanels::Time_Timer()
+{
+    // One tick a second is all the clock needs. Each tick re-arms the timer
+    // for just after the next full second, so the shown seconds never lag or
+    // skip however long the previous tick was delayed.
+    const QTime now = QTime::currentTime();
+    m_panels[ClockPanel]->setText(now.toString(u"hh:mm:ss"_s));
+    showDate();
+    m_time->start(1000 - now.msec() + 2);
+}
+
+} // namespace wr

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "core/Language.h"
+
+#include <QList>
+#include <QObject>
+
+class QLabel;
+class QStatusBar;
+class QTimer;
+
+namespace wr {
+
+// The main window's status bar MSBar and its five panels MSBar_Panel1-5:
+// the port ("COM1"), the date in the interface language's short format, the
+// clock ("hh:mm:ss", rewritten by the timer Time every second), an empty
+// panel that takes the spare width, and the version ("Version 1.03").
+class StatusPanels : public QObject
+{
+    Q_OBJECT
+
+public:
+    // Fills `bar`, which owns the panels and this object, and starts the clock.
+    explicit StatusPanels(QStatusBar *bar);
+
+    void showPort(quint8 portNumber);
+    // The date in the language's format, and the version.
+    void showLanguage(Language language);
+
+private:
+    enum Panel { PortPanel, DatePanel, ClockPanel, EmptyPanel, VersionPanel, PanelCount };
+
+    void Time_Timer();
+    void showDate();
+
+    QList<QLabel *> m_panels;
+    QTimer *m_time;
+    Language m_language = English;
+};
+
+} // namespace wr
