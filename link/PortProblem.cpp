@@ -1,6 +1,7 @@
 #include "link/PortProblem.h"
 
 #include "core/Language.h"
+#include "link/PortInspection.h"
 
 #include <QFile>
 
@@ -76,7 +77,9 @@ QString describePortProblem(int number, const PortProblem &problem, int language
         return text + u'\n' + MissingAdvice.in(language);
     case PortProblem::Kind::NoPermission:
         return text + u'\n'
-            + (problem.group.isEmpty() ? AccessAdvice.in(language) : GroupAdvice.in(language).arg(problem.group));
+            // Only a group that is for serial ports is one to join; a device
+            // of root, tty or disk is opened up by a udev rule instead.
+            + (isSerialGroup(problem.group) ? GroupAdvice.in(language).arg(problem.group) : AccessAdvice.in(language));
     case PortProblem::Kind::Busy:
         return text + u'\n' + BusyAdvice.in(language);
     case PortProblem::Kind::Lost:
