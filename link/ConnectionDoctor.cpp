@@ -273,13 +273,8 @@ bool ConnectionDoctor::judgeOpening(bool final)
     if (!final)
         return false;
     m_echoed = m_echoed || echoed;
-    if (!reply.isEmpty())
-        m_stray = reply;
-    if (m_attempt < Attempts) {
-        ++m_attempt;
-        send(m_sent);
+    if (sendAgain(reply))
         return true;
-    }
     m_diagnosis.answer = m_stray;
     finish(!m_stray.isEmpty() ? Diagnosis::Cause::Garbled
            : m_echoed         ? Diagnosis::Cause::EchoOnly
@@ -301,17 +296,25 @@ bool ConnectionDoctor::judgeIdentity(bool final)
     }
     if (!final)
         return false;
-    if (!reply.isEmpty())
-        m_stray = reply;
-    if (m_attempt < Attempts) {
-        ++m_attempt;
-        send(m_sent);
+    if (sendAgain(reply))
         return true;
-    }
     // Part of an identification is another radio's too; none at all is no valid reply.
     m_diagnosis.answer = m_stray;
     m_diagnosis.cause = m_stray.isEmpty() ? Diagnosis::Cause::Garbled : Diagnosis::Cause::WrongRadio;
     endSession();
+    return true;
+}
+
+// After a frame without a valid reply: keeps what came, if anything, and
+// sends the frame again while attempts remain.
+bool ConnectionDoctor::sendAgain(const QByteArray &reply)
+{
+    if (!reply.isEmpty())
+        m_stray = reply;
+    if (m_attempt >= Attempts)
+        return false;
+    ++m_attempt;
+    send(m_sent);
     return true;
 }
 

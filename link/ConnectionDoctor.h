@@ -103,6 +103,7 @@ private:
     void windowEnded();
     bool judgeOpening(bool final);
     bool judgeIdentity(bool final);
+    bool sendAgain(const QByteArray &reply);
     void endSession();
     void finish(Diagnosis::Cause cause);
     void stop();

@@ -125,29 +125,10 @@ constexpr Text Waiting{u"No device for %1 yet: plug the cable in now (%2 s)\u202
     u"%1 尚無裝置：請現在插入寫頻線（%2 秒）\u2026"};
 constexpr Text Asking{u"Asking the radio on %1\u2026", u"正在询问 %1 上的对讲机\u2026", u"正在詢問 %1 上的對講機\u2026"};
 
-QString comName(int number)
-{
-    return QStringLiteral("COM%1").arg(number);
-}
-
 // Between two sentences: a space in English, nothing after a Chinese full stop.
 QString gap(int language)
 {
     return language == English ? QStringLiteral(" ") : QString();
-}
-
-QString separator(int language)
-{
-    return language == English ? QStringLiteral(", ") : QStringLiteral("、");
-}
-
-// The bytes as text, a dot for each that does not print, and in hexadecimal.
-QString printable(const QByteArray &bytes)
-{
-    QString text;
-    for (const char byte : bytes)
-        text += byte >= 0x20 && byte < 0x7F ? QChar::fromLatin1(byte) : QChar(u'.');
-    return text;
 }
 
 QString hex(const QByteArray &bytes)
@@ -160,7 +141,7 @@ QString holderNames(const QList<PortHolder> &holders, int language)
     QStringList names;
     for (const PortHolder &holder : holders)
         names.append(QStringLiteral("%1 (PID %2)").arg(holder.name).arg(holder.pid));
-    return names.join(separator(language));
+    return names.join(listSeparator(language));
 }
 
 qint64 firstPid(const QList<PortHolder> &holders, QStringView name)
@@ -231,7 +212,7 @@ QString diagnosisDetail(const Diagnosis &d, int language)
             present.append(portLabel(entry.number(), entry.devicePath == entry.name ? QString() : entry.devicePath));
         QString text = FoundNoDevice.in(language).arg(port) + gap(language)
             + (present.isEmpty() ? FoundNonePresent.in(language)
-                                 : FoundPresent.in(language).arg(present.join(separator(language))));
+                                 : FoundPresent.in(language).arg(present.join(listSeparator(language))));
         if (d.appeared)
             text += gap(language) + FoundAppeared.in(language).arg(portLabel(d.appeared->number(), d.appeared->devicePath));
         return text;
@@ -257,11 +238,11 @@ QString diagnosisDetail(const Diagnosis &d, int language)
     case Cause::NoAnswer:
         return FoundNoAnswer.in(language).arg(label);
     case Cause::WrongRadio:
-        return FoundWrongRadio.in(language).arg(label, printable(d.answer), hex(d.answer));
+        return FoundWrongRadio.in(language).arg(label, printableBytes(d.answer), hex(d.answer));
     case Cause::Garbled:
         if (d.answer.isEmpty())
             return FoundSilentIdentity.in(language).arg(label);
-        return FoundGarbled.in(language).arg(label, printable(d.answer), hex(d.answer));
+        return FoundGarbled.in(language).arg(label, printableBytes(d.answer), hex(d.answer));
     }
     return {};
 }

@@ -42,11 +42,6 @@ int unixSerialNumber(const QString &portName)
     return k < limit ? base + k : 0;
 }
 
-QString comName(int number)
-{
-    return QStringLiteral("COM%1").arg(number);
-}
-
 // com<N> links of the folder, by number.
 std::map<int, QString> linkTargets(const QString &folder)
 {
@@ -87,6 +82,11 @@ std::optional<int> portNumberOf(QStringView name)
         number = number * 10 + (c.unicode() - u'0');
     }
     return number <= LastNumber ? std::optional<int>(number) : std::nullopt;
+}
+
+QString comName(int number)
+{
+    return QStringLiteral("COM%1").arg(number);
 }
 
 int PortEntry::number() const

@@ -27,6 +27,8 @@ struct PortEntry
 // give 7 and 12. Nothing for any other text, or a number past 255. The one
 // reader of port names: the port dialog, the port search and the tool.
 std::optional<int> portNumberOf(QStringView name);
+// The name of port number: "COM7".
+QString comName(int number);
 
 // What the operating system reports about one serial device, in the shape of
 // QSerialPortInfo (kept separate so the catalogue can be fed a made-up list).

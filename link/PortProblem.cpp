@@ -1,6 +1,7 @@
 #include "link/PortProblem.h"
 
 #include "core/Language.h"
+#include "link/PortCatalogue.h"
 #include "link/PortInspection.h"
 
 #include <QFile>
@@ -57,12 +58,20 @@ constexpr Text PortsTriedText{u"Ports tried: %1",
     u"已尝试的端口：%1",
     u"已嘗試的端口：%1"};
 
-QString comName(int number)
+} // namespace
+
+QString listSeparator(int language)
 {
-    return QStringLiteral("COM%1").arg(number);
+    return language == English ? QStringLiteral(", ") : QStringLiteral("、");
 }
 
-} // namespace
+QString printableBytes(const QByteArray &bytes)
+{
+    QString text;
+    for (const char byte : bytes)
+        text += byte >= 0x20 && byte < 0x7F ? QChar::fromLatin1(byte) : QChar(u'.');
+    return text;
+}
 
 QString portLabel(int number, const QString &device)
 {
@@ -100,8 +109,7 @@ QString portsTriedLine(const QList<PortTried> &ports, int language)
     QStringList labels;
     for (const PortTried &port : ports)
         labels.append(portLabel(port.number, port.device));
-    const QString separator = language == English ? QStringLiteral(", ") : QStringLiteral("、");
-    return (ports.size() == 1 ? PortTriedText : PortsTriedText).in(language).arg(labels.join(separator));
+    return (ports.size() == 1 ? PortTriedText : PortsTriedText).in(language).arg(labels.join(listSeparator(language)));
 }
 
 QString deviceGroup(const QString &device)

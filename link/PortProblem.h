@@ -34,6 +34,11 @@ struct PortTried
     QString device;
 };
 
+// Between the items of a list: ", " in English, "、" in Chinese.
+QString listSeparator(int language);
+// Bytes as text, a dot for each byte that does not print ("QAWPD7T", ".").
+QString printableBytes(const QByteArray &bytes);
+
 // "COM33 (/dev/ttyUSB0)", or "COM33" when the device is not known.
 QString portLabel(int number, const QString &device);
 

@@ -3,6 +3,7 @@
 #include "core/Language.h"
 #include "core/MemoryImage.h"
 #include "link/CloneEngine.h"
+#include "link/PortCatalogue.h"
 
 #include <QStringList>
 
@@ -52,25 +53,6 @@ constexpr Text TestOnCommandLine{u"Run the connection test: wrpd6t-tool doctor %
 
 constexpr int RowsNamed = 3;
 
-QString comName(int number)
-{
-    return QStringLiteral("COM%1").arg(number);
-}
-
-QString listSeparator(int language)
-{
-    return language == English ? QStringLiteral(", ") : QStringLiteral("、");
-}
-
-// "QAWPD7T" and its bytes in hexadecimal; a byte that is not printable shows as a dot.
-QString printable(const QByteArray &bytes)
-{
-    QString text;
-    for (const char byte : bytes)
-        text += byte >= 0x20 && byte < 0x7F ? QChar::fromLatin1(byte) : QChar(u'.');
-    return text;
-}
-
 // What happened, without the advice.
 QString whatHappened(const TransferOutcome &outcome, int language, Wording wording)
 {
@@ -86,7 +68,7 @@ QString whatHappened(const TransferOutcome &outcome, int language, Wording wordi
         return (outcome.verifying ? NoAnswerReadingBack : NoAnswer).in(language) + u'\n'
             + portsTriedLine(outcome.portsTried, language);
     case Kind::WrongIdentification:
-        return WrongIdentity.in(language).arg(comName(outcome.port), printable(outcome.identity),
+        return WrongIdentity.in(language).arg(comName(outcome.port), printableBytes(outcome.identity),
                                               QString::fromLatin1(outcome.identity.toHex(' ').toUpper()));
     case Kind::PortFailed:
         return describePortProblem(outcome.port, outcome.problem, language, wording)
