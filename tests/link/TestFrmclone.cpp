@@ -30,6 +30,7 @@ class TestFrmclone : public test::Suite
 private Q_SLOTS:
     void transfer_data();
     void transfer();
+    void cancelWhileRetrying_data();
     void cancelWhileRetrying();
 };
 
@@ -126,33 +127,57 @@ void TestFrmclone::transfer()
     QCOMPARE(state.BandLimits, moves && read ? LoadBandLimits(line.radio.memory()) : limitsBefore);
 }
 
+void TestFrmclone::cancelWhileRetrying_data()
+{
+    QTest::addColumn<bool>("read");
+    QTest::addColumn<int>("language");
+    QTest::addColumn<QString>("status");  // under the bar as the form retries
+    QTest::addColumn<QString>("warning"); // once Cancel is clicked; empty: no message
+
+    QTest::newRow("read, in Traditional Chinese: no message")
+        << true << 2 << u"COM200 無應答，正在重試（第 2 次，共 7 次）\u2026"_s << QString();
+    QTest::newRow("write, in Simplified Chinese: the radio is only partly written")
+        << false << 1 << u"COM200 无应答，正在重试（第 2 次，共 7 次）\u2026"_s
+        << u"对讲机只写入了一部分：COM200 上的写入在完成前中断。请重新写入对讲机后再使用。"_s;
+}
+
 // The radio stops answering after five rows: the line under the bar says
-// that the form retries, and Cancel ends the transfer with the rows read.
+// that the form retries, and Cancel ends the transfer. The rows read stay in
+// the image; the rows written stay in the radio, and the form says so.
 void TestFrmclone::cancelWhileRetrying()
 {
+    QFETCH(bool, read);
+    QFETCH(int, language);
+    QFETCH(QString, status);
+    QFETCH(QString, warning);
     test::RadioOnPty line(filePath(u"serial-ports"_s), sim::RadioFaults{.hangUpAfterRows = 5});
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     test::fillPattern(line.radio.memory(), 1);
-    AppState &state = test::transferState(2, true, 200);
+    AppState &state = test::transferState(language, read, 200);
     test::fillPattern(state.image, 2);
     const MemoryImage before = state.image;
 
     frmclone form;
     form.show();
-    auto *status = form.findChild<QLabel *>(u"lblStatus"_s);
+    auto *shown = form.findChild<QLabel *>(u"lblStatus"_s);
     auto *cancel = form.findChild<QPushButton *>(u"cmdCancel"_s);
-    QVERIFY(status && cancel);
+    QVERIFY(shown && cancel);
     QCOMPARE(cancel->text(), u"取消"_s);
-    QTRY_COMPARE_WITH_TIMEOUT(status->text(), u"COM200 無應答，正在重試（第 2 次，共 7 次）\u2026"_s, 10000);
-    QCOMPARE(form.findChild<QLabel *>(u"lblPercent"_s)->text(), u"完成進度:  0%"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(shown->text(), status, 10000);
+    QCOMPARE(form.findChild<QLabel *>(u"lblPercent"_s)->text(), language == 1 ? u"完成进度:  0%"_s : u"完成進度:  0%"_s);
     QTest::mouseClick(cancel, Qt::LeftButton);
 
     QVERIFY(!form.isVisible());
     QCOMPARE(form.result(), int{QDialog::Rejected});
     QVERIFY(!form.isTransferring());
-    QVERIFY(MessageBox::history().isEmpty());
-    for (int row = 0; row < MemoryImage::RowCount; ++row)
-        QCOMPARE(state.image.row(row), row < 5 ? line.radio.memory().row(row) : before.row(row));
+    QStringList boxes;
+    for (const MessageBox::Shown &box : MessageBox::history())
+        boxes.append(u"%1|%2|%3"_s.arg(box.icon).arg(box.title, box.text));
+    QCOMPARE(boxes, warning.isEmpty() ? QStringList{} : QStringList{u"%1|WR-PD6T|"_s.arg(QMessageBox::Warning) + warning});
+    for (int row = 0; row < 5; ++row) // moved before the radio fell silent
+        QCOMPARE(state.image.row(row), line.radio.memory().row(row));
+    for (int row = 5; row < MemoryImage::RowCount && read; ++row)
+        QCOMPARE(state.image.row(row), before.row(row));
 }
 
 QTEST_MAIN(TestFrmclone)

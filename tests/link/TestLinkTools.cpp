@@ -16,6 +16,8 @@
 #include <QSerialPort>
 #include <QTest>
 
+#include <csignal>
+
 using namespace wr;
 using namespace Qt::Literals::StringLiterals;
 
@@ -41,6 +43,7 @@ private Q_SLOTS:
     void failedReadKeepsFile();
     void writeSeveral_data();
     void writeSeveral();
+    void writeInterrupted();
     void readEach();
     void doctor_data();
     void doctor();
@@ -205,6 +208,13 @@ void TestLinkTools::writeSeveral_data()
     QTest::newRow("one silent radio among four")
         << 4 << QStringList{u"--silent"_s} << false
         << u"The radio did not answer.\n  Port tried: COM%1 (%2)\n  Run the connection test: wrpd6t-tool doctor COM%1\n"_s;
+    // Rows taken, then silence: the question is answered Cancel off a terminal.
+    const QString partly = u"The radio did not answer.\n  Port tried: COM%1 (%2)\n  Run the connection test: "
+                           "wrpd6t-tool doctor COM%1\n  The radio is only partly written: the write on COM%1 stopped "
+                           "before its end. Write the radio again before using it.\n"_s;
+    QTest::newRow("one radio falls silent at 40 %") << 1 << QStringList{u"--hang-up-after"_s, u"75"_s} << false << partly;
+    QTest::newRow("one radio among three falls silent at 40 %")
+        << 3 << QStringList{u"--hang-up-after"_s, u"75"_s} << false << partly;
     QTest::newRow("one radio, verified") << 1 << QStringList{} << true << u"Writing completed! (verified)\n"_s;
     QTest::newRow("one radio storing a row wrong, verified")
         << 1 << QStringList{u"--corrupt-row"_s, u"100"_s} << true
@@ -264,6 +274,32 @@ void TestLinkTools::writeSeveral()
         checkRows(saved, test::transferredRows(false), toWrite, m_radioImage);
     }
     QVERIFY(!err.contains(u"Trying"_s)); // no port scan
+    QCOMPARE(err.count(u"partly written"_s), lastSays.count(u"partly written"_s));
+}
+
+// Ctrl+C while two radios are written: each is named as partly written.
+void TestLinkTools::writeInterrupted()
+{
+    const QMap<int, QString> devices = startRadios(80, 2);
+    QCOMPARE(devices.size(), 2);
+    QProcess process;
+    process.setProcessEnvironment(m_environment);
+    process.setReadChannel(QProcess::StandardError);
+    process.start(QStringLiteral(WRPD6T_TOOL_PATH), {u"write"_s, filePath(u"start.tw"_s), u"COM80"_s, u"COM81"_s});
+    QByteArray said;
+    while (said.count("25%") < 2 && process.waitForReadyRead(10000))
+        said += process.readAllStandardError();
+    QCOMPARE(said.count("25%"), 2); // a quarter of the way, both
+    QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
+    QVERIFY(process.waitForFinished(10000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 1);
+    said += process.readAllStandardError();
+    for (auto radio = devices.cbegin(); radio != devices.cend(); ++radio) {
+        const QString summary = u"COM%1 (%2): The transfer was cancelled.\n  The radio is only partly written: the write "
+                                "on COM%1 stopped before its end. Write the radio again before using it.\n"_s;
+        QVERIFY2(said.contains(summary.arg(radio.key()).arg(radio.value()).toUtf8()), said.constData());
+    }
 }
 
 // Two radios read at once, one file each, named after the port and the time.

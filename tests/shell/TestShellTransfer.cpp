@@ -15,6 +15,7 @@
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QProcess>
+#include <QProgressBar>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -31,7 +32,7 @@ private:
     // The virtual radio registered as COM200 in the test's own data home,
     // and the main window on that port. The radio's first line,
     // "COM200 <device>", says the link is in place.
-    bool startRadioAndWindow(const QStringList &arguments)
+    bool startRadioAndWindow(const QStringList &arguments, int language = 0)
     {
         const QString dataHome = filePath(u"data-home"_s);
         QDir().mkpath(dataHome);
@@ -45,7 +46,7 @@ private:
         for (QDeadlineTimer wait(10000); !m_radio.canReadLine() && !wait.hasExpired();)
             QTest::qWait(20);
         h->storeSetting(u"gbPort"_s, u"200"_s);
-        h->open(0);
+        h->open(language);
         return m_radio.readLine().startsWith("COM200 ");
     }
 
@@ -55,16 +56,21 @@ private:
     {
         wr::MessageBox::clearHistory();
         wr::MessageBox::setNextAnswer(QMessageBox::Ok);
+        trigger(item);
+        const QStringList shown = ShellHarness::shownBoxes();
+        QVERIFY(shown.size() >= 2);
+        QCOMPARE(shown.first(), u"Question|WR-PD6T|"_s + question);
+        QCOMPARE(shown.last().section(u'|', 2), done);
+    }
+
+    void trigger(const QString &item)
+    {
         // A transfer that hangs must not hang the suite: close the progress form.
         QTimer::singleShot(30000, h->window.get(), [] {
             if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
                 dialog->reject();
         });
         h->trigger(item);
-        const QStringList shown = ShellHarness::shownBoxes();
-        QVERIFY(shown.size() >= 2);
-        QCOMPARE(shown.first(), u"Question|WR-PD6T|"_s + question);
-        QCOMPARE(shown.last().section(u'|', 2), done);
     }
 
     void tearDown() override
@@ -109,6 +115,60 @@ private Q_SLOTS:
         QVERIFY(!wr::app().image.IsModified());
         QCOMPARE(wr::app().BandLimits[0], 136);
         QCOMPARE(h->gridRx(100), u"145.50000"_s);
+    }
+
+    void interruptedWrite_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QStringList>("radio");     // the virtual radio's faults
+        QTest::addColumn<bool>("cancelInForm");     // at 40 %; else the lost-connection question is answered Cancel
+        QTest::addColumn<QStringList>("shown");     // the first line of each message box: "Icon|title|line"
+
+        const QString question = u"Question|WR-PD6T|"_s;
+        QTest::newRow("Cancel at 40 %")
+            << 0 << QStringList{} << true
+            << QStringList{question + u"Write data to radio."_s,
+                           u"Warning|WR-PD6T|The radio is only partly written: the write on COM200 stopped before its "
+                           "end. Write the radio again before using it."_s};
+        QTest::newRow("the radio falls silent at 40 %, the question answered Cancel, in Traditional Chinese")
+            << 2 << QStringList{u"--hang-up-after"_s, u"75"_s} << false
+            << QStringList{question + u"向對講機寫入數據。"_s, u"Critical|錯誤|檢測連接。重試或取消？"_s,
+                           u"Warning|WR-PD6T|對講機只寫入了一部分：COM200 上的寫入在完成前中斷。請重新寫入對講機後再使用。"_s};
+        // Refused before the first row: the radio is as it was.
+        QTest::newRow("another radio answers, in Simplified Chinese")
+            << 1 << QStringList{u"--wrong-id"_s} << false
+            << QStringList{question + u"向对讲机写入数据。"_s, u"Critical|错误|检测连接。重试或取消？"_s};
+    }
+
+    // A write that stops after its first row, however it stops, ends with a
+    // warning after the prescribed messages: the radio holds part of it.
+    void interruptedWrite()
+    {
+        QFETCH(int, language);
+        QFETCH(QStringList, radio);
+        QFETCH(bool, cancelInForm);
+        QFETCH(QStringList, shown);
+        QVERIFY(startRadioAndWindow(radio, language));
+        wr::MessageBox::clearHistory();
+        wr::MessageBox::setNextAnswer(QMessageBox::Ok);
+        if (!cancelInForm)
+            wr::MessageBox::setNextAnswer(QMessageBox::Cancel);
+        QTimer atForty;
+        connect(&atForty, &QTimer::timeout, this, [&] {
+            QWidget *form = QApplication::activeModalWidget();
+            if (form && form->objectName() == u"frmclone" && form->findChild<QProgressBar *>(u"prgPercent"_s)->value() >= 75) {
+                atForty.stop();
+                QTest::mouseClick(form->findChild<QPushButton *>(u"cmdCancel"_s), Qt::LeftButton);
+            }
+        });
+        if (cancelInForm)
+            atForty.start(5);
+        trigger(u"mnuWrite"_s);
+
+        QStringList firstLines;
+        for (const QString &box : ShellHarness::shownBoxes())
+            firstLines.append(box.section(u'\n', 0, 0));
+        QCOMPARE(firstLines, shown);
     }
 
     // Every completed read is kept as a backup; a data folder that cannot
