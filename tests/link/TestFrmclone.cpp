@@ -138,7 +138,7 @@ void TestFrmclone::cancelWhileRetrying_data()
         << true << 2 << u"COM200 無應答，正在重試（第 2 次，共 7 次）\u2026"_s << QString();
     QTest::newRow("write, in Simplified Chinese: the radio is only partly written")
         << false << 1 << u"COM200 无应答，正在重试（第 2 次，共 7 次）\u2026"_s
-        << u"对讲机只写入了一部分：COM200 上的写入在完成前中断。请重新写入对讲机后再使用。"_s;
+        << u"对讲机只写入了一部分：COM200 上的写入没有完成。\n请重新写入对讲机后再使用。"_s;
 }
 
 // The radio stops answering after five rows: the line under the bar says

@@ -210,8 +210,8 @@ void TestLinkTools::writeSeveral_data()
         << u"The radio did not answer.\n  Port tried: COM%1 (%2)\n  Run the connection test: wrpd6t-tool doctor COM%1\n"_s;
     // Rows taken, then silence: the question is answered Cancel off a terminal.
     const QString partly = u"The radio did not answer.\n  Port tried: COM%1 (%2)\n  Run the connection test: "
-                           "wrpd6t-tool doctor COM%1\n  The radio is only partly written: the write on COM%1 stopped "
-                           "before its end. Write the radio again before using it.\n"_s;
+                           "wrpd6t-tool doctor COM%1\n  The radio is only partly written: the write on COM%1 did not "
+                           "finish.\n  Write the radio again before using it.\n"_s;
     QTest::newRow("one radio falls silent at 40 %") << 1 << QStringList{u"--hang-up-after"_s, u"75"_s} << false << partly;
     QTest::newRow("one radio among three falls silent at 40 %")
         << 3 << QStringList{u"--hang-up-after"_s, u"75"_s} << false << partly;
@@ -297,7 +297,7 @@ void TestLinkTools::writeInterrupted()
     said += process.readAllStandardError();
     for (auto radio = devices.cbegin(); radio != devices.cend(); ++radio) {
         const QString summary = u"COM%1 (%2): The transfer was cancelled.\n  The radio is only partly written: the write "
-                                "on COM%1 stopped before its end. Write the radio again before using it.\n"_s;
+                                "on COM%1 did not finish.\n  Write the radio again before using it.\n"_s;
         QVERIFY2(said.contains(summary.arg(radio.key()).arg(radio.value()).toUtf8()), said.constData());
     }
 }

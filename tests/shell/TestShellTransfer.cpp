@@ -128,12 +128,11 @@ private Q_SLOTS:
         QTest::newRow("Cancel at 40 %")
             << 0 << QStringList{} << true
             << QStringList{question + u"Write data to radio."_s,
-                           u"Warning|WR-PD6T|The radio is only partly written: the write on COM200 stopped before its "
-                           "end. Write the radio again before using it."_s};
+                           u"Warning|WR-PD6T|The radio is only partly written: the write on COM200 did not finish."_s};
         QTest::newRow("the radio falls silent at 40 %, the question answered Cancel, in Traditional Chinese")
             << 2 << QStringList{u"--hang-up-after"_s, u"75"_s} << false
             << QStringList{question + u"向對講機寫入數據。"_s, u"Critical|錯誤|檢測連接。重試或取消？"_s,
-                           u"Warning|WR-PD6T|對講機只寫入了一部分：COM200 上的寫入在完成前中斷。請重新寫入對講機後再使用。"_s};
+                           u"Warning|WR-PD6T|對講機只寫入了一部分：COM200 上的寫入沒有完成。"_s};
         // Refused before the first row: the radio is as it was.
         QTest::newRow("another radio answers, in Simplified Chinese")
             << 1 << QStringList{u"--wrong-id"_s} << false

@@ -290,7 +290,7 @@ QString summary(const CloneBatch::Radio &radio)
     QString text = indented(outcomeText(radio.outcome, English, Wording::CommandLine));
     const QString partly = partlyWrittenText(radio.outcome, English);
     if (!partly.isEmpty())
-        text += QStringLiteral("\n  ") + partly;
+        text += QStringLiteral("\n  ") + indented(partly);
     // The port's problem already begins with the port's name.
     const TransferOutcome::Kind kind = radio.outcome.kind;
     if (kind == TransferOutcome::Kind::PortFailed || kind == TransferOutcome::Kind::PortLost)
