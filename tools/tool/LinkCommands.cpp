@@ -434,7 +434,9 @@ int write(const QStringList &arguments)
     CommandLine line(QStringLiteral("write"),
                      QStringLiteral("Writes a data file into the radio on COM<N>. Given several ports, writes all "
                                     "those radios at once, one line of progress each; the exit status is 0 only "
-                                    "when every radio was written (and, with --verify, read back equal)."));
+                                    "when every radio was written (and, with --verify, read back equal). A radio "
+                                    "whose write stopped after its first row, Ctrl+C included, is named as only "
+                                    "partly written: write it again before using it."));
     const QCommandLineOption verify(QStringLiteral("verify"),
                                     QStringLiteral("Read every radio back after writing it and compare it byte for "
                                                    "byte; a radio that differs names the first rows that do."));
