@@ -224,17 +224,13 @@ void TestCloneEngine::transfer_data()
     QTest::newRow("write, a late second ACK")
         << false << RadioFaults{.duplicateAckRow = 40} << none << false << 187 << 1 << QString() << Kind::Completed << none;
     // The radio keeps every row it took: from the first one on, a write that
-    // does not reach "END" leaves it partly written; one that never got that
-    // far leaves it as it was.
+    // does not reach "END" leaves it partly written.
     QTest::newRow("write stops after 40 rows: partly written")
         << false << RadioFaults{.hangUpAfterRows = 40} << none << false << -1 << 1 << noAnswer.arg(7)
         << Kind::NoAnswer << QList<int>{2};
     QTest::newRow("write, Retry after 40 rows writes it all")
         << false << RadioFaults{.hangUpAfterRows = 40} << none << true << 187 << 2 << noAnswer.arg(7)
         << Kind::Completed << none;
-    QTest::newRow("write to another radio: nothing written")
-        << false << RadioFaults{.wrongId = true} << none << false << -1 << 8
-        << u"Unexpected answer on COM2, retrying (7 of 7)\u2026"_s << Kind::WrongIdentification << none;
 }
 
 void TestCloneEngine::transfer()
