@@ -269,7 +269,8 @@ std::unique_ptr<CloneBatch> runBatch(CloneEngine::Direction direction, const QLi
     }
     auto batch = std::make_unique<CloneBatch>(direction, ports, image, options);
     progress = std::make_unique<BatchProgress>(*batch);
-    // A read stopped half way changes nothing that matters: nothing is saved.
+    // A read stopped by Ctrl+C saves nothing and leaves the radio as it was:
+    // the tool just stops.
     std::unique_ptr<CancelOnSignal> cancelOnSignal;
     if (direction == CloneEngine::Direction::Write)
         cancelOnSignal = std::make_unique<CancelOnSignal>(*batch);
