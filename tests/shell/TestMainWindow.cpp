@@ -29,6 +29,8 @@
 #include <QToolButton>
 #include <QTreeWidget>
 
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 using wr::test::ShellHarness;
 
@@ -504,6 +506,51 @@ private Q_SLOTS:
         QCOMPARE(shown, expectedShown);
         QCOMPARE(int(wr::app().PortNumber), stored);
         QCOMPARE(h->panel(1), u"COM"_s + QString::number(stored));
+    }
+
+    void portDetailsFramed_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::newRow("English") << 0;
+        QTest::newRow("Simplified Chinese") << 1;
+        QTest::newRow("Traditional Chinese") << 2;
+    }
+
+    // The box beside the port list shows all four sides, wherever the
+    // language's captions put it. CTest runs this at 150 % too, where a
+    // line on a widget's edge can fall outside the pixels it paints.
+    void portDetailsFramed()
+    {
+        QFETCH(int, language);
+        wr::frmComPort dialog(1, wr::Language(language));
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        const QImage image = dialog.grab().toImage();
+        const qreal scale = image.devicePixelRatio();
+        const QRectF box(dialog.findChild<QFrame *>(u"fraDetails"_s)->geometry());
+        const QRect pixels(QPoint(int(box.left() * scale), int(box.top() * scale)),
+                           QPoint(int(std::ceil((box.right() + 1) * scale)) - 1,
+                                  int(std::ceil((box.bottom() + 1) * scale)) - 1));
+        const int background = qGray(dialog.palette().color(QPalette::Window).rgb());
+        // A line within the three outermost pixels, half way along the side.
+        const auto lined = [&](QPoint edge, QPoint inward) {
+            for (int i = 0; i < 3; ++i) {
+                if (qGray(image.pixel(edge + inward * i)) < background - 24)
+                    return true;
+            }
+            return false;
+        };
+        const QPoint middle = pixels.center();
+        QStringList missing;
+        if (!lined({middle.x(), pixels.top()}, {0, 1}))
+            missing << u"top"_s;
+        if (!lined({pixels.left(), middle.y()}, {1, 0}))
+            missing << u"left"_s;
+        if (!lined({middle.x(), pixels.bottom()}, {0, -1}))
+            missing << u"bottom"_s;
+        if (!lined({pixels.right(), middle.y()}, {-1, 0}))
+            missing << u"right"_s;
+        QCOMPARE(missing, QStringList());
     }
 
     // The button and the version line.

@@ -5,8 +5,8 @@
 // (QT_SCALE_FACTOR=1.5 for 150 %).
 // The progress form is also shown retrying and searching the ports against a
 // silent virtual radio and verifying a write, the port dialog after its
-// connection test, and the port error and verification boxes with made-up
-// devices and rows.
+// connection test, and the port error and verification boxes and the
+// warning of a radio left partly written, with made-up devices and rows.
 #include "channels/ChannelRecord.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
@@ -233,6 +233,14 @@ void savePortBoxes(QWidget *window, int language, const QString &folder, const Q
     differs.differingRows = {5, 120, 230, 300, 409};
     saveBox(window, QMessageBox::Warning, wr::ModelName(), wr::outcomeText(differs, language), QMessageBox::Ok,
             folder, QStringLiteral("verify-failed-") + tag);
+
+    // The warning after a write that stopped part way.
+    wr::TransferOutcome partly;
+    partly.read = false;
+    partly.port = 33;
+    partly.partlyWritten = {33};
+    saveBox(window, QMessageBox::Warning, wr::ModelName(), wr::partlyWrittenText(partly, language), QMessageBox::Ok,
+            folder, QStringLiteral("partly-written-") + tag);
 }
 
 // The backups dialog with one backup of each kind, a day of work apart,
