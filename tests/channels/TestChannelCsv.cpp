@@ -2,7 +2,7 @@
 // with the import rules, whole files and pasted text, and a round trip of a
 // full radio.
 
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "channels/ChannelCsv.h"
 #include "core/CsvText.h"
@@ -50,13 +50,11 @@ QStringList channelsOf(const CsvImport &import)
 
 } // namespace
 
-class TestChannelCsv : public QObject
+class TestChannelCsv : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-
     // Our channel (rx|tx|decode|encode|power|width|scan|BCL) as the row
     // written after its Location.
     void exportRow_data()

@@ -5,7 +5,6 @@
 
 #include "ModalDialog.h"
 #include "ChannelListForm.h"
-#include "TestSupport.h"
 
 #include "channels/ChannelRecord.h"
 #include "channels/frmChannel.h"
@@ -76,37 +75,22 @@ QByteArray hiddenBytes()
 
 } // namespace
 
-class TestChannelTools : public QObject
+class TestChannelTools : public test::ChannelListSuite
 {
     Q_OBJECT
 
 private:
-    std::optional<test::Fixture> m_fixture;
-    std::unique_ptr<frmChannel> m_form;
-
-    void openForm()
-    {
-        m_form = test::openChannelList();
-        QVERIFY(m_form);
-    }
-    QTableView *grid() const { return m_form->grid(); }
-    QMenu *menu() const { return m_form->findChild<QMenu *>(u"channelMenu"_s); }
+    QMenu *menu() const { return form->findChild<QMenu *>(u"channelMenu"_s); }
     QString rxColumn(int rows = 8) const
     {
         QStringList rx;
         for (int row = 1; row <= rows; ++row)
-            rx << m_form->cellText(row, 1);
+            rx << cell(row, 1);
         return rx.join(u'|');
-    }
-    QPoint cellCentre(int row, int column) const
-    {
-        const QModelIndex index = grid()->model()->index(row, column);
-        grid()->scrollTo(index);
-        return grid()->visualRect(index).center();
     }
     void click(int row, int column, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
-        QTest::mouseClick(grid()->viewport(), Qt::LeftButton, modifiers, cellCentre(row, column));
+        ChannelListSuite::click(row, column, Qt::LeftButton, modifiers);
     }
     // A right click as the window system reports it.
     void rightClick(int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
@@ -119,7 +103,7 @@ private:
     {
         rightClick(row);
         QTRY_VERIFY(menu()->isVisible());
-        QAction *action = m_form->findChild<QAction *>(name);
+        QAction *action = form->findChild<QAction *>(name);
         QVERIFY(action && action->isEnabled());
         QTest::mouseClick(menu(), Qt::LeftButton, {}, menu()->actionGeometry(action).center());
         QTRY_VERIFY(!menu()->isVisible());
@@ -141,18 +125,15 @@ private:
             } else if (step.front() == u'+' || step.front() == u'^') {
                 click(step.mid(1).toInt(), 0, step.front() == u'+' ? Qt::ShiftModifier : Qt::ControlModifier);
             } else if (step.front() == u'@') {
-                chooseTool(m_form->selectedChannels().value(0), step.mid(1));
+                chooseTool(form->selectedChannels().value(0), step.mid(1));
             } else {
                 key(step);
             }
         }
     }
 
-private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init()
+    void setUp() override
     {
-        m_fixture.emplace();
         app().LanguageIndex = English;
         MessageBox::reset();
         MessageBox::setAutoAnswer(true);
@@ -160,14 +141,14 @@ private Q_SLOTS:
         QGuiApplication::clipboard()->clear();
         putChannels();
     }
-    void cleanup()
+    void tearDown() override
     {
-        m_form.reset();
-        m_fixture.reset();
+        ChannelListSuite::tearDown();
         MessageBox::reset();
         FileDialog::reset();
     }
 
+private Q_SLOTS:
     void contextMenu_data()
     {
         QTest::addColumn<int>("language");
@@ -199,8 +180,8 @@ private Q_SLOTS:
         for (QAction *action : menu()->actions())
             shown << action->text();
         QCOMPARE(shown.join(u'|'), captions);
-        QCOMPARE(m_form->selectedChannels(), QList<int>{5});
-        QVERIFY(!m_form->findChild<QAction *>(u"undoChannels"_s)->isEnabled());
+        QCOMPARE(form->selectedChannels(), QList<int>{5});
+        QVERIFY(!form->findChild<QAction *>(u"undoChannels"_s)->isEnabled());
         menu()->close();
     }
 
@@ -245,15 +226,15 @@ private Q_SLOTS:
         const QByteArray imageBefore = app().image.bytes();
         QHash<QString, QByteArray> records; // each channel's record, by its receive frequency
         for (int row = 1; row <= 8; ++row)
-            records[m_form->cellText(row, 1)] = app().image.row(row - 1);
+            records[cell(row, 1)] = app().image.row(row - 1);
 
         run(steps);
         QCOMPARE(rxColumn(), rx);
-        const int steps0 = m_form->undoStack()->count();
+        const int steps0 = form->undoStack()->count();
         QVERIFY(steps0 >= 1);
-        m_form->SaveData();
+        form->SaveData();
         for (int row = 1; row <= 8; ++row) {
-            const QString channel = m_form->cellText(row, 1);
+            const QString channel = cell(row, 1);
             if (channel.isEmpty())
                 QCOMPARE(app().image.row(row - 1), QByteArray(16, char(0xFF)));
             else if (!steps.contains(u'=') && !steps.contains(u"Ctrl+V"))
@@ -268,7 +249,7 @@ private Q_SLOTS:
         QCOMPARE(hiddenBytes().toHex(), hiddenBytesOf(imageBefore).toHex());
         // The scan-skip bit of a channel left empty keeps what the last save
         // wrote; everything else is as it was.
-        m_form->SaveData();
+        form->SaveData();
         app().image.setRow(203, imageBefore.mid(203 * 16, 16));
         QCOMPARE(app().image.bytes().toHex(), imageBefore.toHex());
 
@@ -289,13 +270,13 @@ private Q_SLOTS:
         run(u"4 Ctrl+V"_s);
         QCOMPARE(rxColumn(6), u"146.00000|145.00000|147.00000|146.00000|145.00000|439.00000"_s);
         QCOMPARE(app().image.row(3).mid(12).toHex(), QByteArray("00004c00")); // at once, as typing
-        m_form->SaveData();
+        form->SaveData();
         for (int row : {4, 5}) {
             QCOMPARE(app().image.row(row - 1).left(12), app().image.row(row - 4).left(12));
             QCOMPARE(app().image.row(row - 1).at(14), app().image.row(row - 4).at(14));
         }
         QCOMPARE(quint8(app().image.row(4).at(15)), quint8(0x0C)); // channel 5 was in use
-        QCOMPARE(m_form->undoStack()->count(), 1);
+        QCOMPARE(form->undoStack()->count(), 1);
     }
 
     // Text from a spreadsheet goes through the import rules; a doubtful row
@@ -344,7 +325,7 @@ private Q_SLOTS:
         QCOMPARE(rxColumn(), rx);
         const QString message = MessageBox::history().isEmpty() ? QString() : MessageBox::history().front().text;
         QCOMPARE(report.isEmpty() ? message : report, shown);
-        QCOMPARE(m_form->undoStack()->count(), steps);
+        QCOMPARE(form->undoStack()->count(), steps);
     }
 
     void importFile_data()
@@ -359,7 +340,7 @@ private Q_SLOTS:
     void importFile()
     {
         QFETCH(bool, accept);
-        const QString path = m_fixture->path(u"club.csv"_s);
+        const QString path = filePath(u"club.csv"_s);
         QVERIFY(test::writeFile(path, "\xEF\xBB\xBF# club channels\r\n"
                                       "Location,Name,Frequency,Duplex,Offset,Tone,rToneFreq,cToneFreq\r\n"
                                       "2,Rpt,439.503000,-,7.6,TSQL,88.5,100.0\r\n"
@@ -387,16 +368,16 @@ private Q_SLOTS:
                               u"6\tFrequency\t30.000000\toutside the receive bands: row skipped"_s}));
         if (!accept) {
             QCOMPARE(rxColumn(11), before);
-            QCOMPARE(m_form->undoStack()->count(), 0);
+            QCOMPARE(form->undoStack()->count(), 0);
             return;
         }
         QCOMPARE(rxColumn(11), u"146.00000|439.50000|433.00000||144.00000|439.00000||||445.00000|"_s);
-        QCOMPARE(m_form->cellText(2, 2) + u' ' + m_form->cellText(2, 3), u"431.90000 100.0"_s);
-        QCOMPARE(m_form->undoStack()->count(), 1);
+        QCOMPARE(cell(2, 2) + u' ' + cell(2, 3), u"431.90000 100.0"_s);
+        QCOMPARE(form->undoStack()->count(), 1);
         // The offscreen platform gives the activation back to no window
         // when a dialog closes; a window manager gives it to the list.
-        m_form->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
+        form->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(form.get()));
         key(u"Ctrl+Z"_s);
         QCOMPARE(rxColumn(11), before);
     }
@@ -407,9 +388,9 @@ private Q_SLOTS:
     {
         openForm();
         run(u"2 Del 8=146.52"_s);
-        FileDialog::setNextFileName(m_fixture->path(u"list"_s));
+        FileDialog::setNextFileName(filePath(u"list"_s));
         chooseTool(1, u"exportCsv"_s);
-        const QList<QByteArray> lines = test::readFile(m_fixture->path(u"list.csv"_s)).split('\n');
+        const QList<QByteArray> lines = test::readFile(filePath(u"list.csv"_s)).split('\n');
         QCOMPARE(lines.size(), 1 + 5 + 1);
         QVERIFY(lines.front().startsWith("Location,Name,Frequency,Duplex,Offset,Tone,"));
         QCOMPARE(lines.at(1), "1,,146.000000,+,0.600000,TSQL,88.5,88.5,023,NN,023,Tone->Tone,FM,5.00,,5.0W,,,,,\r");
@@ -423,7 +404,7 @@ private Q_SLOTS:
         run(u"128=150 3 @insertChannel"_s);
         QCOMPARE(MessageBox::history().size(), 1);
         QCOMPARE(MessageBox::history().front().text, u"Channel 128 is in use: there is no room to insert a channel."_s);
-        QCOMPARE(m_form->undoStack()->count(), 1); // the typing only
+        QCOMPARE(form->undoStack()->count(), 1); // the typing only
     }
 
     // A reload from the image starts a new history. A language switch (the
@@ -444,12 +425,12 @@ private Q_SLOTS:
         QFETCH(QString, undone);
         openForm();
         run(u"3 Del"_s);
-        m_form->SaveData();
+        form->SaveData();
         app().LanguageIndex = quint8(language);
-        m_form->RefreshChannel();
-        QCOMPARE(m_form->undoStack()->count(), language == English ? 0 : 1);
+        form->RefreshChannel();
+        QCOMPARE(form->undoStack()->count(), language == English ? 0 : 1);
         key(u"Ctrl+Z"_s);
-        QCOMPARE(m_form->cellText(3, 1) + u'|' + m_form->cellText(3, 5), undone);
+        QCOMPARE(cell(3, 1) + u'|' + cell(3, 5), undone);
     }
 
 private:
