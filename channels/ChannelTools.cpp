@@ -123,8 +123,8 @@ void ChannelTools::build()
         {{u"redoChannels", RedoCaption, {Qt::CTRL | Qt::Key_Y, Qt::CTRL | Qt::SHIFT | Qt::Key_Z}}, nullptr},
         {{}, nullptr},
         {{u"cutChannels", CutCaption, {Qt::SHIFT | Qt::Key_Delete}}, &ChannelTools::cutChannels},
-        {{u"copyChannels", CopyCaption, {Qt::CTRL | Qt::Key_C}}, &ChannelTools::copyChannels},
-        {{u"pasteChannels", PasteCaption, {Qt::CTRL | Qt::Key_V}}, &ChannelTools::pasteChannels},
+        {{u"copyChannels", CopyCaption, {Qt::CTRL | Qt::Key_C, Qt::CTRL | Qt::Key_Insert}}, &ChannelTools::copyChannels},
+        {{u"pasteChannels", PasteCaption, {Qt::CTRL | Qt::Key_V, Qt::SHIFT | Qt::Key_Insert}}, &ChannelTools::pasteChannels},
         {{u"clearChannels", DeleteCaption, {QKeyCombination(Qt::Key_Delete)}}, &ChannelTools::clearChannels},
         {{}, nullptr},
         {{u"insertChannel", InsertCaption}, &ChannelTools::insertChannel},
@@ -150,11 +150,13 @@ void ChannelTools::build()
         }
         tool->setShortcuts(keys);
         // Keys with Ctrl work in the grid and in its editors, which leave
-        // such keys to shortcuts and never paste themselves (a click on an
-        // empty row's number opens its receive frequency, where Ctrl+V must
-        // still paste rows). Delete and Shift+Delete act on rows only from
-        // the grid; in an open editor they edit its text. None of the keys is
-        // one of the main window's (Ctrl+X Exit, Ctrl+A Save As).
+        // such keys to shortcuts, all but their own copy and paste: there
+        // Ctrl+C, Ctrl+V, Ctrl+Insert and Shift+Insert work on the editor's
+        // text, unless rows are pasted into an editor nothing was typed
+        // into (frmChannel::pasteGoesToGrid). Delete and Shift+Delete act on
+        // rows only from the grid; in an open editor they edit its text.
+        // None of the keys is one of the main window's (Ctrl+X Exit, Ctrl+A
+        // Save As).
         const bool withCtrl = !keys.isEmpty() && (keys.front()[0].keyboardModifiers() & Qt::ControlModifier);
         tool->setShortcutContext(withCtrl ? Qt::WidgetWithChildrenShortcut : Qt::WidgetShortcut);
         m_grid->addAction(tool);

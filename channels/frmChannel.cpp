@@ -574,6 +574,17 @@ CellEditRules::Escape frmChannel::onEscape(QWidget *editor) const
     return editor == m_text ? Escape::Close : Escape::RevertText;
 }
 
+// More than one cell of a spreadsheet, or rows copied from this list, are
+// channels even when a click has just opened an editor (a click on an empty
+// row's number opens its receive frequency); one cell's text is the cell's.
+bool frmChannel::pasteGoesToGrid(const QString &text) const
+{
+    QStringView cells(text);
+    while (cells.endsWith(u'\n') || cells.endsWith(u'\r'))
+        cells.chop(1);
+    return cells.contains(u'\n') || cells.contains(u'\r') || cells.contains(u'\t');
+}
+
 QList<int> frmChannel::selectedChannels() const
 {
     return m_selection->channels(lastChannel());

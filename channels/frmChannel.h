@@ -106,6 +106,7 @@ private:
     void commit(const QModelIndex &cell, QWidget *editor, const QString &text) override;
     QModelIndex cellAfterEnter(const QModelIndex &cell) override;
     Escape onEscape(QWidget *editor) const override;
+    bool pasteGoesToGrid(const QString &text) const override;
 
     // What the tools need.
     void selectChannels(const QList<int> &channels) override;

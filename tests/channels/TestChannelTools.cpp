@@ -13,15 +13,18 @@
 #include "core/ToneCodec.h"
 #include "ui/MessageBox.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QComboBox>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
 #include <QUndoStack>
@@ -109,6 +112,13 @@ private:
         QTRY_VERIFY(!menu()->isVisible());
     }
     void key(const QString &keys) { QTest::keySequence(grid(), QKeySequence(keys)); }
+    QStringList rowTexts(int channel) const
+    {
+        QStringList texts;
+        for (int column = 1; column < frmChannel::ColumnCount; ++column)
+            texts << cell(channel, column);
+        return texts;
+    }
 
     // Steps: "2" clicks channel number 2, "+4" Shift-clicks, "^5" Ctrl-clicks,
     // "Del" or "Ctrl+V" are keys, "@insertChannel" chooses a tool from the
@@ -396,6 +406,80 @@ private Q_SLOTS:
         QCOMPARE(lines.at(1), "1,,146.000000,+,0.600000,TSQL,88.5,88.5,023,NN,023,Tone->Tone,FM,5.00,,5.0W,,,,,\r");
         QVERIFY(lines.at(5).startsWith("8,,146.520000,,0.000000,,"));
         QVERIFY(MessageBox::history().isEmpty());
+    }
+
+    // In an open editor the clipboard's keys work on its text, as in any
+    // text box; a pasted text is typed through the cell's key rules. The
+    // main window's Ctrl+X and Ctrl+A stay its own. Nothing reaches the
+    // channels: no step, no dialog, the half-typed text not stored.
+    void editorClipboardKeys_data()
+    {
+        QTest::addColumn<int>("channel"); // 1 in use, 40 empty
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("typed"); // into the open editor first
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("clipboard");
+        QTest::addColumn<QString>("text");          // the editor's afterwards
+        QTest::addColumn<QString>("clipboardAfter");
+        QTest::addColumn<int>("windowCommands");    // Ctrl+X and Ctrl+A run
+        QTest::newRow("Ctrl+V after the half-typed text") << 40 << 1 << u"14"_s << u"Ctrl+V"_s << u"146.52"_s
+                                                         << u"14146.52"_s << u"146.52"_s << 0;
+        QTest::newRow("Shift+Insert drops what the cell refuses")
+            << 1 << 2 << QString() << u"Shift+Ins"_s << u"145.5 MHz\n"_s << u"145.5"_s << u"145.5 MHz\n"_s << 0;
+        QTest::newRow("rows pasted into a typed text are typed too")
+            << 40 << 1 << u"1"_s << u"Ctrl+V"_s << u"146.52\n146.55"_s << u"1146.5214"_s << u"146.52\n146.55"_s << 0;
+        QTest::newRow("a tone by the tone keys") << 1 << 3 << QString() << u"Ctrl+V"_s << u"d023i Hz"_s << u"D023I"_s
+                                                 << u"d023i Hz"_s << 0;
+        QTest::newRow("Ctrl+C copies the selected text") << 1 << 1 << QString() << u"Ctrl+C"_s << u"x"_s
+                                                         << u"146.00000"_s << u"146.00000"_s << 0;
+        QTest::newRow("Ctrl+Insert copies a list's word") << 1 << 5 << QString() << u"Ctrl+Ins"_s << u"x"_s
+                                                          << u"High"_s << u"High"_s << 0;
+        QTest::newRow("Ctrl+X stays Exit") << 1 << 1 << QString() << u"Ctrl+X"_s << u"x"_s << u"146.00000"_s << u"x"_s
+                                           << 1;
+        QTest::newRow("Ctrl+A stays Save As") << 1 << 2 << u"1"_s << u"Ctrl+A"_s << u"x"_s << u"1"_s << u"x"_s << 1;
+    }
+
+    void editorClipboardKeys()
+    {
+        QFETCH(int, channel);
+        QFETCH(int, column);
+        QFETCH(QString, typed);
+        QFETCH(QString, key);
+        QFETCH(QString, clipboard);
+        QFETCH(QString, text);
+        QFETCH(QString, clipboardAfter);
+        QFETCH(int, windowCommands);
+        openForm();
+        // The main window's Exit and Save As.
+        QAction exitOrSave(form.get());
+        exitOrSave.setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_X), QKeySequence(Qt::CTRL | Qt::Key_A)});
+        form->addAction(&exitOrSave);
+        QSignalSpy commands(&exitOrSave, &QAction::triggered);
+        int dialogs = 0;
+        test::whenModal([&dialogs](QDialog *dialog) {
+            ++dialogs;
+            dialog->reject();
+        });
+        const QByteArray image = app().image.bytes();
+        const QStringList cells = rowTexts(channel);
+
+        enterCell(channel, column);
+        QWidget *editor = QApplication::focusWidget();
+        QVERIFY(editor && editor != grid());
+        QTest::keyClicks(editor, typed);
+        QGuiApplication::clipboard()->setText(clipboard);
+        QTest::keySequence(editor, QKeySequence(key));
+        QCOMPARE(QApplication::focusWidget(), editor);
+        const auto *line = qobject_cast<QLineEdit *>(editor);
+        QCOMPARE(line ? line->text() : qobject_cast<QComboBox *>(editor)->currentText(), text);
+        QCOMPARE(QGuiApplication::clipboard()->text(), clipboardAfter);
+        QCOMPARE(commands.count(), windowCommands);
+        QTest::qWait(50);
+        QCOMPARE(dialogs, 0);
+        QCOMPARE(form->undoStack()->count(), 0);
+        QCOMPARE(rowTexts(channel), cells);
+        QCOMPARE(app().image.bytes(), image);
+        QTest::keyClick(editor, Qt::Key_Escape);
     }
 
     void insertRefusedWhenChannel128IsInUse()
