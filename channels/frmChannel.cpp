@@ -574,6 +574,25 @@ CellEditRules::Escape frmChannel::onEscape(QWidget *editor) const
     return editor == m_text ? Escape::Close : Escape::RevertText;
 }
 
+// Tab walks the data cells row by row, as in a spreadsheet: from BCL to the
+// receive frequency of the next channel shown, from the receive frequency
+// back to BCL of the one before; the last channel wraps to the first. The
+// channel numbers are no stop.
+QModelIndex frmChannel::cellAfterTab(const QModelIndex &cell, bool backwards) const
+{
+    int row = cell.row();
+    int column = std::clamp(cell.column(), int(ColNumber), int(ColBcl)) + (backwards ? -1 : 1);
+    if (column >= ColRx && column <= ColBcl)
+        return cell.siblingAtColumn(column);
+    const int last = lastChannel();
+    for (int step = 0; step < last; ++step) {
+        row = backwards ? (row <= 1 ? last : row - 1) : (row >= last ? 1 : row + 1);
+        if (!m_grid->isRowHidden(row))
+            return m_model->index(row, backwards ? ColBcl : ColRx);
+    }
+    return {};
+}
+
 // More than one cell of a spreadsheet, or rows copied from this list, are
 // channels even when a click has just opened an editor (a click on an empty
 // row's number opens its receive frequency); one cell's text is the cell's.

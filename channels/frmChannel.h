@@ -107,6 +107,7 @@ private:
     QModelIndex cellAfterEnter(const QModelIndex &cell) override;
     Escape onEscape(QWidget *editor) const override;
     bool pasteGoesToGrid(const QString &text) const override;
+    QModelIndex cellAfterTab(const QModelIndex &cell, bool backwards) const override;
 
     // What the tools need.
     void selectChannels(const QList<int> &channels) override;

@@ -1,6 +1,7 @@
 #include "ui/CellEditor.h"
 
 #include <QAbstractItemView>
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -91,6 +92,11 @@ CellEditRules::Scroll CellEditRules::onScroll() const
     return Scroll::Commit;
 }
 
+QModelIndex CellEditRules::cellAfterTab(const QModelIndex &, bool) const
+{
+    return {};
+}
+
 bool CellEditRules::pasteGoesToGrid(const QString &) const
 {
     return false;
@@ -105,6 +111,26 @@ CellEditor::CellEditor(QAbstractItemView *view, CellEditRules &rules)
     m_viewport->installEventFilter(this);
     for (QScrollBar *bar : {view->verticalScrollBar(), view->horizontalScrollBar()})
         connect(bar, &QScrollBar::valueChanged, this, &CellEditor::scrolled);
+
+    // Ctrl+Tab and Ctrl+Shift+Tab leave the grid, an open editor committed.
+    // They are shortcuts of the view because a document area takes those
+    // keys from its windows' children to switch between the windows.
+    for (const bool backwards : {false, true}) {
+        auto *leave = new QAction(view);
+        leave->setObjectName(backwards ? QStringLiteral("leaveGridBackwards") : QStringLiteral("leaveGrid"));
+        if (backwards)
+            leave->setShortcuts({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Tab),
+                                 QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Backtab),
+                                 QKeySequence(Qt::CTRL | Qt::Key_Backtab)});
+        else
+            leave->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Tab));
+        leave->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        view->addAction(leave);
+        connect(leave, &QAction::triggered, this, [this, backwards] {
+            commit();
+            leaveView(backwards);
+        });
+    }
 }
 
 void CellEditor::addEditor(QWidget *editor)
@@ -246,8 +272,42 @@ void CellEditor::escapePressed()
     }
 }
 
+// Tab and Shift+Tab move along the cells when the rules say where to. True
+// when the key was taken.
+bool CellEditor::tabPressed(const QKeyEvent *event, const QModelIndex &cell)
+{
+    if ((event->key() != Qt::Key_Tab && event->key() != Qt::Key_Backtab)
+        || (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)))
+        return false;
+    const bool backwards = event->key() == Qt::Key_Backtab || (event->modifiers() & Qt::ShiftModifier);
+    const QModelIndex next = m_rules.cellAfterTab(cell, backwards);
+    if (!next.isValid())
+        return false;
+    commit();
+    m_view->setFocus(Qt::OtherFocusReason);
+    m_view->setCurrentIndex(next);
+    return true;
+}
+
+// The focus goes to the widget before or after the view in its window's
+// chain, past the view's own children and the windows around it (a document
+// sub-window would give the focus straight back).
+void CellEditor::leaveView(bool backwards)
+{
+    QWidget *next = m_view;
+    do {
+        next = backwards ? next->previousInFocusChain() : next->nextInFocusChain();
+    } while (next != m_view
+             && (m_view->isAncestorOf(next) || next->isAncestorOf(m_view) || !next->isVisible() || !next->isEnabled()
+                 || !(next->focusPolicy() & Qt::TabFocus)));
+    if (next != m_view)
+        next->setFocus(backwards ? Qt::BacktabFocusReason : Qt::TabFocusReason);
+}
+
 bool CellEditor::viewKeyPress(QKeyEvent *event)
 {
+    if (tabPressed(event, m_view->currentIndex()))
+        return true;
     const QChar typed = typedCharacter(event);
     const bool enter = isEnterKey(event);
     const bool editKey = event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Escape;
@@ -282,6 +342,8 @@ TypedKey CellEditor::typedKey(QChar typed) const
 
 bool CellEditor::editorKeyPress(QKeyEvent *event)
 {
+    if (tabPressed(event, m_cell))
+        return true;
     if (isEnterKey(event)) {
         enterPressed();
         return true;

@@ -58,6 +58,11 @@ public:
     // The cell made current after Enter committed `cell`, or an invalid
     // index to stay (the rules may then give the focus to another widget).
     virtual QModelIndex cellAfterEnter(const QModelIndex &cell) = 0;
+    // The cell Tab (or Shift+Tab, backwards) makes current, as in a
+    // spreadsheet; an open editor is committed first and none opens. An
+    // invalid index, the default, leaves Tab to move the focus on. Every
+    // grid is left with Ctrl+Tab and Ctrl+Shift+Tab.
+    virtual QModelIndex cellAfterTab(const QModelIndex &cell, bool backwards) const;
     virtual Escape onEscape(QWidget *editor) const;
     virtual Scroll onScroll() const;
     // Text pasted into an editor nothing was typed into: true when it is
@@ -122,6 +127,8 @@ private:
     bool viewKeyPress(QKeyEvent *event);
     bool editorKeyPress(QKeyEvent *event);
     bool editorShortcutOverride(QKeyEvent *event);
+    bool tabPressed(const QKeyEvent *event, const QModelIndex &cell);
+    void leaveView(bool backwards);
     TypedKey typedKey(QChar typed) const;
     void copyText();
     void pasteText();

@@ -278,6 +278,62 @@ private Q_SLOTS:
     }
 
     // Leaving an editor by a click elsewhere or by scrolling keeps its text.
+    // Tab and Shift+Tab walk the data cells as in a spreadsheet, without
+    // opening an editor; from an open one they store it first. (Ctrl+Tab
+    // leaving the grid is tried in the main window, whose document area
+    // wants the key too.)
+    void tabWalksTheCells_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("typed"); // into the cell's editor first
+        QTest::addColumn<int>("key");       // Qt::Key_Tab or Qt::Key_Backtab
+        QTest::addColumn<int>("modifiers");
+        QTest::addColumn<int>("nextRow");
+        QTest::addColumn<int>("nextColumn");
+        const int shift = Qt::ShiftModifier;
+        QTest::newRow("along the row") << 5 << int(Dec) << QString() << int(Qt::Key_Tab) << 0 << 5 << int(Enc);
+        QTest::newRow("BCL to the next receive frequency")
+            << 5 << int(Bcl) << QString() << int(Qt::Key_Tab) << 0 << 6 << int(Rx);
+        QTest::newRow("back from the receive frequency to BCL")
+            << 6 << int(Rx) << QString() << int(Qt::Key_Backtab) << shift << 5 << int(Bcl);
+        QTest::newRow("the channel number is no stop")
+            << 7 << 0 << QString() << int(Qt::Key_Backtab) << shift << 6 << int(Bcl);
+        QTest::newRow("the last channel wraps to the first")
+            << 128 << int(Bcl) << QString() << int(Qt::Key_Tab) << 0 << 1 << int(Rx);
+        QTest::newRow("from an open editor") << 5 << int(Rx) << u"147"_s << int(Qt::Key_Tab) << 0 << 5 << int(Tx);
+    }
+
+    void tabWalksTheCells()
+    {
+        QFETCH(int, row);
+        QFETCH(int, column);
+        QFETCH(QString, typed);
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        QFETCH(int, nextRow);
+        QFETCH(int, nextColumn);
+        putChannel(5, u"146.00000"_s, u"146.50000"_s, u"None"_s, u"77.0"_s);
+        openForm();
+        setCurrentCell(row, column);
+        grid()->setFocus();
+        QWidget *target = grid();
+        if (!typed.isEmpty()) {
+            QTest::keyClick(grid(), Qt::Key_Return);
+            QTest::keyClicks(text(), typed);
+            target = text();
+        }
+        QTest::keyClick(target, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+        QVERIFY(text()->isHidden() && combo(0)->isHidden() && combo(1)->isHidden());
+        if (!typed.isEmpty())
+            QCOMPARE(cell(row, column), u"147.00000"_s);
+        QCOMPARE(QApplication::focusWidget(), grid());
+        QCOMPARE(grid()->currentIndex().row(), nextRow);
+        QCOMPARE(grid()->currentIndex().column(), nextColumn);
+        QCOMPARE(int(app().ChannelCursor), nextRow);
+        QCOMPARE(int(app().GridColumn), nextColumn);
+    }
+
     void leavingEditorCommits()
     {
         putChannel(2, u"150.00000"_s, u"150.00000"_s);

@@ -153,6 +153,36 @@ private Q_SLOTS:
             QCOMPARE(wr::MessageBox::history().size(), 1);
     }
 
+    // Ctrl+Tab and Ctrl+Shift+Tab leave the channel grid for the tree, the
+    // open editor stored; the document area would keep them for switching
+    // between its windows.
+    void ctrlTabLeavesTheGrid_data()
+    {
+        QTest::addColumn<bool>("backwards");
+        QTest::addColumn<QString>("typed"); // into an editor of channel 3 first
+        QTest::newRow("Ctrl+Tab from the grid") << false << QString();
+        QTest::newRow("Ctrl+Shift+Tab from an editor") << true << u"147"_s;
+    }
+
+    void ctrlTabLeavesTheGrid()
+    {
+        QFETCH(bool, backwards);
+        QFETCH(QString, typed);
+        h->open(0).show();
+        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
+        QTableView *grid = h->window->channelList()->grid();
+        grid->setCurrentIndex(grid->model()->index(3, 1));
+        grid->setFocus();
+        if (!typed.isEmpty()) {
+            QTest::keyClick(grid, Qt::Key_Return);
+            QTest::keyClicks(QApplication::focusWidget(), typed);
+        }
+        const Qt::Key key = backwards ? Qt::Key_Backtab : Qt::Key_Tab;
+        QTest::keyClick(QApplication::focusWidget(), key, Qt::ControlModifier | (backwards ? Qt::ShiftModifier : Qt::NoModifier));
+        QCOMPARE(QApplication::focusWidget(), h->window->findChild<QWidget *>(u"Tree0"_s));
+        QCOMPARE(h->gridRx(3), typed.isEmpty() ? QString() : u"147.00000"_s);
+    }
+
     // The channel list's Ctrl keys work beside the menu's: the hidden Print
     // View's Ctrl+V is switched off with its item, so it pastes rows, and
     // Ctrl+A stays Save As.
