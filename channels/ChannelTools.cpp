@@ -61,9 +61,10 @@ constexpr Text ImportStep{u"Import", u"导入", u"匯入"};
 constexpr Text NoRoomToInsert{u"Channel 128 is in use: there is no room to insert a channel.",
                               u"信道 128 已被使用，无法插入信道。", u"信道 128 已被使用，無法插入信道。"};
 constexpr Text NotAChannelList{
-    u"There is no Location or no Frequency column, so this is not a CHIRP channel list. Nothing was changed.",
-    u"没有 Location 或 Frequency 列，不是 CHIRP 信道列表。未做任何更改。",
-    u"沒有 Location 或 Frequency 欄，不是 CHIRP 信道列表。未做任何變更。"};
+    u"There is no Frequency column and no column of the channel list, so this is not a channel list. Nothing was "
+    u"changed.",
+    u"没有 Frequency 列，也没有信道列表的列，不是信道列表。未做任何更改。",
+    u"沒有 Frequency 欄，也沒有信道列表的欄，不是信道列表。未做任何變更。"};
 constexpr Text TooLarge{u"The file is too large for a channel list.", u"文件太大，不是信道列表。",
                         u"檔案太大，不是信道列表。"};
 constexpr Text ReplaceFile{u"%1 already exists. Replace it?", u"%1 已存在，是否替换？", u"%1 已存在，是否取代？"};
@@ -269,8 +270,9 @@ void ChannelTools::emptyChannels(const Text &name)
 }
 
 // Rows from the clipboard (a copy of this list, a spreadsheet, another
-// programmer's CHIRP rows) go in from the first selected channel on. Rows
-// that would be changed or skipped are shown first, as an import does.
+// programmer's CHIRP rows) go in from the first selected channel on; a block
+// of cells without a header holds the grid's columns from the current one on.
+// Rows that would be changed or skipped are shown first, as an import does.
 void ChannelTools::pasteChannels()
 {
     m_host.commitEdit();
@@ -278,12 +280,16 @@ void ChannelTools::pasteChannels()
     const QList<int> rows = m_host.selectedChannels();
     if (text.trimmed().isEmpty() || rows.isEmpty())
         return;
-    const CsvImport import = readChannelCsv(text, m_limits, rows.front());
+    const CsvImport import = readChannelCsv(
+        text, m_limits,
+        {.pasteAt = rows.front(), .firstChannel = rows.front(), .firstColumn = m_host.currentColumn(), .table = &m_model.table()});
     if (import.refused) {
         MessageBox::show(m_grid, QMessageBox::Warning, ModelName(), NotAChannelList.in(language()));
         return;
     }
-    if (import.notes.isEmpty() && import.imported > 0) {
+    // Rows that named their channels and went in unchanged need no look
+    // first; rows placed by their lines or read by position do.
+    if (import.notes.isEmpty() && import.imported > 0 && import.byLocation) {
         applyImport(import, PasteCaption);
         return;
     }
@@ -378,7 +384,9 @@ void ChannelTools::importCsv()
         MessageBox::show(m_grid, QMessageBox::Warning, ModelName(), TooLarge.in(language()));
         return;
     }
-    const CsvImport import = readChannelCsv(file.text, m_limits);
+    const QList<int> selected = m_host.selectedChannels();
+    const CsvImport import =
+        readChannelCsv(file.text, m_limits, {.firstChannel = selected.value(0, 1), .table = &m_model.table()});
     if (import.refused) {
         MessageBox::show(m_grid, QMessageBox::Warning, ModelName(), NotAChannelList.in(language()));
         return;

@@ -36,6 +36,8 @@ public:
     virtual void commitEdit() = 0;
     // The last channel row the list shows.
     virtual int lastChannel() const = 0;
+    // The column of the current cell (ChannelColumn).
+    virtual int currentColumn() const = 0;
 };
 
 // The channel list's tools on whole channels: undo and redo, the clipboard,

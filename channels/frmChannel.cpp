@@ -257,6 +257,11 @@ int frmChannel::lastChannel() const
     return std::min(m_rows - 1, int(ChannelRecord::ChannelCount));
 }
 
+int frmChannel::currentColumn() const
+{
+    return m_grid->currentIndex().column();
+}
+
 void frmChannel::RefreshChannelOP()
 {
     m_editor->cancel();

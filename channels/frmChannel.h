@@ -113,6 +113,7 @@ private:
     void selectChannels(const QList<int> &channels) override;
     void commitEdit() override;
     int lastChannel() const override;
+    int currentColumn() const override;
 
     void SetupChannelGrid();
     void SyncGridCursor();

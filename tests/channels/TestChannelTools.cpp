@@ -26,6 +26,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTableView>
+#include <QTimer>
 #include <QTest>
 #include <QUndoStack>
 
@@ -311,7 +312,7 @@ private Q_SLOTS:
             << u"Line\tColumn\tValue\tWhat happens\n3\tFrequency\t999\toutside the receive bands: row skipped"_s << 0;
         QTest::newRow("text with no Frequency column is refused")
             << u"Location,Name\n1,Club\n"_s << false << u"146.00000|145.00000|147.00000||144.00000|439.00000||"_s
-            << u"There is no Location or no Frequency column, so this is not a CHIRP channel list. Nothing was changed."_s
+            << u"There is no Frequency column and no column of the channel list, so this is not a channel list. Nothing was changed."_s
             << 0;
     }
 
@@ -336,6 +337,77 @@ private Q_SLOTS:
         const QString message = MessageBox::history().isEmpty() ? QString() : MessageBox::history().front().text;
         QCOMPARE(report.isEmpty() ? message : report, shown);
         QCOMPARE(form->undoStack()->count(), steps);
+    }
+
+    // Cells pasted from a spreadsheet without a Location column go into the
+    // channels from the current row on, read as the grid's columns from the
+    // current one when they have no header. The preview says where each row
+    // goes; a header naming the channels goes straight in.
+    void pasteByPosition_data()
+    {
+        QTest::addColumn<QString>("start"); // "click" a cell, or make it current by "key"
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("clipboard");
+        QTest::addColumn<bool>("accept");
+        QTest::addColumn<QString>("preview"); // where the rows go, then the columns read
+        QTest::addColumn<QStringList>("rows"); // channels 5 to 8 afterwards
+        const QString five = u"144.00000|144.00000|None|100.0|High|Wide|On|Opt.Signal"_s;
+        const QString six = u"439.00000|434.00000|None|None|Low|Wide|Off|Off"_s;
+        QTest::newRow("frequencies onto an empty row's number, its editor just opened")
+            << u"click"_s << 7 << 0 << u"146.52\n146.55\n"_s << true
+            << u"Where the rows go: lines 1-2 → channels 7-8|Read as the columns: Rx Freq"_s
+            << QStringList{five, six, u"146.52000|146.52000|None|None|High|Wide|On|Off"_s,
+                           u"146.55000|146.55000|None|None|High|Wide|On|Off"_s};
+        QTest::newRow("transmit frequencies and tones on the transmit column")
+            << u"key"_s << 5 << 2 << u"144.6\tD023N\n434,5\t88.5\n"_s << true
+            << u"Where the rows go: lines 1-2 → channels 5-6|Read as the columns: Tx Freq, CTCSS/DCS Dec"_s
+            << QStringList{u"144.00000|144.60000|D023N|100.0|High|Wide|On|Opt.Signal"_s,
+                           u"439.00000|434.50000|88.5|None|Low|Wide|Off|Off"_s, QString(), QString()};
+        QTest::newRow("Chinese captions and channel numbers, placed as copied rows are")
+            << u"click"_s << 7 << 0 << u"信道\t接收频率\t宽/窄\n3\t146.52\t窄\n"_s << true << QString()
+            << QStringList{five, six, u"146.52000|146.52000|None|None|High|Narrow|On|Off"_s, QString()};
+        QTest::newRow("Cancel changes nothing") << u"key"_s << 8 << 1 << u"146.52\n"_s << false
+                                                << u"Where the rows go: line 1 → channel 8|Read as the columns: Rx Freq"_s
+                                                << QStringList{five, six, QString(), QString()};
+    }
+
+    void pasteByPosition()
+    {
+        QFETCH(QString, start);
+        QFETCH(int, row);
+        QFETCH(int, column);
+        QFETCH(QString, clipboard);
+        QFETCH(bool, accept);
+        QFETCH(QString, preview);
+        QFETCH(QStringList, rows);
+        openForm();
+        QStringList shown;
+        QPointer<QTimer> watch = test::whenModal([&](QDialog *dialog) {
+            for (const char *name : {"lblTargets", "lblReadAs"})
+                shown << dialog->findChild<QLabel *>(QString::fromLatin1(name))->text();
+            QTest::mouseClick(dialog->findChild<QPushButton *>(accept ? u"cmdOK"_s : u"cmdCancel"_s), Qt::LeftButton);
+        });
+        if (start == u"click") {
+            click(row, column);
+        } else {
+            setCurrentCell(row, column);
+            grid()->setFocus();
+        }
+        QGuiApplication::clipboard()->setText(clipboard);
+        QTest::keySequence(QApplication::focusWidget(), QKeySequence(u"Ctrl+V"_s));
+        delete watch; // a paste that went straight in showed none
+        QCOMPARE(shown.join(u'|'), preview);
+        QStringList after;
+        for (int channel = 5; channel <= 8; ++channel)
+            after << rowTexts(channel).join(u'|').replace(u"|||||||"_s, QString());
+        QCOMPARE(after, rows);
+        QCOMPARE(form->undoStack()->count(), accept ? 1 : 0);
+        form->SaveData();
+        for (int channel = 5; channel <= 8; ++channel) {
+            const ChannelTexts stored = ReadChannelTexts(app().image, channel, English);
+            QCOMPARE(stored.rx.isEmpty() ? QString() : rowTexts(channel).join(u'|'), rows.at(channel - 5));
+        }
     }
 
     void importFile_data()
@@ -456,7 +528,7 @@ private Q_SLOTS:
         form->addAction(&exitOrSave);
         QSignalSpy commands(&exitOrSave, &QAction::triggered);
         int dialogs = 0;
-        test::whenModal([&dialogs](QDialog *dialog) {
+        QPointer<QTimer> watch = test::whenModal([&dialogs](QDialog *dialog) {
             ++dialogs;
             dialog->reject();
         });
@@ -475,6 +547,7 @@ private Q_SLOTS:
         QCOMPARE(QGuiApplication::clipboard()->text(), clipboardAfter);
         QCOMPARE(commands.count(), windowCommands);
         QTest::qWait(50);
+        delete watch;
         QCOMPARE(dialogs, 0);
         QCOMPARE(form->undoStack()->count(), 0);
         QCOMPARE(rowTexts(channel), cells);
