@@ -30,11 +30,12 @@ namespace wr {
 // (rToneFreq / DtcsCode transmit, cToneFreq / RxDtcsCode receive). Busy
 // channel lockout has no column and travels in Comment as "BCL:Carrier".
 //
-// Spreadsheets also hand over the channel list's own cells, under its
-// captions (in any of the three languages) or with no header at all:
+// Spreadsheets also hand over the channel list's own cells (separated by
+// TABs here), under its captions in any of the three languages or with no
+// header at all, from the grid's current column on:
 //
-//   Rx Freq	Tx Freq	CTCSS/DCS Dec        146.52	146.52	88.5
-//   146.52	146.52	88.5                 146.55	146.55	D023N
+//   Rx Freq   Tx Freq   CTCSS/DCS Dec           146.52   146.52   88.5
+//   146.52    146.52    88.5                    146.55   146.55   D023N
 //
 // A cell left empty changes nothing; without a CH. (or Location) column the
 // rows go to consecutive channels.
