@@ -373,8 +373,15 @@ void ChannelTools::importCsv()
     m_host.commitEdit();
     const QString path =
         FileDialog::getOpenFileName(m_grid, titleOf(ImportCaption, language()), QString(), openFilter());
-    if (path.isEmpty())
-        return;
+    if (!path.isEmpty())
+        importCsvFile(path);
+}
+
+// A file's channels go to their Locations, or without that column from the
+// first selected channel on; what changes is shown first.
+void ChannelTools::importCsvFile(const QString &path)
+{
+    m_host.commitEdit();
     const csv::File file = csv::readFile(path);
     if (file.problem == csv::File::Problem::Unreadable) {
         MessageBox::show(m_grid, QMessageBox::Critical, Words::Error.in(language()), file.error);

@@ -59,6 +59,8 @@ public:
     void showMenu(const QPoint &globalPosition);
     // Captions in the model's language.
     void caption();
+    // Imports the channels of a CSV file: its preview first, then one step.
+    void importCsvFile(const QString &path);
 
 private:
     void build();

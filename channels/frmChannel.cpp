@@ -230,6 +230,11 @@ QTableView *frmChannel::grid() const
     return m_grid;
 }
 
+void frmChannel::importCsvFile(const QString &path)
+{
+    m_tools->importCsvFile(path);
+}
+
 QUndoStack *frmChannel::undoStack() const
 {
     return m_history->stack();

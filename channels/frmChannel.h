@@ -85,6 +85,11 @@ public:
     // Caption of a grid column in a language.
     static QString headerText(int column, int languageIndex);
 
+    // Imports the channels of a CSV file (a file given to File > Open, on
+    // the command line or dropped): the import's preview, then one step of
+    // the history. Messages say why a file cannot be read.
+    void importCsvFile(const QString &path);
+
     QUndoStack *undoStack() const;
     // The channels the tools work on: the selected rows, else the current row.
     QList<int> selectedChannels() const override;

@@ -464,6 +464,46 @@ private Q_SLOTS:
         QCOMPARE(rxColumn(11), before);
     }
 
+    // A CSV file given to the program (File > Open, its command line, a
+    // drop) opens the import's preview; rows without a Location go in from
+    // the selected channel. A file that cannot be read only says so.
+    void importCsvFileByPath_data()
+    {
+        QTest::addColumn<QByteArray>("contents"); // empty: there is no such file
+        QTest::addColumn<QString>("shown");       // where the rows go, or the message's title
+        QTest::addColumn<QString>("rx");          // channels 1-8 afterwards
+        const QString before = u"146.00000|145.00000|147.00000||144.00000|439.00000||"_s;
+        QTest::newRow("a CHIRP file") << QByteArray("Location,Frequency\r\n8,145.5\r\n")
+                                      << u"Where the rows go: line 2 → channel 8"_s << before + u"145.50000"_s;
+        QTest::newRow("frequencies alone, from the selected channel")
+            << QByteArray("146.52\n146.55\n") << u"Where the rows go: lines 1-2 → channels 7-8"_s
+            << u"146.00000|145.00000|147.00000||144.00000|439.00000|146.52000|146.55000"_s;
+        QTest::newRow("no such file") << QByteArray() << u"Error"_s << before;
+    }
+
+    void importCsvFileByPath()
+    {
+        QFETCH(QByteArray, contents);
+        QFETCH(QString, shown);
+        QFETCH(QString, rx);
+        const QString path = filePath(u"channels.csv"_s);
+        if (!contents.isEmpty())
+            QVERIFY(test::writeFile(path, contents));
+        openForm();
+        run(u"7"_s);
+        QString targets;
+        QPointer<QTimer> watch = test::whenModal([&targets](QDialog *preview) {
+            targets = preview->findChild<QLabel *>(u"lblTargets"_s)->text();
+            QTest::mouseClick(preview->findChild<QPushButton *>(u"cmdOK"_s), Qt::LeftButton);
+        });
+        form->importCsvFile(path);
+        delete watch;
+        QCOMPARE(contents.isEmpty() ? MessageBox::history().value(0).title : targets, shown);
+        QCOMPARE(rxColumn(), rx);
+        form->SaveData();
+        QCOMPARE(ReadChannelTexts(app().image, 8, English).rx, rx.section(u'|', 7));
+    }
+
     // The channels in use as the grid holds them, unsaved edits included;
     // the suffix is added to a name without it.
     void exportFile()
