@@ -549,11 +549,17 @@ void frmChannel::commit(const QModelIndex &cell, QWidget *editor, const QString 
             setChannelRx(row, text);
         else if (column == ColTx)
             setChannelTx(row, text);
+        if (const auto corrected = frequencyCorrection(row, column, text, cellText(row, column), m_state.BandLimits))
+            Q_EMIT valueCorrected(*corrected);
         return;
     }
     Channel edited = m_model->table().at(row);
     edited.texts.cell(column) = editor == m_combo[0] ? typedTone(text, language()) : text;
     edit(row, edited);
+    if (editor != m_combo[0])
+        return;
+    if (const auto corrected = toneCorrection(row, column, text, cellText(row, column)))
+        Q_EMIT valueCorrected(*corrected);
 }
 
 // Enter in a frequency moves one column right. Enter in a list moves on

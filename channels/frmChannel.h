@@ -2,6 +2,7 @@
 
 #include "channels/ChannelRecord.h"
 #include "channels/ChannelTools.h"
+#include "channels/TypedCorrection.h"
 #include "ui/CellEditor.h"
 #include "ui/Twips.h"
 
@@ -97,6 +98,9 @@ public:
 Q_SIGNALS:
     // Right click with Shift, Ctrl and Alt held, after the grid was saved.
     void memoryMapRequested();
+    // A value typed into a cell was stored as another (7 became 174.00000);
+    // the main window shows it in its status bar.
+    void valueCorrected(const wr::TypedCorrection &correction);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -32,6 +32,8 @@ QLocale localeOf(Language language)
 StatusPanels::StatusPanels(QStatusBar *bar)
     : QObject(bar)
     , m_time(new QTimer(this))
+    , m_note(new QLabel(bar))
+    , m_noteTime(new QTimer(this))
 {
     bar->setObjectName(u"MSBar"_s);
     bar->setSizeGripEnabled(true);
@@ -47,6 +49,14 @@ StatusPanels::StatusPanels(QStatusBar *bar)
         bar->addPermanentWidget(panel, i == EmptyPanel ? 1 : 0);
         m_panels.append(panel);
     }
+
+    m_note->setObjectName(u"MSBar_Note"_s);
+    m_note->setContentsMargins(4, 0, 4, 0);
+    m_note->hide();
+    bar->addWidget(m_note, 1);
+    m_noteTime->setObjectName(u"tmrNote"_s);
+    m_noteTime->setSingleShot(true);
+    connect(m_noteTime, &QTimer::timeout, this, &StatusPanels::endNote);
 
     m_time->setObjectName(u"Time"_s);
     m_time->setTimerType(Qt::PreciseTimer);
@@ -70,6 +80,27 @@ void StatusPanels::showLanguage(Language language)
 void StatusPanels::showDate()
 {
     m_panels[DatePanel]->setText(localeOf(m_language).toString(QDate::currentDate(), QLocale::ShortFormat));
+}
+
+void StatusPanels::showNote(const QString &text, int milliseconds)
+{
+    for (QLabel *panel : std::as_const(m_panels))
+        panel->hide();
+    // The note appears away from the focus; a label tells a screen reader
+    // when its text (its accessible name) changes, once it is shown, and a
+    // note repeated is a change too.
+    m_note->show();
+    m_note->clear();
+    m_note->setText(text);
+    m_noteTime->start(milliseconds);
+}
+
+void StatusPanels::endNote()
+{
+    m_note->hide();
+    m_note->clear();
+    for (QLabel *panel : std::as_const(m_panels))
+        panel->show();
 }
 
 void StatusPanels::Time_Timer()

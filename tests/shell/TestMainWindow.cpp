@@ -10,6 +10,7 @@
 #include "shell/frmAbout.h"
 #include "shell/frmComPort.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QComboBox>
 #include <QDir>
@@ -181,6 +182,61 @@ private Q_SLOTS:
         QTest::keyClick(QApplication::focusWidget(), key, Qt::ControlModifier | (backwards ? Qt::ShiftModifier : Qt::NoModifier));
         QCOMPARE(QApplication::focusWidget(), h->window->findChild<QWidget *>(u"Tree0"_s));
         QCOMPARE(h->gridRx(3), typed.isEmpty() ? QString() : u"147.00000"_s);
+    }
+
+    // A typed value stored as another is explained in the status bar, in
+    // place of the panels, for 10 s, on a label a screen reader hears; the
+    // panels come back after it. A value kept as typed says nothing.
+    void correctionInTheStatusBar_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("note"); // empty: none
+        QTest::newRow("English, below the band") << 0 << 1 << u"7"_s << u"Channel 7 Rx: 7 → 174.00000, below the band"_s;
+        QTest::newRow("Simplified, above the band") << 1 << 2 << u"1234"_s
+                                                    << u"信道 7 发射：1234 → 490.00000，高于频段"_s;
+        QTest::newRow("Traditional, a tone") << 2 << 3 << u"50"_s << u"信道 7 解碼：50 → 60.0，低於 60.0 Hz"_s;
+        QTest::newRow("kept as typed") << 0 << 1 << u"146.52"_s << QString();
+    }
+
+    void correctionInTheStatusBar()
+    {
+        QFETCH(int, language);
+        QFETCH(int, column);
+        QFETCH(QString, typed);
+        QFETCH(QString, note);
+        h->open(language).show();
+        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
+        h->editRx(7, u"150"_s);
+        QTableView *grid = h->window->channelList()->grid();
+        grid->setCurrentIndex(grid->model()->index(7, column));
+        grid->setFocus();
+        QTest::keyClick(grid, Qt::Key_Return);
+        QTest::keyClicks(QApplication::focusWidget(), typed);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+
+        auto *shown = h->window->findChild<QLabel *>(u"MSBar_Note"_s);
+        auto *time = h->window->findChild<QTimer *>(u"tmrNote"_s);
+        const auto panelsShown = [this] {
+            for (int panel = 1; panel <= 5; ++panel) {
+                if (!h->window->findChild<QLabel *>(u"MSBar_Panel%1"_s.arg(panel))->isVisible())
+                    return false;
+            }
+            return true;
+        };
+        if (note.isEmpty()) {
+            QVERIFY(!shown->isVisible() && panelsShown());
+            return;
+        }
+        QVERIFY(shown->isVisible() && !panelsShown());
+        QCOMPARE(shown->text(), note);
+        QCOMPARE(QAccessible::queryAccessibleInterface(shown)->text(QAccessible::Name), note);
+        QCOMPARE(time->interval(), 10'000);
+        QVERIFY(time->isActive());
+        time->start(0); // the ten seconds pass
+        QTRY_VERIFY(!shown->isVisible() && panelsShown());
+        QCOMPARE(h->panel(1), u"COM1"_s);
     }
 
     // The channel list's Ctrl keys work beside the menu's: the hidden Print
