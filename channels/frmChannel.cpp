@@ -3,6 +3,7 @@
 #include "channels/ChannelHistory.h"
 #include "channels/ChannelModel.h"
 #include "channels/ChannelSelection.h"
+#include "channels/ChannelSheetCommand.h"
 #include "core/AppState.h"
 #include "core/Language.h"
 #include "core/ToneCodec.h"
@@ -218,6 +219,7 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     m_selection = std::make_unique<ChannelSelection>(m_grid, [this] { m_editor->commit(); });
     ChannelToolHost &host = *this;
     m_tools = new ChannelTools(host, *m_model, *m_history, m_state.BandLimits, m_grid);
+    m_sheet = new ChannelSheetCommand(m_state, *m_model, host, *m_tools->menu(), m_grid);
 
     RefreshChannelOP();
     RefreshChannel();
@@ -228,6 +230,11 @@ frmChannel::~frmChannel() = default;
 QTableView *frmChannel::grid() const
 {
     return m_grid;
+}
+
+void frmChannel::setSettingsStore(SettingsStore *settings)
+{
+    m_sheet->setSettingsStore(settings);
 }
 
 void frmChannel::importCsvFile(const QString &path)

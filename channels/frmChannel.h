@@ -23,7 +23,9 @@ struct AppState;
 class ChannelHistory;
 class ChannelModel;
 class ChannelSelection;
+class ChannelSheetCommand;
 class MemoryImage;
+class SettingsStore;
 
 // The channel list: 128 channels in a grid edited in place. The grid is a
 // view over the working copy (ChannelModel) between RefreshData (image ->
@@ -91,6 +93,9 @@ public:
     // the history. Messages say why a file cannot be read.
     void importCsvFile(const QString &path);
 
+    // Where the channel sheet's preview keeps its paper.
+    void setSettingsStore(SettingsStore *settings);
+
     QUndoStack *undoStack() const;
     // The channels the tools work on: the selected rows, else the current row.
     QList<int> selectedChannels() const override;
@@ -138,6 +143,7 @@ private:
     QComboBox *m_combo[2] = {};      // CboChannel0 (tones), CboChannel1 (list columns)
     std::unique_ptr<CellEditor> m_editor; // goes before the grid and the rules it calls
     ChannelTools *m_tools = nullptr;
+    ChannelSheetCommand *m_sheet = nullptr;
     QObject *m_wheelPager = nullptr; // installed on the grid while it has the focus
     std::unique_ptr<ChannelSelection> m_selection;
     int m_rows = RowCount;           // rows of the grid, the hidden header row included

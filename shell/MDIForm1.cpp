@@ -405,6 +405,7 @@ void MDIForm1::showChannelList()
 {
     if (!m_channels) {
         auto *form = new frmChannel(app());
+        form->setSettingsStore(m_settings);
         m_channelWindow = m_mdiArea->addSubWindow(form);
         m_channelWindow->setAttribute(Qt::WA_DeleteOnClose);
         m_channelWindow->setWindowIcon(AppIcon());
