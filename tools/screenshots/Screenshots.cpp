@@ -6,6 +6,7 @@
 // The progress form is also shown retrying and searching the ports against a
 // silent virtual radio, and the port error boxes with made-up devices.
 #include "channels/ChannelRecord.h"
+#include "channels/frmChannel.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
 #include "link/CloneEngine.h"
@@ -159,6 +160,10 @@ int main(int argc, char *argv[])
         fillSomeChannels(wr::app());
         window.RefreshMainWindow();
         save(&window, folder, QStringLiteral("main-window-") + tag);
+        // A typed frequency the list corrected, explained in the status bar.
+        Q_EMIT window.channelList()->valueCorrected({7, wr::ColRx, QStringLiteral("7"), QStringLiteral("174.00000"),
+                                                     wr::TypedCorrection::Reason::BelowBands});
+        save(&window, folder, QStringLiteral("main-window-correction-") + tag);
 
         wr::frmComPort port(wr::app().PortNumber, language, &window);
         save(&port, folder, QStringLiteral("port-dialog-") + tag);
