@@ -36,6 +36,21 @@ class TestMainWindow : public wr::test::ShellSuite
 {
     Q_OBJECT
 
+    // The main window shown in a language, a channel typed into the list
+    // and one of its cells made current, the grid focused; false when the
+    // window never became active.
+    QTableView *gridAt(int language, int channel, int column, const QString &rx)
+    {
+        h->open(language).show();
+        if (!QTest::qWaitForWindowActive(h->window.get()))
+            return nullptr;
+        h->editRx(channel, rx);
+        QTableView *grid = h->window->channelList()->grid();
+        grid->setCurrentIndex(grid->model()->index(channel, column));
+        grid->setFocus();
+        return grid;
+    }
+
     QTreeWidgetItem *treeNode(const QString &key) const
     {
         for (QTreeWidgetItemIterator it(h->window->findChild<QTreeWidget *>(u"Tree0"_s)); *it; ++it) {
@@ -128,12 +143,8 @@ private Q_SLOTS:
         QFETCH(int, column);
         QFETCH(QString, cell);
         QFETCH(QString, ran);
-        h->open(0).show();
-        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
-        h->editRx(3, u"145.5"_s);
-        QTableView *grid = h->window->channelList()->grid();
-        grid->setCurrentIndex(grid->model()->index(3, column));
-        grid->setFocus();
+        QTableView *grid = gridAt(0, 3, column, u"145.5"_s);
+        QVERIFY(grid);
         QTest::keyClick(grid, Qt::Key_Return);
         QWidget *editor = QApplication::focusWidget();
         if (auto *list = qobject_cast<QComboBox *>(editor); list && !list->isEditable())
@@ -169,11 +180,8 @@ private Q_SLOTS:
     {
         QFETCH(bool, backwards);
         QFETCH(QString, typed);
-        h->open(0).show();
-        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
-        QTableView *grid = h->window->channelList()->grid();
-        grid->setCurrentIndex(grid->model()->index(3, 1));
-        grid->setFocus();
+        QTableView *grid = gridAt(0, 3, 1, QString());
+        QVERIFY(grid);
         if (!typed.isEmpty()) {
             QTest::keyClick(grid, Qt::Key_Return);
             QTest::keyClicks(QApplication::focusWidget(), typed);
@@ -206,12 +214,8 @@ private Q_SLOTS:
         QFETCH(int, column);
         QFETCH(QString, typed);
         QFETCH(QString, note);
-        h->open(language).show();
-        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
-        h->editRx(7, u"150"_s);
-        QTableView *grid = h->window->channelList()->grid();
-        grid->setCurrentIndex(grid->model()->index(7, column));
-        grid->setFocus();
+        QTableView *grid = gridAt(language, 7, column, u"150"_s);
+        QVERIFY(grid);
         QTest::keyClick(grid, Qt::Key_Return);
         QTest::keyClicks(QApplication::focusWidget(), typed);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
