@@ -3,6 +3,7 @@
 #include "channels/ChannelHistory.h"
 #include "channels/ChannelModel.h"
 #include "channels/ChannelSelection.h"
+#include "channels/ChannelSheetCommand.h"
 #include "core/AppState.h"
 #include "core/Language.h"
 #include "core/ToneCodec.h"
@@ -218,6 +219,7 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     m_selection = std::make_unique<ChannelSelection>(m_grid, [this] { m_editor->commit(); });
     ChannelToolHost &host = *this;
     m_tools = new ChannelTools(host, *m_model, *m_history, m_state.BandLimits, m_grid);
+    m_sheet = new ChannelSheetCommand(m_state, *m_model, host, *m_tools->menu(), m_grid);
 
     RefreshChannelOP();
     RefreshChannel();
@@ -230,14 +232,19 @@ QTableView *frmChannel::grid() const
     return m_grid;
 }
 
-QUndoStack *frmChannel::undoStack() const
+void frmChannel::setSettingsStore(SettingsStore *settings)
 {
-    return m_history->stack();
+    m_sheet->setSettingsStore(settings);
 }
 
 void frmChannel::importCsvFile(const QString &path)
 {
     m_tools->importCsvFile(path);
+}
+
+QUndoStack *frmChannel::undoStack() const
+{
+    return m_history->stack();
 }
 
 Language frmChannel::language() const
@@ -260,6 +267,11 @@ QString frmChannel::cellText(int row, int column) const
 int frmChannel::lastChannel() const
 {
     return std::min(m_rows - 1, int(ChannelRecord::ChannelCount));
+}
+
+int frmChannel::currentColumn() const
+{
+    return m_grid->currentIndex().column();
 }
 
 void frmChannel::RefreshChannelOP()
@@ -544,11 +556,17 @@ void frmChannel::commit(const QModelIndex &cell, QWidget *editor, const QString 
             setChannelRx(row, text);
         else if (column == ColTx)
             setChannelTx(row, text);
+        if (const auto corrected = frequencyCorrection(row, column, text, cellText(row, column), m_state.BandLimits))
+            Q_EMIT valueCorrected(*corrected);
         return;
     }
     Channel edited = m_model->table().at(row);
     edited.texts.cell(column) = editor == m_combo[0] ? typedTone(text, language()) : text;
     edit(row, edited);
+    if (editor != m_combo[0])
+        return;
+    if (const auto corrected = toneCorrection(row, column, text, cellText(row, column)))
+        Q_EMIT valueCorrected(*corrected);
 }
 
 // Enter in a frequency moves one column right. Enter in a list moves on
@@ -577,6 +595,36 @@ QModelIndex frmChannel::cellAfterEnter(const QModelIndex &cell)
 CellEditRules::Escape frmChannel::onEscape(QWidget *editor) const
 {
     return editor == m_text ? Escape::Close : Escape::RevertText;
+}
+
+// Tab walks the data cells row by row, as in a spreadsheet: from BCL to the
+// receive frequency of the next channel shown, from the receive frequency
+// back to BCL of the one before; the last channel wraps to the first. The
+// channel numbers are no stop.
+QModelIndex frmChannel::cellAfterTab(const QModelIndex &cell, bool backwards) const
+{
+    int row = cell.row();
+    int column = std::clamp(cell.column(), int(ColNumber), int(ColBcl)) + (backwards ? -1 : 1);
+    if (column >= ColRx && column <= ColBcl)
+        return cell.siblingAtColumn(column);
+    const int last = lastChannel();
+    for (int step = 0; step < last; ++step) {
+        row = backwards ? (row <= 1 ? last : row - 1) : (row >= last ? 1 : row + 1);
+        if (!m_grid->isRowHidden(row))
+            return m_model->index(row, backwards ? ColBcl : ColRx);
+    }
+    return {};
+}
+
+// More than one cell of a spreadsheet, or rows copied from this list, are
+// channels even when a click has just opened an editor (a click on an empty
+// row's number opens its receive frequency); one cell's text is the cell's.
+bool frmChannel::pasteGoesToGrid(const QString &text) const
+{
+    QStringView cells(text);
+    while (cells.endsWith(u'\n') || cells.endsWith(u'\r'))
+        cells.chop(1);
+    return cells.contains(u'\n') || cells.contains(u'\r') || cells.contains(u'\t');
 }
 
 QList<int> frmChannel::selectedChannels() const

@@ -54,6 +54,9 @@ constexpr int CommitClearedAddress = 0x0CD0;
 
 constexpr Text ContinueQuestion{u"Do you wish to continue?", u"是否继续？", u"是否繼續？"};
 
+// How long the status bar says what became of a corrected value.
+constexpr int CorrectionNoteTime = 10'000; // ms
+
 // The values of LinkDirection.
 constexpr QStringView VerifySetting = u"VerifyWrites"; // "0": writes are not read back
 
@@ -393,6 +396,7 @@ void MDIForm1::showChannelList()
 {
     if (!m_channels) {
         auto *form = new frmChannel(app());
+        form->setSettingsStore(m_settings);
         m_channelWindow = m_mdiArea->addSubWindow(form);
         m_channelWindow->setAttribute(Qt::WA_DeleteOnClose);
         m_channelWindow->setWindowIcon(AppIcon());
@@ -404,6 +408,9 @@ void MDIForm1::showChannelList()
         }
         m_channels = form;
         connect(form, &frmChannel::memoryMapRequested, this, &MDIForm1::openMemoryMap);
+        connect(form, &frmChannel::valueCorrected, this, [this](const TypedCorrection &correction) {
+            m_status->showNote(correction.text(language()), CorrectionNoteTime);
+        });
         // Bit 0 of the open-forms flags follows the channel list's life.
         app().FormOpenFlags |= AppState::ChannelListOpen;
         connect(form, &QObject::destroyed, this, [] { app().FormOpenFlags &= ~AppState::ChannelListOpen; });

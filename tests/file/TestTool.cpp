@@ -155,7 +155,7 @@ void TestTool::exitCodes_data()
                                                    << 2 << u"missing argument"_s;
     QTest::newRow("import-csv of a file that is no channel list")
         << QStringList{u"import-csv"_s, u"@/channels.tw"_s, u"@/names.csv"_s, u"@/out.tw"_s} << 1
-        << u"@/names.csv: no Location or no Frequency column"_s;
+        << u"@/names.csv: no Frequency column and no column of the channel list"_s;
     QTest::newRow("import-csv with no usable row")
         << QStringList{u"import-csv"_s, u"@/channels.tw"_s, u"@/far.csv"_s, u"@/out.tw"_s} << 1
         << u"@/far.csv:2: Frequency \"27.125\": outside the receive bands: row skipped\n"

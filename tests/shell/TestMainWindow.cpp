@@ -10,6 +10,7 @@
 #include "shell/frmAbout.h"
 #include "shell/frmComPort.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QComboBox>
 #include <QDir>
@@ -37,6 +38,21 @@ using wr::test::ShellHarness;
 class TestMainWindow : public wr::test::ShellSuite
 {
     Q_OBJECT
+
+    // The main window shown in a language, a channel typed into the list
+    // and one of its cells made current, the grid focused; false when the
+    // window never became active.
+    QTableView *gridAt(int language, int channel, int column, const QString &rx)
+    {
+        h->open(language).show();
+        if (!QTest::qWaitForWindowActive(h->window.get()))
+            return nullptr;
+        h->editRx(channel, rx);
+        QTableView *grid = h->window->channelList()->grid();
+        grid->setCurrentIndex(grid->model()->index(channel, column));
+        grid->setFocus();
+        return grid;
+    }
 
     QTreeWidgetItem *treeNode(const QString &key) const
     {
@@ -130,12 +146,8 @@ private Q_SLOTS:
         QFETCH(int, column);
         QFETCH(QString, cell);
         QFETCH(QString, ran);
-        h->open(0).show();
-        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
-        h->editRx(3, u"145.5"_s);
-        QTableView *grid = h->window->channelList()->grid();
-        grid->setCurrentIndex(grid->model()->index(3, column));
-        grid->setFocus();
+        QTableView *grid = gridAt(0, 3, column, u"145.5"_s);
+        QVERIFY(grid);
         QTest::keyClick(grid, Qt::Key_Return);
         QWidget *editor = QApplication::focusWidget();
         if (auto *list = qobject_cast<QComboBox *>(editor); list && !list->isEditable())
@@ -154,6 +166,84 @@ private Q_SLOTS:
             QVERIFY(!h->window->isVisible());
         else
             QCOMPARE(wr::MessageBox::history().size(), 1);
+    }
+
+    // Ctrl+Tab and Ctrl+Shift+Tab leave the channel grid for the tree, the
+    // open editor stored; the document area would keep them for switching
+    // between its windows.
+    void ctrlTabLeavesTheGrid_data()
+    {
+        QTest::addColumn<bool>("backwards");
+        QTest::addColumn<QString>("typed"); // into an editor of channel 3 first
+        QTest::newRow("Ctrl+Tab from the grid") << false << QString();
+        QTest::newRow("Ctrl+Shift+Tab from an editor") << true << u"147"_s;
+    }
+
+    void ctrlTabLeavesTheGrid()
+    {
+        QFETCH(bool, backwards);
+        QFETCH(QString, typed);
+        QTableView *grid = gridAt(0, 3, 1, QString());
+        QVERIFY(grid);
+        if (!typed.isEmpty()) {
+            QTest::keyClick(grid, Qt::Key_Return);
+            QTest::keyClicks(QApplication::focusWidget(), typed);
+        }
+        const Qt::Key key = backwards ? Qt::Key_Backtab : Qt::Key_Tab;
+        QTest::keyClick(QApplication::focusWidget(), key, Qt::ControlModifier | (backwards ? Qt::ShiftModifier : Qt::NoModifier));
+        QCOMPARE(QApplication::focusWidget(), h->window->findChild<QWidget *>(u"Tree0"_s));
+        QCOMPARE(h->gridRx(3), typed.isEmpty() ? QString() : u"147.00000"_s);
+    }
+
+    // A typed value stored as another is explained in the status bar, in
+    // place of the panels, for 10 s, on a label a screen reader hears; the
+    // panels come back after it. A value kept as typed says nothing.
+    void correctionInTheStatusBar_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("note"); // empty: none
+        QTest::newRow("English, below the band") << 0 << 1 << u"7"_s << u"Channel 7 Rx: 7 → 174.00000, below the band"_s;
+        QTest::newRow("Simplified, above the band") << 1 << 2 << u"1234"_s
+                                                    << u"信道 7 发射：1234 → 490.00000，高于频段"_s;
+        QTest::newRow("Traditional, a tone") << 2 << 3 << u"50"_s << u"信道 7 解碼：50 → 60.0，低於 60.0 Hz"_s;
+        QTest::newRow("kept as typed") << 0 << 1 << u"146.52"_s << QString();
+    }
+
+    void correctionInTheStatusBar()
+    {
+        QFETCH(int, language);
+        QFETCH(int, column);
+        QFETCH(QString, typed);
+        QFETCH(QString, note);
+        QTableView *grid = gridAt(language, 7, column, u"150"_s);
+        QVERIFY(grid);
+        QTest::keyClick(grid, Qt::Key_Return);
+        QTest::keyClicks(QApplication::focusWidget(), typed);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+
+        auto *shown = h->window->findChild<QLabel *>(u"MSBar_Note"_s);
+        auto *time = h->window->findChild<QTimer *>(u"tmrNote"_s);
+        const auto panelsShown = [this] {
+            for (int panel = 1; panel <= 5; ++panel) {
+                if (!h->window->findChild<QLabel *>(u"MSBar_Panel%1"_s.arg(panel))->isVisible())
+                    return false;
+            }
+            return true;
+        };
+        if (note.isEmpty()) {
+            QVERIFY(!shown->isVisible() && panelsShown());
+            return;
+        }
+        QVERIFY(shown->isVisible() && !panelsShown());
+        QCOMPARE(shown->text(), note);
+        QCOMPARE(QAccessible::queryAccessibleInterface(shown)->text(QAccessible::Name), note);
+        QCOMPARE(time->interval(), 10'000);
+        QVERIFY(time->isActive());
+        time->start(0); // the ten seconds pass
+        QTRY_VERIFY(!shown->isVisible() && panelsShown());
+        QCOMPARE(h->panel(1), u"COM1"_s);
     }
 
     // The channel list's Ctrl keys work beside the menu's: the hidden Print

@@ -8,6 +8,7 @@
 // connection test, and the port error and verification boxes and the
 // warning of a radio left partly written, with made-up devices and rows.
 #include "channels/ChannelRecord.h"
+#include "channels/frmChannel.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
 #include "file/Backups.h"
@@ -290,6 +291,10 @@ int main(int argc, char *argv[])
         fillSomeChannels(wr::app());
         window.RefreshMainWindow();
         save(&window, folder, QStringLiteral("main-window-") + tag);
+        // A typed frequency the list corrected, explained in the status bar.
+        Q_EMIT window.channelList()->valueCorrected({7, wr::ColRx, QStringLiteral("7"), QStringLiteral("174.00000"),
+                                                     wr::TypedCorrection::Reason::BelowBands});
+        save(&window, folder, QStringLiteral("main-window-correction-") + tag);
 
         wr::frmComPort port(wr::app().PortNumber, language, &window);
         save(&port, folder, QStringLiteral("port-dialog-") + tag);
