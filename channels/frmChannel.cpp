@@ -1,5 +1,7 @@
 #include "channels/frmChannel.h"
 
+#include "channels/ChannelBulkEdit.h"
+#include "channels/ChannelFilterBar.h"
 #include "channels/ChannelHistory.h"
 #include "channels/ChannelModel.h"
 #include "channels/ChannelSelection.h"
@@ -167,7 +169,7 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     m_grid->setHorizontalHeader(new ChannelHeader(m_grid));
     m_grid->horizontalHeader()->setTextElideMode(Qt::ElideNone);
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_grid->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_grid->setSelectionBehavior(QAbstractItemView::SelectItems);
     m_grid->setTabKeyNavigation(false);
     m_grid->setWordWrap(false);
@@ -218,6 +220,13 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     m_selection = std::make_unique<ChannelSelection>(m_grid, [this] { m_editor->commit(); });
     ChannelToolHost &host = *this;
     m_tools = new ChannelTools(host, *m_model, *m_history, m_state.BandLimits, m_grid);
+    m_bulk = new ChannelBulkEdit(host, *m_model, *m_history, *m_editor, m_state.BandLimits, m_grid, m_tools->menu());
+    for (QWidget *editor : std::initializer_list<QWidget *>{m_text, m_combo[0]->lineEdit(), m_combo[0], m_combo[1]})
+        m_bulk->watchEditor(editor);
+    m_filter = new ChannelFilterBar(*m_model, m_grid, [this] { return lastChannel(); }, this);
+    layout->insertWidget(0, m_filter);
+    setTabOrder(m_filter->line(), m_grid);
+    connect(m_filter, &ChannelFilterBar::shownChanged, this, &frmChannel::channelsShown);
 
     RefreshChannelOP();
     RefreshChannel();
@@ -373,6 +382,9 @@ void frmChannel::RefreshData()
         m_history->clear();
     m_model->setTable(std::move(loaded), language());
     m_tools->caption();
+    m_bulk->caption();
+    m_filter->caption();
+    m_filter->apply();
 }
 
 void frmChannel::SaveData()

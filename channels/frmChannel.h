@@ -19,6 +19,8 @@ class QUndoStack;
 namespace wr {
 
 struct AppState;
+class ChannelBulkEdit;
+class ChannelFilterBar;
 class ChannelHistory;
 class ChannelModel;
 class ChannelSelection;
@@ -40,7 +42,10 @@ class MemoryImage;
 //   editor  -    TxtChannel        CboChannel0             CboChannel1 (the column's choices)
 //
 // Rows are selected by clicking the channel numbers (Shift and Ctrl
-// extend); the tools (ChannelTools) work on them, or on the current row.
+// extend), cells by Shift and Ctrl with clicks or arrows; the tools
+// (ChannelTools) work on the rows with a cell selected, or on the current
+// row, and the fills (ChannelBulkEdit) on the cells. The filter line above
+// the grid (ChannelFilterBar) hides the rows of the channels it leaves out.
 // Every change of the working copy, an edit in a cell included, is one step
 // of the undo history; a language switch keeps the history, any other
 // reload starts a new one.
@@ -92,6 +97,8 @@ public:
 Q_SIGNALS:
     // Right click with Shift, Ctrl and Alt held, after the grid was saved.
     void memoryMapRequested();
+    // How many channels the filter shows, -1 while there is no filter.
+    void channelsShown(int shown);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -126,6 +133,8 @@ private:
     QComboBox *m_combo[2] = {};      // CboChannel0 (tones), CboChannel1 (list columns)
     std::unique_ptr<CellEditor> m_editor; // goes before the grid and the rules it calls
     ChannelTools *m_tools = nullptr;
+    ChannelBulkEdit *m_bulk = nullptr;
+    ChannelFilterBar *m_filter = nullptr;
     QObject *m_wheelPager = nullptr; // installed on the grid while it has the focus
     std::unique_ptr<ChannelSelection> m_selection;
     int m_rows = RowCount;           // rows of the grid, the hidden header row included
