@@ -53,8 +53,8 @@ ChannelFilterBar::ChannelFilterBar(const ChannelModel &model, QTableView *grid, 
     layout->addWidget(m_line);
     layout->addStretch(1);
 
-    // From anywhere in the window, whatever has the focus; the line's text
-    // is selected, so typing replaces it and the arrow keys keep it.
+    // The line's text is selected, so typing replaces it and the arrow keys
+    // keep it.
     m_find->setObjectName(u"findChannels"_s);
     m_find->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
     m_find->setShortcutContext(Qt::WindowShortcut);

@@ -33,6 +33,10 @@ public:
                      QWidget *parent = nullptr);
 
     QLineEdit *line() const { return m_line; }
+    // Ctrl+F: the line, its text selected. It works wherever the focus is
+    // in the window of the bar and of any other widget it is added to (the
+    // main window adds it, since the list sits in a sub-window of its own).
+    QAction *findAction() const { return m_find; }
 
     // Label, placeholder and accessible texts in the model's language.
     void caption();

@@ -11,6 +11,12 @@
 
 namespace wr {
 
+QItemSelectionModel::SelectionFlags ChannelGridView::selectionCommand(const QModelIndex &index,
+                                                                      const QEvent *event) const
+{
+    return event ? QTableView::selectionCommand(index, event) : QItemSelectionModel::ClearAndSelect;
+}
+
 ChannelSelection::ChannelSelection(QTableView *grid, std::function<void()> beforeClick)
     : m_grid(grid)
     , m_beforeClick(std::move(beforeClick))

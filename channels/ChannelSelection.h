@@ -2,13 +2,27 @@
 
 #include <QList>
 #include <QModelIndex>
+#include <QTableView>
 
 #include <functional>
 
 class QEvent;
-class QTableView;
 
 namespace wr {
+
+// The channel grid's view. A current cell the program sets (Enter moving on,
+// a click on an empty row going to its receive frequency, the filter's first
+// channel) selects that cell alone, whatever keys are held at the time; only
+// the user's own keys and clicks extend a selection.
+class ChannelGridView : public QTableView
+{
+public:
+    using QTableView::QTableView;
+
+protected:
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
+                                                         const QEvent *event) const override;
+};
 
 // Whole channels selected on the channel grid, row n being channel n. A
 // click on a channel number selects its row; Shift extends the selection

@@ -162,7 +162,7 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     m_history = new ChannelHistory(*m_model, m_state.image, this);
     m_history->setSelector([this](const QList<int> &channels) { selectChannels(channels); });
 
-    m_grid = new QTableView(this);
+    m_grid = new ChannelGridView(this);
     m_grid->setObjectName(QStringLiteral("ChannelGrid"));
     m_grid->setModel(m_model);
     m_grid->setItemDelegate(new NumberDelegate(m_grid));
@@ -242,6 +242,11 @@ QTableView *frmChannel::grid() const
 QUndoStack *frmChannel::undoStack() const
 {
     return m_history->stack();
+}
+
+QAction *frmChannel::findChannelsAction() const
+{
+    return m_filter->findAction();
 }
 
 Language frmChannel::language() const

@@ -91,6 +91,8 @@ public:
     static QString headerText(int column, int languageIndex);
 
     QUndoStack *undoStack() const;
+    // Ctrl+F, to the filter line; for the window around the list.
+    QAction *findChannelsAction() const;
     // The channels the tools work on: the selected rows, else the current row.
     QList<int> selectedChannels() const override;
 

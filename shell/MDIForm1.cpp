@@ -413,6 +413,9 @@ void MDIForm1::showChannelList()
         }
         m_channels = form;
         connect(form, &frmChannel::memoryMapRequested, this, &MDIForm1::openMemoryMap);
+        addAction(form->findChannelsAction()); // Ctrl+F from the tree and the toolbar too
+        connect(form, &frmChannel::channelsShown, m_status, &StatusPanels::showChannelsShown);
+        connect(form, &QObject::destroyed, m_status, [status = m_status] { status->showChannelsShown(-1); });
         // Bit 0 of the open-forms flags follows the channel list's life.
         app().FormOpenFlags |= AppState::ChannelListOpen;
         connect(form, &QObject::destroyed, this, [] { app().FormOpenFlags &= ~AppState::ChannelListOpen; });

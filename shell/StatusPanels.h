@@ -15,6 +15,9 @@ namespace wr {
 // the port ("COM1"), the date in the interface language's short format, the
 // clock ("hh:mm:ss", rewritten by the timer Time every second), an empty
 // panel that takes the spare width, and the version ("Version 1.03").
+// While the channel list's filter hides channels, the empty panel says how
+// many are shown ("12 of 128 channels shown"); a screen reader speaks it
+// whenever it changes.
 class StatusPanels : public QObject
 {
     Q_OBJECT
@@ -26,16 +29,20 @@ public:
     void showPort(quint8 portNumber);
     // The date in the language's format, and the version.
     void showLanguage(Language language);
+    // The channels the filter shows, or -1 to empty the panel again.
+    void showChannelsShown(int shown);
 
 private:
     enum Panel { PortPanel, DatePanel, ClockPanel, EmptyPanel, VersionPanel, PanelCount };
 
     void Time_Timer();
     void showDate();
+    void showShownCount();
 
     QList<QLabel *> m_panels;
     QTimer *m_time;
     Language m_language = English;
+    int m_shown = -1;
 };
 
 } // namespace wr

@@ -180,8 +180,7 @@ void TestChannelBulkEdit::run(const QString &steps)
         if ((kind == u'c' || kind == u'n' || kind == u'g') && row > 0) {
             QVERIFY2(!grid()->isRowHidden(row), qPrintable(step));
             if (kind == u'g') {
-                grid()->selectionModel()->setCurrentIndex(grid()->model()->index(row, column),
-                                                          QItemSelectionModel::ClearAndSelect);
+                grid()->setCurrentIndex(grid()->model()->index(row, column));
                 grid()->setFocus();
             } else {
                 QTest::mouseClick(grid()->viewport(), Qt::LeftButton, modifiers,
