@@ -152,7 +152,7 @@ int runSet(const QStringList &arguments)
                                       QStringLiteral("list"));
     line.parser().addOption(channels);
     line.addArgument(QStringLiteral("FILE.tw"), QStringLiteral("The data file to change."));
-    line.addArgument(QStringLiteral("COLUMN=VALUE"), QStringLiteral("What to set; one or more."));
+    line.addArgument(QStringLiteral("COLUMN=VALUE..."), QStringLiteral("What to set; one or more."));
     line.setMinimumArguments(2);
     if (const auto status = line.parse(arguments))
         return *status;
@@ -185,9 +185,13 @@ int runSet(const QStringList &arguments)
         return Failure;
     const BandLimitArray limits = bandLimitsOf(*image, path);
     for (Assignment &assignment : assignments) {
-        if (const QString refused = check(assignment, limits); !refused.isEmpty())
-            return line.usageError(QStringLiteral("%1=%2: %3").arg(columnName(assignment.column), assignment.given,
-                                                                 refused));
+        if (const QString refused = check(assignment, limits); !refused.isEmpty()) {
+            err() << "wrpd6t-tool set: " << columnName(assignment.column) << '=' << assignment.given << ": "
+                  << refused << "; " << path << " is left as it was\n";
+            return UsageError;
+        }
+    }
+    for (const Assignment &assignment : std::as_const(assignments)) {
         const bool frequency = assignment.column == ColRx || assignment.column == ColTx;
         if (frequency && freq::parseDecimal(assignment.value, 6) != freq::parseDecimal(assignment.given, 6))
             out() << columnName(assignment.column) << '=' << assignment.given << ": moved onto the channel raster: "
