@@ -97,7 +97,7 @@ QAction *ChannelBulkEdit::addAction(QMenu *menu, const QString &name, const Text
 QMenu *ChannelBulkEdit::addSubmenu(QMenu *parent, const QString &name, const Text &caption)
 {
     auto *menu = new QMenu(parent);
-    menu->setObjectName(u"mnu"_s + name);
+    menu->setObjectName(u"mnu"_s + name.front().toUpper() + name.mid(1)); // "mnuSetPower" for "setPower"
     menu->menuAction()->setObjectName(name);
     m_captions.append({menu->menuAction(), caption});
     return menu;

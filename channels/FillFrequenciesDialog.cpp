@@ -34,6 +34,8 @@ constexpr Text ValueText{u"%1 MHz (channel %2)", u"%1 MHz（信道 %2）", u"%1 
 constexpr Text OutsideText{u"Outside the receive bands, moved to a band edge: %1", u"超出接收频段，移至频段边缘：%1",
                            u"超出接收頻段，移至頻段邊緣：%1"};
 constexpr Text RasterText{u"Moved onto the channel raster: %1", u"调整到频率栅格：%1", u"調整到頻率柵格：%1"};
+constexpr Text NothingMovedText{u"Every value lies in the receive bands, on the raster.", u"所有值都在接收频段内、频率栅格上。",
+                                u"所有值都在接收頻段內、頻率柵格上。"};
 const QString NoValue = u"—"_s;
 
 // A label's caption as a control's accessible name: without its colon.
@@ -112,7 +114,7 @@ void FillFrequenciesDialog::preview()
         moved << OutsideText.in(language).arg(m_series->outsideBands);
     if (m_series->offRaster > 0)
         moved << RasterText.in(language).arg(m_series->offRaster);
-    m_moved->setText(moved.join(u'\n'));
+    m_moved->setText(moved.isEmpty() ? NothingMovedText.in(language) : moved.join(u'\n'));
 }
 
 } // namespace wr

@@ -468,8 +468,8 @@ QModelIndex frmChannel::editableCell(const QModelIndex &cell) const
 
 QWidget *frmChannel::editorFor(const QModelIndex &cell, const QString &text)
 {
-    if (cell.row() < 1 || cell.row() > lastChannel())
-        return nullptr;
+    if (cell.row() < 1 || cell.row() > lastChannel() || m_grid->isRowHidden(cell.row()))
+        return nullptr; // the filter's hidden rows are not edited unseen
     switch (cell.column()) {
     case ColRx:
     case ColTx:

@@ -326,6 +326,8 @@ void TestChannelBulkEdit::filterLeavesEditsAndHiddenRowsAlone()
     QCOMPARE(shownChannels(), u"2 3 6"_s);
     typeFilter(u"low "_s);
     QCOMPARE(shownChannels(), u"3 6"_s);
+    run(u"Tab Return"_s); // the current cell is on hidden channel 2: no editor opens unseen
+    QCOMPARE(QApplication::focusWidget(), grid());
 
     run(u"n3 +n6 Delete"_s); // rows 3 to 6 selected, only 3 and 6 shown
     QCOMPARE(m_form->cellText(5, ColRx), u"446.00625"_s);
@@ -466,7 +468,7 @@ void TestChannelBulkEdit::fillFrequenciesShowsTheSeries_data()
     QTest::addColumn<QStringList>("shown"); // first, last, what moved; OK offered
     QTest::newRow("on the raster") << int(English) << u"446.00625"_s << u"6.25"_s
                                    << QStringList{u"446.00625 MHz (channel 2)"_s, u"446.03125 MHz (channel 6)"_s,
-                                                  QString(), u"OK"_s};
+                                                  u"Every value lies in the receive bands, on the raster."_s, u"OK"_s};
     QTest::newRow("going down, off the raster")
         << int(SimplifiedChinese) << u"145.1"_s << u"-2.5"_s
         << QStringList{u"145.10000 MHz（信道 2）"_s, u"145.09000 MHz（信道 6）"_s, u"调整到频率栅格：2"_s, u"确定"_s};

@@ -6,6 +6,7 @@
 // The progress form is also shown retrying and searching the ports against a
 // silent virtual radio, and the port error boxes with made-up devices.
 #include "channels/ChannelRecord.h"
+#include "channels/FillFrequenciesDialog.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
 #include "link/CloneEngine.h"
@@ -26,6 +27,7 @@
 #include <QDir>
 #include <QFile>
 #include <QLabel>
+#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -159,6 +161,16 @@ int main(int argc, char *argv[])
         fillSomeChannels(wr::app());
         window.RefreshMainWindow();
         save(&window, folder, QStringLiteral("main-window-") + tag);
+        // The list filtered, with its count in the status bar; and the Fill
+        // Frequencies dialog for the filtered channels.
+        auto *filter = window.findChild<QLineEdit *>(QStringLiteral("txtFilter"));
+        filter->setText(QStringLiteral("145 ") + wr::Words::High.in(language));
+        QApplication::processEvents(); // the grid lays its rows out after a timer
+        save(&window, folder, QStringLiteral("main-window-filtered-") + tag);
+        wr::FillFrequenciesDialog fill({2, 4, 6, 8}, QStringLiteral("145.01250"), wr::app().BandLimits, language,
+                                       &window);
+        save(&fill, folder, QStringLiteral("fill-frequencies-") + tag);
+        filter->clear();
 
         wr::frmComPort port(wr::app().PortNumber, language, &window);
         save(&port, folder, QStringLiteral("port-dialog-") + tag);
