@@ -11,6 +11,12 @@
 
 namespace wr {
 
+QItemSelectionModel::SelectionFlags ChannelGridView::selectionCommand(const QModelIndex &index,
+                                                                      const QEvent *event) const
+{
+    return event ? QTableView::selectionCommand(index, event) : QItemSelectionModel::ClearAndSelect;
+}
+
 ChannelSelection::ChannelSelection(QTableView *grid, std::function<void()> beforeClick)
     : m_grid(grid)
     , m_beforeClick(std::move(beforeClick))
@@ -20,12 +26,13 @@ ChannelSelection::ChannelSelection(QTableView *grid, std::function<void()> befor
 QList<int> ChannelSelection::channels(int last) const
 {
     QList<int> rows;
+    const auto shown = [this, last](int row) { return row >= 1 && row <= last && !m_grid->isRowHidden(row); };
     for (const QModelIndex &index : m_grid->selectionModel()->selectedIndexes()) {
-        if (index.row() >= 1 && index.row() <= last && !rows.contains(index.row()))
+        if (shown(index.row()) && !rows.contains(index.row()))
             rows.append(index.row());
     }
     const int current = m_grid->currentIndex().row();
-    if (rows.isEmpty() && current >= 1 && current <= last)
+    if (rows.isEmpty() && shown(current))
         rows.append(current);
     std::sort(rows.begin(), rows.end());
     return rows;
@@ -56,9 +63,18 @@ bool ChannelSelection::mouseEvent(QEvent *event)
     const Qt::KeyboardModifiers extend = mouse->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier);
 
     if (type == QEvent::MouseButtonPress) {
-        if (mouse->button() != Qt::LeftButton || index.column() != ColNumber || row < 1)
+        if (mouse->button() != Qt::LeftButton || row < 1)
+            return false;
+        m_cells = index.column() != ColNumber;
+        if (m_cells && !extend)
             return false;
         m_beforeClick();
+        if (m_cells) {
+            selectCells(index, extend);
+            m_selecting = true;
+            m_dragged = false;
+            return true;
+        }
         QList<int> rows; // the whole rows selected so far
         for (const QModelIndex &selected : m_grid->selectionModel()->selectedRows())
             rows.append(selected.row());
@@ -81,6 +97,7 @@ bool ChannelSelection::mouseEvent(QEvent *event)
         std::sort(rows.begin(), rows.end());
         select(rows);
         m_grid->selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+        m_grid->setFocus(Qt::MouseFocusReason); // from the filter line, say: keys now act on the rows
         m_selecting = true;
         m_dragged = false;
         return true;
@@ -88,7 +105,7 @@ bool ChannelSelection::mouseEvent(QEvent *event)
     if (!m_selecting)
         return false;
     if (type == QEvent::MouseMove) {
-        if ((mouse->buttons() & Qt::LeftButton) && row >= 1 && row != m_anchor) {
+        if (!m_cells && (mouse->buttons() & Qt::LeftButton) && row >= 1 && row != m_anchor) {
             QList<int> rows(std::abs(row - m_anchor) + 1);
             std::iota(rows.begin(), rows.end(), std::min(row, m_anchor));
             select(rows);
@@ -97,7 +114,36 @@ bool ChannelSelection::mouseEvent(QEvent *event)
         return true;
     }
     m_selecting = false;
-    return extend || m_dragged;
+    return extend || m_dragged || m_cells;
+}
+
+// Shift: the rectangle from the anchor, the corner of the last rectangle
+// opposite the current cell (where the view's own Shift+arrows and these
+// clicks started it), or the current cell.
+void ChannelSelection::selectCells(const QModelIndex &cell, Qt::KeyboardModifiers keys)
+{
+    QItemSelectionModel *selection = m_grid->selectionModel();
+    const QModelIndex current = m_grid->currentIndex();
+    if (keys & Qt::ShiftModifier) {
+        QModelIndex anchor = current.isValid() ? current : cell;
+        if (!selection->selection().isEmpty()) {
+            const QItemSelectionRange last = selection->selection().constLast();
+            const bool corner = (current.row() == last.top() || current.row() == last.bottom())
+                && (current.column() == last.left() || current.column() == last.right());
+            if (corner) {
+                anchor = m_grid->model()->index(current.row() == last.top() ? last.bottom() : last.top(),
+                                                current.column() == last.left() ? last.right() : last.left());
+            }
+        }
+        QItemSelection rectangle;
+        rectangle.select(anchor, cell);
+        selection->select(rectangle, keys & Qt::ControlModifier ? QItemSelectionModel::Select
+                                                               : QItemSelectionModel::ClearAndSelect);
+    } else {
+        selection->select(cell, QItemSelectionModel::Toggle);
+    }
+    selection->setCurrentIndex(cell, QItemSelectionModel::NoUpdate);
+    m_grid->setFocus(Qt::MouseFocusReason);
 }
 
 } // namespace wr

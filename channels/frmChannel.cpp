@@ -1,5 +1,7 @@
 #include "channels/frmChannel.h"
 
+#include "channels/ChannelBulkEdit.h"
+#include "channels/ChannelFilterBar.h"
 #include "channels/ChannelHistory.h"
 #include "channels/ChannelModel.h"
 #include "channels/ChannelSelection.h"
@@ -161,14 +163,20 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     m_history = new ChannelHistory(*m_model, m_state.image, this);
     m_history->setSelector([this](const QList<int> &channels) { selectChannels(channels); });
 
-    m_grid = new QTableView(this);
+    // The filter line above the grid comes before it in the focus chain, so
+    // it is made first and the grid joins the window after it; the grid's
+    // own successor in the chain stays the widget after the list (Ctrl+Tab
+    // leaves the grid for the tree).
+    m_grid = new ChannelGridView;
+    m_filter = new ChannelFilterBar(*m_model, m_grid, [this] { return lastChannel(); }, this);
+    m_grid->setParent(this);
     m_grid->setObjectName(QStringLiteral("ChannelGrid"));
     m_grid->setModel(m_model);
     m_grid->setItemDelegate(new NumberDelegate(m_grid));
     m_grid->setHorizontalHeader(new ChannelHeader(m_grid));
     m_grid->horizontalHeader()->setTextElideMode(Qt::ElideNone);
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_grid->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_grid->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_grid->setSelectionBehavior(QAbstractItemView::SelectItems);
     m_grid->setTabKeyNavigation(false);
     m_grid->setWordWrap(false);
@@ -187,6 +195,7 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_filter);
     layout->addWidget(m_grid);
 
     CellEditRules &rules = *this;
@@ -220,6 +229,10 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     ChannelToolHost &host = *this;
     m_tools = new ChannelTools(host, *m_model, *m_history, m_state.BandLimits, m_grid);
     m_sheet = new ChannelSheetCommand(m_state, *m_model, host, *m_tools->menu(), m_grid);
+    m_bulk = new ChannelBulkEdit(host, *m_model, *m_history, *m_editor, m_state.BandLimits, m_grid, m_tools->menu());
+    for (QWidget *editor : std::initializer_list<QWidget *>{m_text, m_combo[0]->lineEdit(), m_combo[0], m_combo[1]})
+        m_bulk->watchEditor(editor);
+    connect(m_filter, &ChannelFilterBar::shownChanged, this, &frmChannel::channelsShown);
 
     RefreshChannelOP();
     RefreshChannel();
@@ -245,6 +258,11 @@ void frmChannel::importCsvFile(const QString &path)
 QUndoStack *frmChannel::undoStack() const
 {
     return m_history->stack();
+}
+
+QAction *frmChannel::findChannelsAction() const
+{
+    return m_filter->findAction();
 }
 
 Language frmChannel::language() const
@@ -390,6 +408,9 @@ void frmChannel::RefreshData()
         m_history->clear();
     m_model->setTable(std::move(loaded), language());
     m_tools->caption();
+    m_bulk->caption();
+    m_filter->caption();
+    m_filter->apply();
 }
 
 void frmChannel::SaveData()
@@ -468,8 +489,8 @@ QModelIndex frmChannel::editableCell(const QModelIndex &cell) const
 
 QWidget *frmChannel::editorFor(const QModelIndex &cell, const QString &text)
 {
-    if (cell.row() < 1 || cell.row() > lastChannel())
-        return nullptr;
+    if (cell.row() < 1 || cell.row() > lastChannel() || m_grid->isRowHidden(cell.row()))
+        return nullptr; // the filter's hidden rows are not edited unseen
     switch (cell.column()) {
     case ColRx:
     case ColTx:

@@ -20,6 +20,8 @@ class QUndoStack;
 namespace wr {
 
 struct AppState;
+class ChannelBulkEdit;
+class ChannelFilterBar;
 class ChannelHistory;
 class ChannelModel;
 class ChannelSelection;
@@ -43,7 +45,10 @@ class SettingsStore;
 //   editor  -    TxtChannel        CboChannel0             CboChannel1 (the column's choices)
 //
 // Rows are selected by clicking the channel numbers (Shift and Ctrl
-// extend); the tools (ChannelTools) work on them, or on the current row.
+// extend), cells by Shift and Ctrl with clicks or arrows; the tools
+// (ChannelTools) work on the rows with a cell selected, or on the current
+// row, and the fills (ChannelBulkEdit) on the cells. The filter line above
+// the grid (ChannelFilterBar) hides the rows of the channels it leaves out.
 // Every change of the working copy, an edit in a cell included, is one step
 // of the undo history; a language switch keeps the history, any other
 // reload starts a new one.
@@ -97,6 +102,8 @@ public:
     void setSettingsStore(SettingsStore *settings);
 
     QUndoStack *undoStack() const;
+    // Ctrl+F, to the filter line; for the window around the list.
+    QAction *findChannelsAction() const;
     // The channels the tools work on: the selected rows, else the current row.
     QList<int> selectedChannels() const override;
 
@@ -106,6 +113,8 @@ Q_SIGNALS:
     // A value typed into a cell was stored as another (7 became 174.00000);
     // the main window shows it in its status bar.
     void valueCorrected(const wr::TypedCorrection &correction);
+    // How many channels the filter shows, -1 while there is no filter.
+    void channelsShown(int shown);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -144,6 +153,8 @@ private:
     std::unique_ptr<CellEditor> m_editor; // goes before the grid and the rules it calls
     ChannelTools *m_tools = nullptr;
     ChannelSheetCommand *m_sheet = nullptr;
+    ChannelBulkEdit *m_bulk = nullptr;
+    ChannelFilterBar *m_filter = nullptr;
     QObject *m_wheelPager = nullptr; // installed on the grid while it has the focus
     std::unique_ptr<ChannelSelection> m_selection;
     int m_rows = RowCount;           // rows of the grid, the hidden header row included

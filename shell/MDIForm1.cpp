@@ -411,6 +411,9 @@ void MDIForm1::showChannelList()
         connect(form, &frmChannel::valueCorrected, this, [this](const TypedCorrection &correction) {
             m_status->showNote(correction.text(language()), CorrectionNoteTime);
         });
+        addAction(form->findChannelsAction()); // Ctrl+F from the tree and the toolbar too
+        connect(form, &frmChannel::channelsShown, m_status, &StatusPanels::showChannelsShown);
+        connect(form, &QObject::destroyed, m_status, [status = m_status] { status->showChannelsShown(-1); });
         // Bit 0 of the open-forms flags follows the channel list's life.
         app().FormOpenFlags |= AppState::ChannelListOpen;
         connect(form, &QObject::destroyed, this, [] { app().FormOpenFlags &= ~AppState::ChannelListOpen; });

@@ -1,7 +1,9 @@
 #include "shell/StatusPanels.h"
 
+#include "channels/ChannelRecord.h"
 #include "core/AppState.h"
 
+#include <QAccessible>
 #include <QDate>
 #include <QLabel>
 #include <QLocale>
@@ -14,6 +16,8 @@ using namespace Qt::StringLiterals;
 namespace wr {
 
 namespace {
+
+constexpr Text ChannelsShown{u"%1 of %2 channels shown", u"显示 %1 / %2 个信道", u"顯示 %1 / %2 個信道"};
 
 QLocale localeOf(Language language)
 {
@@ -83,6 +87,28 @@ void StatusPanels::showLanguage(Language language)
     if (m_noteText)
         m_note->setText(m_noteText->in(language));
     showDate();
+    showShownCount();
+}
+
+void StatusPanels::showChannelsShown(int shown)
+{
+    m_shown = shown;
+    showShownCount();
+}
+
+// The panel has no accessible name of its own, so its text is its name; a
+// screen reader speaks the new name when it is told of the change.
+void StatusPanels::showShownCount()
+{
+    QString text;
+    if (m_shown >= 0)
+        text = ChannelsShown.in(m_language).arg(m_shown).arg(ChannelRecord::ChannelCount);
+    QLabel *panel = m_panels[EmptyPanel];
+    if (panel->text() == text)
+        return;
+    panel->setText(text);
+    QAccessibleEvent changed(panel, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&changed);
 }
 
 void StatusPanels::showDate()

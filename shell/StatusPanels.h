@@ -18,7 +18,9 @@ namespace wr {
 // clock ("hh:mm:ss", rewritten by the timer Time every second), an empty
 // panel that takes the spare width, and the version ("Version 1.03"). A
 // note (a typed value the channel list corrected, the backups kept from the
-// last run) takes their place for a while.
+// last run) takes their place for a while. While the channel list's filter
+// hides channels, the empty panel says how many are shown ("12 of 128
+// channels shown"); a screen reader speaks it whenever it changes.
 class StatusPanels : public QObject
 {
     Q_OBJECT
@@ -36,6 +38,8 @@ public:
     // given in the three languages follows a language switch.
     void showNote(const Text &note, int milliseconds);
     void showNote(const QString &text, int milliseconds);
+    // The channels the filter shows, or -1 to empty the panel again.
+    void showChannelsShown(int shown);
 
 private:
     enum Panel { PortPanel, DatePanel, ClockPanel, EmptyPanel, VersionPanel, PanelCount };
@@ -43,6 +47,7 @@ private:
     void Time_Timer();
     void showDate();
     void endNote();
+    void showShownCount();
 
     QList<QLabel *> m_panels;
     QTimer *m_time;
@@ -50,6 +55,7 @@ private:
     QTimer *m_noteTime; // tmrNote: how long the note stays
     std::optional<Text> m_noteText; // the note, when it has three languages
     Language m_language = English;
+    int m_shown = -1;
 };
 
 } // namespace wr

@@ -1,7 +1,9 @@
 // Times the channel list's two bulk operations on 128 full channels:
-// RefreshData (image -> grid) and SaveData (grid -> image).
+// RefreshData (image -> grid) and SaveData (grid -> image); and its filter.
 //
 //   wrpd6t-bench-channels [iterations]
+//   wrpd6t-bench-channels --filter [rounds]  each keystroke into the filter line, alone
+//                                            and with the grid's layout and repaint
 //   wrpd6t-bench-channels --shots DIR     renders the list, its tools' menu and an
 //                                         import's preview in the three languages
 //
@@ -10,6 +12,7 @@
 #include "channels/ChannelCsv.h"
 #include "channels/ChannelRecord.h"
 #include "channels/CsvImportPreview.h"
+#include "channels/ToneChoiceDialog.h"
 #include "channels/frmChannel.h"
 #include "core/AppState.h"
 #include "core/FrequencyCodec.h"
@@ -23,6 +26,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMenu>
 #include <QTableView>
 #include <QTextStream>
@@ -109,8 +113,17 @@ int shots(const QString &folder)
         QCoreApplication::processEvents();
         if (auto *menu = form.findChild<QMenu *>(QStringLiteral("channelMenu"))) {
             menu->grab().save(QStringLiteral("%1/channels-menu-%2.png").arg(folder, name));
+            auto *set = menu->findChild<QMenu *>(QStringLiteral("mnuSetForSelected"));
+            set->popup(menu->geometry().topRight());
+            QCoreApplication::processEvents();
+            set->grab().save(QStringLiteral("%1/channels-menu-set-%2.png").arg(folder, name));
+            set->close();
             menu->close();
         }
+        ToneChoiceDialog tone(ChannelColumnCaptions[ColEncode], QStringLiteral("D023N"), Language(language));
+        tone.show();
+        QCoreApplication::processEvents();
+        tone.grab().save(QStringLiteral("%1/tone-choice-%2.png").arg(folder, name));
 
         const CsvImport import = readChannelCsv(
             QStringLiteral("Location,Name,Frequency,Duplex,Offset,Tone,rToneFreq,cToneFreq,Mode,Power,Comment\n"
@@ -153,6 +166,57 @@ Stats summarise(std::vector<double> &samples)
     return {samples[samples.size() / 2], samples.front(), sum / double(samples.size())};
 }
 
+// Types filters into the line key by key and erases them again, as a user
+// looking for channels does; every key filters the 128 channels anew.
+int filterKeys(int rounds)
+{
+    app() = AppState{};
+    app().LanguageIndex = English;
+    app().image.InitImage();
+    fillImage(app().image, 0);
+    frmChannel form(app());
+    form.show();
+    QCoreApplication::processEvents();
+    auto *line = form.findChild<QLineEdit *>(QStringLiteral("txtFilter"));
+    line->setFocus();
+
+    const QStringList filters{QStringLiteral("430.1 high"), QStringLiteral("144 d0 wide"),
+                              QStringLiteral("1 off narrow"), QStringLiteral("67")};
+    std::vector<double> keystroke, painted;
+    QElapsedTimer timer;
+    const auto press = [&](Qt::Key key, const QString &text) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, text);
+        timer.start();
+        QCoreApplication::sendEvent(line, &event);
+        keystroke.push_back(double(timer.nsecsElapsed()) / 1e6);
+        QCoreApplication::processEvents(); // the grid's layout and paint
+        painted.push_back(double(timer.nsecsElapsed()) / 1e6);
+    };
+    for (int round = 0; round < rounds; ++round) {
+        for (const QString &filter : filters) {
+            for (const QChar c : filter)
+                press(Qt::Key_unknown, QString(c));
+            for (qsizetype i = 0; i < filter.size(); ++i)
+                press(Qt::Key_Backspace, QString());
+        }
+    }
+    if (!line->text().isEmpty())
+        return 1;
+    QTextStream out(stdout);
+    out << "filter, 128 full channels, " << keystroke.size() << " keystrokes (ms per keystroke)\n";
+    for (auto [name, samples] : {std::pair{"keystroke          ", &keystroke}, {"keystroke and paint", &painted}}) {
+        const Stats stats = summarise(*samples); // sorts them
+        const double slowest = samples->back();
+        const double p99 = (*samples)[samples->size() * 99 / 100];
+        out << name
+            << QStringLiteral("  median %1  99th percentile %2  worst %3\n")
+                   .arg(stats.median, 0, 'f', 3)
+                   .arg(p99, 0, 'f', 3)
+                   .arg(slowest, 0, 'f', 3);
+    }
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -163,6 +227,8 @@ int main(int argc, char *argv[])
     const QStringList args = application.arguments();
     if (args.size() > 2 && args.at(1) == QStringLiteral("--shots"))
         return shots(args.at(2));
+    if (args.size() > 1 && args.at(1) == QStringLiteral("--filter"))
+        return filterKeys(args.size() > 2 ? std::max(1, args.at(2).toInt()) : 20);
     const int iterations = args.size() > 1 ? std::max(1, args.at(1).toInt()) : 200;
 
     app() = AppState{};

@@ -1,13 +1,13 @@
 // Runs the built wrpd6t-tool as a separate process, as a user would.
 
 #include "TestSuite.h"
+#include "ToolRun.h"
 
 #include "core/MemoryImage.h"
 #include "file/Backups.h"
 #include "file/DataFile.h"
 
 #include <QDir>
-#include <QProcess>
 #include <QTest>
 
 #include <sys/stat.h>
@@ -15,33 +15,10 @@
 using namespace wr;
 using namespace Qt::Literals::StringLiterals;
 namespace DF = wr::DataFile;
+using wr::test::Run;
+using wr::test::runTool;
 
 namespace {
-
-struct Run
-{
-    int exitCode = -1;
-    QString out;
-    QString err;
-};
-
-// Runs the tool in folder; "@" in an argument stands for the folder. The
-// tool's data folder is @/data/wrpd6t.
-Run runTool(QStringList arguments, const QString &folder)
-{
-    QProcess process;
-    arguments.replaceInStrings(u"@"_s, folder);
-    process.setWorkingDirectory(folder);
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"XDG_DATA_HOME"_s, folder + u"/data"_s);
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(WRPD6T_TOOL_PATH), arguments);
-    Run run;
-    if (process.waitForFinished(10000) && process.exitStatus() == QProcess::NormalExit)
-        run = {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-               QString::fromUtf8(process.readAllStandardError())};
-    return run;
-}
 
 // Channel 3: 145.50000 / 146.00000, decode 88.5, encode D023N, high, wide,
 // scanned, BCL carrier. Channel 10: 435.12500 receive only, no tone, low,

@@ -168,21 +168,24 @@ private Q_SLOTS:
             QCOMPARE(wr::MessageBox::history().size(), 1);
     }
 
-    // Ctrl+Tab and Ctrl+Shift+Tab leave the channel grid for the tree, the
-    // open editor stored; the document area would keep them for switching
-    // between its windows.
+    // Ctrl+Tab and Ctrl+Shift+Tab leave the channel grid, the open editor
+    // stored: forwards for the tree, backwards for the filter line above the
+    // grid; the document area would keep them for switching between its
+    // windows.
     void ctrlTabLeavesTheGrid_data()
     {
         QTest::addColumn<bool>("backwards");
         QTest::addColumn<QString>("typed"); // into an editor of channel 3 first
-        QTest::newRow("Ctrl+Tab from the grid") << false << QString();
-        QTest::newRow("Ctrl+Shift+Tab from an editor") << true << u"147"_s;
+        QTest::addColumn<QString>("lands");
+        QTest::newRow("Ctrl+Tab from the grid") << false << QString() << u"Tree0"_s;
+        QTest::newRow("Ctrl+Shift+Tab from an editor") << true << u"147"_s << u"txtFilter"_s;
     }
 
     void ctrlTabLeavesTheGrid()
     {
         QFETCH(bool, backwards);
         QFETCH(QString, typed);
+        QFETCH(QString, lands);
         QTableView *grid = gridAt(0, 3, 1, QString());
         QVERIFY(grid);
         if (!typed.isEmpty()) {
@@ -191,7 +194,7 @@ private Q_SLOTS:
         }
         const Qt::Key key = backwards ? Qt::Key_Backtab : Qt::Key_Tab;
         QTest::keyClick(QApplication::focusWidget(), key, Qt::ControlModifier | (backwards ? Qt::ShiftModifier : Qt::NoModifier));
-        QCOMPARE(QApplication::focusWidget(), h->window->findChild<QWidget *>(u"Tree0"_s));
+        QCOMPARE(QApplication::focusWidget()->objectName(), lands);
         QCOMPARE(h->gridRx(3), typed.isEmpty() ? QString() : u"147.00000"_s);
     }
 

@@ -9,6 +9,7 @@
 // warning of a radio left partly written, with made-up devices and rows.
 #include "channels/ChannelRecord.h"
 #include "channels/frmChannel.h"
+#include "channels/FillFrequenciesDialog.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
 #include "file/Backups.h"
@@ -35,6 +36,7 @@
 #include <QDir>
 #include <QFile>
 #include <QLabel>
+#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -295,6 +297,16 @@ int main(int argc, char *argv[])
         Q_EMIT window.channelList()->valueCorrected({7, wr::ColRx, QStringLiteral("7"), QStringLiteral("174.00000"),
                                                      wr::TypedCorrection::Reason::BelowBands});
         save(&window, folder, QStringLiteral("main-window-correction-") + tag);
+        // The list filtered, with its count in the status bar; and the Fill
+        // Frequencies dialog for the filtered channels.
+        auto *filter = window.findChild<QLineEdit *>(QStringLiteral("txtFilter"));
+        filter->setText(QStringLiteral("145 ") + wr::Words::High.in(language));
+        QApplication::processEvents(); // the grid lays its rows out after a timer
+        save(&window, folder, QStringLiteral("main-window-filtered-") + tag);
+        wr::FillFrequenciesDialog fill({2, 4, 6, 8}, QStringLiteral("145.01250"), wr::app().BandLimits, language,
+                                       &window);
+        save(&fill, folder, QStringLiteral("fill-frequencies-") + tag);
+        filter->clear();
 
         wr::frmComPort port(wr::app().PortNumber, language, &window);
         save(&port, folder, QStringLiteral("port-dialog-") + tag);

@@ -48,6 +48,17 @@ std::optional<MemoryImage> readImage(const QString &path)
     return image;
 }
 
+BandLimitArray bandLimitsOf(const MemoryImage &image, const QString &path)
+{
+    BandLimitArray limits = LoadBandLimits(image);
+    if (limits == BandLimitArray{}) {
+        limits = DefaultBandLimits;
+        err() << path << ": no band limits (never read from a radio); using " << limits[RxLower1] << '-'
+              << limits[RxUpper1] << " and " << limits[RxLower2] << '-' << limits[RxUpper2] << " MHz\n";
+    }
+    return limits;
+}
+
 std::optional<QList<int>> parseChannelList(QStringView text)
 {
     const auto channel = [](QStringView number) -> std::optional<int> {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/BandLimits.h"
 #include "core/MemoryImage.h"
 #include "file/DataFile.h"
 
@@ -39,6 +40,7 @@ QList<Command> linkCommands();
 QList<Command> csvCommands();
 QList<Command> diffCommands();
 QList<Command> sheetCommands();
+QList<Command> setCommands();
 
 // Standard output and standard error, UTF-8.
 QTextStream &out();
@@ -53,6 +55,9 @@ int fileFailure(const QString &path, const QString &message);
 std::optional<DataFile::ReadResult> readDataFile(const QString &path);
 // The memory image of a data file, or nothing after printing why it cannot be used.
 std::optional<MemoryImage> readImage(const QString &path);
+// The band limits of a data file's image; those of the usual radio, said so
+// on stderr, when the file holds none (its radio was never read).
+BandLimitArray bandLimitsOf(const MemoryImage &image, const QString &path);
 
 // Channel numbers given as a list such as "1-16,20": numbers and ranges of
 // 1-128, separated by commas. Sorted, each once; nothing when the text is

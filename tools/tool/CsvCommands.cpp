@@ -58,14 +58,7 @@ int runImport(const QStringList &arguments)
     if (file.problem == csv::File::Problem::TooLarge)
         return fileFailure(csvPath, QStringLiteral("too large for a channel list"));
 
-    // A file of a radio never read holds no band limits; the usual ones of
-    // the radio stand in for them.
-    BandLimitArray limits = LoadBandLimits(*image);
-    if (limits == BandLimitArray{}) {
-        limits = DefaultBandLimits;
-        err() << dataPath << ": no band limits (never read from a radio); using " << limits[RxLower1] << '-'
-              << limits[RxUpper1] << " and " << limits[RxLower2] << '-' << limits[RxUpper2] << " MHz\n";
-    }
+    const BandLimitArray limits = bandLimitsOf(*image, dataPath);
 
     // Rows without a Location go into the channels from 1 on; a row giving
     // some of the channel list's cells only changes a channel in use.

@@ -46,6 +46,7 @@ int main(int argc, char *argv[])
     commands += csvCommands();
     commands += diffCommands();
     commands += sheetCommands();
+    commands += setCommands();
 
     // A command that draws text needs a GUI application for its fonts; on
     // the offscreen platform it needs no display, and Qt's notes about the
