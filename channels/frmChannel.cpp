@@ -2,6 +2,7 @@
 
 #include "channels/ChannelBulkEdit.h"
 #include "channels/ChannelFilterBar.h"
+#include "channels/ChannelGridLook.h"
 #include "channels/ChannelHistory.h"
 #include "channels/ChannelModel.h"
 #include "channels/ChannelSelection.h"
@@ -14,20 +15,16 @@
 #include <QCloseEvent>
 #include <QContextMenuEvent>
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QStyle>
-#include <QStyleOptionHeader>
 #include <QStringListModel>
-#include <QStyledItemDelegate>
 #include <QTableView>
 #include <QUndoStack>
 #include <QVBoxLayout>
-#include <QWheelEvent>
 
 #include <algorithm>
 #include <array>
@@ -48,13 +45,6 @@ constexpr std::array<int, frmChannel::ColumnCount> ColumnWidths = [] {
 }();
 constexpr int HeaderHeight = twipsToPixels(500);
 
-constexpr int HeaderPointSize = 10;
-constexpr int NumberPointSize = 12;
-const QColor HeaderColour(19, 58, 149);
-
-// One notch of a standard mouse wheel.
-constexpr int WheelNotch = 120;
-
 static_assert(ChannelColumnCaptions.size() == frmChannel::ColumnCount);
 
 bool isAsciiDigit(QChar c)
@@ -64,91 +54,6 @@ bool isAsciiDigit(QChar c)
 
 // Name of a step of the history.
 constexpr Text EditStep{u"Edit", u"编辑", u"編輯"};
-
-// While the grid has the focus, one notch of the wheel pages the list up or
-// down, as Page Up and Page Down would; anything else (a touchpad's small
-// steps, a notch with a key or button held) scrolls as usual.
-class WheelPager : public QObject
-{
-public:
-    explicit WheelPager(QTableView *grid)
-        : QObject(grid)
-        , m_grid(grid)
-    {
-    }
-
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        if (event->type() != QEvent::Wheel)
-            return QObject::eventFilter(watched, event);
-        const auto *wheel = static_cast<QWheelEvent *>(event);
-        if (wheel->modifiers() != Qt::NoModifier || wheel->buttons() != Qt::NoButton
-            || wheel->angleDelta().x() != 0)
-            return false;
-        const int delta = wheel->angleDelta().y();
-        if (delta != WheelNotch && delta != -WheelNotch)
-            return false;
-        const auto key = delta > 0 ? Qt::Key_PageUp : Qt::Key_PageDown;
-        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_grid, &press);
-        QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_grid, &release);
-        return true; // one page a notch, not a page plus the view's own three lines
-    }
-
-private:
-    QTableView *m_grid;
-};
-
-// The grid's column header. Qt's header measures each caption in bold, the
-// look of a highlighted section; this grid never highlights one, so captions
-// are measured in the font they are drawn in. That also spares loading bold
-// fonts (a Chinese one included) only to measure.
-class ChannelHeader final : public QHeaderView
-{
-public:
-    explicit ChannelHeader(QWidget *parent)
-        : QHeaderView(Qt::Horizontal, parent)
-    {
-    }
-
-protected:
-    QSize sectionSizeFromContents(int logicalIndex) const override
-    {
-        const QVariant hint = model()->headerData(logicalIndex, orientation(), Qt::SizeHintRole);
-        if (hint.isValid())
-            return hint.toSize();
-        QStyleOptionHeader option;
-        initStyleOption(&option);
-        option.section = logicalIndex;
-        const QVariant font = model()->headerData(logicalIndex, orientation(), Qt::FontRole);
-        option.fontMetrics = QFontMetrics(font.canConvert<QFont>() ? font.value<QFont>() : this->font());
-        option.text = model()->headerData(logicalIndex, orientation(), Qt::DisplayRole).toString();
-        return style()->sizeFromContents(QStyle::CT_HeaderSection, &option, QSize(), this);
-    }
-};
-
-// The channel numbers in their own style: larger, blue and centred, on the
-// colour of fixed cells.
-class NumberDelegate final : public QStyledItemDelegate
-{
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-protected:
-    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
-    {
-        QStyledItemDelegate::initStyleOption(option, index);
-        if (index.column() != frmChannel::ColNumber)
-            return;
-        option->font.setPointSize(NumberPointSize);
-        option->fontMetrics = QFontMetrics(option->font);
-        option->palette.setColor(QPalette::Text, Qt::blue);
-        option->backgroundBrush = option->palette.color(QPalette::Active, QPalette::Button);
-        option->displayAlignment = Qt::AlignCenter;
-    }
-};
 
 } // namespace
 
