@@ -1,5 +1,7 @@
 #include "ui/CellEditor.h"
 
+#include "ui/Accessible.h"
+
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
@@ -82,6 +84,7 @@ CellEditor::CellEditor(QAbstractItemView *view, CellEditRules &rules)
     , m_viewport(view->viewport())
     , m_rules(rules)
 {
+    readListBoxesByName(); // the grids' list editors
     view->installEventFilter(this);
     m_viewport->installEventFilter(this);
     for (QScrollBar *bar : {view->verticalScrollBar(), view->horizontalScrollBar()})
