@@ -13,6 +13,7 @@
 #include "shell/AppIcon.h"
 #include "shell/FileCommands.h"
 #include "shell/LanguageForm.h"
+#include "shell/MainWindowNames.h"
 #include "shell/QtTranslations.h"
 #include "shell/StatusPanels.h"
 #include "shell/frmAbout.h"
@@ -123,6 +124,12 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
     buildMenus();
     buildToolBar();
     m_status = new StatusPanels(statusBar());
+
+    // The memory map's key, for the same as the channel list's mouse gesture.
+    auto *memoryMap = addCommand(new QAction(this), Commit::ChannelEdit, &MDIForm1::openMemoryMapByKey);
+    memoryMap->setObjectName(u"actMemoryMap"_s);
+    memoryMap->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::ALT | Qt::Key_M));
+    addAction(memoryMap);
 
     Form_Load();
 }
@@ -365,6 +372,7 @@ void MDIForm1::RefreshMainWindow()
     InstallQtTranslations(language());
     useInterfaceFont(language());
     captionStep();
+    nameMainWindowParts(this, language());
     if (m_channels)
         m_channels->RefreshChannel();
     showPortPanel();
@@ -566,7 +574,7 @@ void MDIForm1::openRadio()
 void MDIForm1::openMemoryMap()
 {
     if (!m_memoryMap) {
-        m_memoryMap = new frmMemoryMap(app().image, this);
+        m_memoryMap = new frmMemoryMap(app().image, language(), this);
         m_memoryMap->setAttribute(Qt::WA_DeleteOnClose);
         connect(m_memoryMap, &QDialog::accepted, this, [this] {
             if (m_channels)
@@ -576,6 +584,13 @@ void MDIForm1::openMemoryMap()
     m_memoryMap->show();
     m_memoryMap->raise();
     m_memoryMap->activateWindow();
+}
+
+void MDIForm1::openMemoryMapByKey()
+{
+    if (m_channels)
+        m_channels->SaveData();
+    openMemoryMap();
 }
 
 void MDIForm1::showEvent(QShowEvent *event)

@@ -72,29 +72,40 @@ private Q_SLOTS:
 
     void memoryMapGesture_data()
     {
+        QTest::addColumn<bool>("byKey"); // Ctrl+Shift+Alt+M in place of the gesture
         QTest::addColumn<QString>("button");
         QTest::addColumn<QString>("rx"); // channel 3 in the list afterwards
-        QTest::newRow("OK keeps the patch") << u"cmdOK"_s << u"145.50000"_s;
-        QTest::newRow("Cancel drops it") << u"cmdCancel"_s << u"145.00000"_s;
+        QTest::newRow("OK keeps the patch") << false << u"cmdOK"_s << u"145.50000"_s;
+        QTest::newRow("Cancel drops it") << false << u"cmdCancel"_s << u"145.00000"_s;
+        QTest::newRow("by key, OK keeps the patch") << true << u"cmdOK"_s << u"145.50000"_s;
     }
 
-    // The gesture saves the grid and opens one memory map beside the
-    // window; a patch of channel 3 made there shows in the channel list
-    // after OK and survives the next commit step.
+    // The gesture, or its key, saves the grid and opens one memory map
+    // beside the window; a patch of channel 3 made there shows in the
+    // channel list after OK and survives the next commit step.
     void memoryMapGesture()
     {
+        QFETCH(bool, byKey);
         QFETCH(QString, button);
         QFETCH(QString, rx);
         h->open(0).show();
-        QVERIFY(QTest::qWaitForWindowExposed(h->window.get()));
+        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
         h->editRx(3, u"145"_s);
-        gesture();
+        const auto open = [&] {
+            if (byKey)
+                QTest::keyClick(h->window.get(), Qt::Key_M, Qt::ControlModifier | Qt::ShiftModifier | Qt::AltModifier);
+            else
+                gesture();
+        };
+        open();
         QCOMPARE(memoryMaps().size(), 1);
         wr::frmMemoryMap *map = memoryMaps().first();
         QVERIFY(map->isVisible());
         QVERIFY(!map->isModal());
         QCOMPARE(ShellHarness::imageRx(3), u"145.00000"_s);
-        gesture();
+        h->window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
+        open();
         QCOMPARE(memoryMaps(), QList<wr::frmMemoryMap *>{map});
 
         const QByteArray before = wr::app().image.bytes();
