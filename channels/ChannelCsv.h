@@ -1,6 +1,6 @@
 #pragma once
 
-#include "channels/ChannelRecord.h"
+#include "channels/ChannelTable.h"
 #include "core/BandLimits.h"
 #include "core/Language.h"
 
@@ -9,7 +9,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <functional>
 #include <map>
 
 namespace wr {
@@ -31,39 +30,19 @@ namespace wr {
 // (rToneFreq / DtcsCode transmit, cToneFreq / RxDtcsCode receive). Busy
 // channel lockout has no column and travels in Comment as "BCL:Carrier".
 //
-// Reading also takes the channel list's own nine columns (its captions in
-// any of the three languages, or none), as a spreadsheet made from a copy of
-// the list holds them.
-//
 // Everything works on the channel list's texts, so an import changes the
 // channels exactly as typing the same values would. Frequencies are whole
 // numbers throughout.
 
-// A channel in use with its number.
-struct NumberedChannel
-{
-    int channel = 0;
-    ChannelTexts texts;
-};
-
-// The channels in use of an image, as the channel list shows them in English.
-QList<NumberedChannel> ChannelsInUse(const MemoryImage &image);
-
 // The header, in the order written.
-QStringList ChirpColumns();
+QStringList chirpColumns();
 
 // The header and a row for each channel (value words of any language),
 // fields joined by separator and quoted only when they hold the separator, a
 // quote or a line break; every line ends in lineEnd.
-QString WriteChirpCsv(const QList<NumberedChannel> &channels, QChar separator, QStringView lineEnd);
+QString writeChirpCsv(const QList<NumberedChannel> &channels, QChar separator, QStringView lineEnd);
 // A file: UTF-8, commas, CR LF.
-QByteArray ChirpCsvFile(const QList<NumberedChannel> &channels);
-
-// A file larger than this is not a channel list.
-constexpr qsizetype MaxCsvFileSize = 4 * 1024 * 1024;
-
-// A file's bytes as text: UTF-8, a byte-order mark dropped.
-QString DecodeCsvFile(const QByteArray &bytes);
+QByteArray chirpCsvFile(const QList<NumberedChannel> &channels);
 
 // One row that an import changes or skips, or a remark on the whole file,
 // with where it stands in the file (line 1 is the first line).
@@ -108,7 +87,7 @@ struct ImportNote
 
     bool skipsRow() const { return reason <= Reason::Replaced; }
     // What was done, in a language.
-    QString text(int languageIndex) const;
+    QString text(Language language) const;
 };
 
 // A row that becomes a channel, as language-free values: frequencies as
@@ -124,7 +103,7 @@ struct ImportedChannel
     ChannelRecord::Bcl bcl = ChannelRecord::Bcl::Off;
 
     // The row's cells as the channel list shows them in a language.
-    ChannelTexts texts(int languageIndex) const;
+    ChannelTexts texts(Language language) const;
 };
 
 // What reading a file or a pasted text gives.
@@ -143,23 +122,17 @@ struct CsvImport
 // doubtful skip their row; frequencies between raster steps are moved onto
 // the raster as typing does. With pasteAt 0 each row goes to its Location;
 // with a channel number the rows go there and on, keeping the distances of
-// their Locations (in their order when there is no Location).
-CsvImport ReadChannelCsv(QStringView text, const BandLimitArray &limits, int pasteAt = 0);
+// their Locations (placeRows, ChannelPlans.h). The rows of a text without a
+// header are taken as CHIRP's columns in their order.
+CsvImport readChannelCsv(QStringView text, const BandLimitArray &limits, int pasteAt = 0);
 
-// What an import writes: each channel's new cells in a language, and whether
-// the channel is created first (it was not in use), as typing a receive
-// frequency into an empty row creates it.
-struct ChannelWrite
-{
-    int channel = 0;
-    ChannelTexts texts;
-    bool creates = false;
-};
-QList<ChannelWrite> ImportWrites(const CsvImport &import, int languageIndex, const std::function<bool(int)> &inUse);
+// What an import does to a table: each imported channel gets its new cells
+// in a language; a channel not in use is created (its bytes 12-15 as typing
+// a receive frequency gives them), one in use keeps its bytes.
+ChannelChanges importedChannels(const ChannelTable &table, const CsvImport &import, Language language);
 
 // Writes an import straight into an image, as the channel list would on its
-// next save: new channels get their creation bytes, channels in use keep
-// their signalling byte.
-void ApplyImport(MemoryImage &image, const CsvImport &import);
+// next save; only the imported channels' records and bits change.
+void applyImport(MemoryImage &image, const CsvImport &import);
 
 } // namespace wr

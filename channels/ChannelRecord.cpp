@@ -160,6 +160,39 @@ QString BclText(ChannelRecord::Bcl value, int languageIndex)
     return Words::Off.in(languageIndex);
 }
 
+QList<Text> columnWords(int column)
+{
+    switch (column) {
+    case ColDecode:
+    case ColEncode:
+        return {Words::None};
+    case ColPower:
+        return {Words::High, Words::Low};
+    case ColBandwidth:
+        return {Words::Wide, Words::Narrow};
+    case ColScanAdd:
+        return {Words::Off, Words::On};
+    case ColBcl:
+        return {Words::Off, Words::Carrier, Words::OptSignal};
+    default:
+        return {};
+    }
+}
+
+ChannelTexts recaptioned(ChannelTexts texts, Language language)
+{
+    for (int column = ColDecode; column < ChannelColumnCount; ++column) {
+        QString &cell = texts.cell(column);
+        for (const Text &word : columnWords(column)) {
+            if (word.matches(cell)) {
+                cell = word.in(language);
+                break;
+            }
+        }
+    }
+    return texts;
+}
+
 bool ChannelInUse(const MemoryImage &image, int channel)
 {
     return !ChannelRecord(image, channel).emptyBit() && !ReadFreq(image, Side::Rx, channel).isEmpty();

@@ -3,6 +3,7 @@
 #include "core/Language.h"
 #include "core/MemoryImage.h"
 
+#include <QList>
 #include <QString>
 
 #include <array>
@@ -95,6 +96,13 @@ private:
     int m_row;
 };
 
+// The channel list's nine columns: the channel number, then the cells of
+// ChannelTexts in their order.
+enum ChannelColumn : int {
+    ColNumber, ColRx, ColTx, ColDecode, ColEncode, ColPower, ColBandwidth, ColScanAdd, ColBcl,
+};
+constexpr int ChannelColumnCount = 9;
+
 // The cells of one row of the channel list, as texts in the current language.
 // An empty rx means the channel is empty; an empty tx means no separate
 // transmit side, and then the encode tone is empty too.
@@ -104,11 +112,28 @@ struct ChannelTexts
 
     bool isEmpty() const { return rx.isEmpty(); }
     bool operator==(const ChannelTexts &) const = default;
+
+    // The cell of a column ColRx-ColBcl.
+    const QString &cell(int column) const { return this->*Cells[std::size_t(column - ColRx)]; }
+    QString &cell(int column) { return this->*Cells[std::size_t(column - ColRx)]; }
+
+private:
+    static constexpr std::array<QString ChannelTexts::*, ChannelColumnCount - 1> Cells{
+        &ChannelTexts::rx,    &ChannelTexts::tx,        &ChannelTexts::decode,  &ChannelTexts::encode,
+        &ChannelTexts::power, &ChannelTexts::bandwidth, &ChannelTexts::scanAdd, &ChannelTexts::bcl};
 };
 
-// Captions of the channel list's nine columns: the channel number, then the
-// cells of ChannelTexts in their order.
-inline constexpr std::array<Text, 9> ChannelColumnCaptions{{
+// The words a cell of a column shows, in the order its list offers them:
+// the no-tone word for the tone columns, the values for the list columns,
+// none for the frequencies.
+QList<Text> columnWords(int column);
+
+// The texts with every word put into a language; words of any language are
+// recognised, other texts stay as they are.
+ChannelTexts recaptioned(ChannelTexts texts, Language language);
+
+// Captions of the channel list's nine columns.
+inline constexpr std::array<Text, ChannelColumnCount> ChannelColumnCaptions{{
     {u"CH.", u"信道", u"信道"},
     {u"Rx Freq", u"接收频率", u"接收頻率"},
     {u"Tx Freq", u"发射频率", u"發射頻率"},

@@ -57,27 +57,27 @@ QString channelRanges(const QList<int> &channels)
 }
 
 CsvImportPreview::CsvImportPreview(const CsvImport &import, const QList<int> &replaced, const QString &source,
-                                   const Text &title, int languageIndex, QWidget *parent)
+                                   const Text &title, Language language, QWidget *parent)
     : QDialog(parent)
 {
     setObjectName(u"CsvImportPreview"_s);
-    QString caption = title.in(languageIndex);
+    QString caption = title.in(language);
     if (caption.endsWith(u'…'))
         caption.chop(1);
     setWindowTitle(caption);
 
     auto *layout = new QVBoxLayout(this);
     if (!source.isEmpty())
-        addLabel(layout, u"lblSource"_s, SourceText.in(languageIndex).arg(source));
+        addLabel(layout, u"lblSource"_s, SourceText.in(language).arg(source));
     addLabel(layout, u"lblImported"_s,
-             ImportedText.in(languageIndex).arg(QString::number(import.imported), QString::number(import.changed)));
-    addLabel(layout, u"lblSkipped"_s, SkippedText.in(languageIndex).arg(import.skipped));
+             ImportedText.in(language).arg(QString::number(import.imported), QString::number(import.changed)));
+    addLabel(layout, u"lblSkipped"_s, SkippedText.in(language).arg(import.skipped));
     addLabel(layout, u"lblReplaced"_s,
-             ReplacedText.in(languageIndex).arg(replaced.isEmpty() ? Words::None.in(languageIndex) : channelRanges(replaced)));
+             ReplacedText.in(language).arg(replaced.isEmpty() ? Words::None.in(language) : channelRanges(replaced)));
     if (import.imported == 0)
-        addLabel(layout, u"lblNothing"_s, NothingText.in(languageIndex));
+        addLabel(layout, u"lblNothing"_s, NothingText.in(language));
 
-    QStringList lines{ReportHeader.in(languageIndex)};
+    QStringList lines{ReportHeader.in(language)};
     int widest = 0;        // of the line, column and value cells
     int widestReason = 0;
     m_report = new QPlainTextEdit;
@@ -88,12 +88,12 @@ CsvImportPreview::CsvImportPreview(const CsvImport &import, const QList<int> &re
         widest = std::max(widest, metrics.horizontalAdvance(cell));
     for (const ImportNote &note : import.notes) {
         const QString value = QString(note.value).replace(u'\n', u' ').replace(u'\t', u' ');
-        lines << QStringList{QString::number(note.line), note.column, value, note.text(languageIndex)}.join(u'\t');
+        lines << QStringList{QString::number(note.line), note.column, value, note.text(language)}.join(u'\t');
         for (const QString &cell : {note.column, value})
             widest = std::max(widest, std::min(widthLimit, metrics.horizontalAdvance(cell)));
-        widestReason = std::max(widestReason, metrics.horizontalAdvance(note.text(languageIndex)));
+        widestReason = std::max(widestReason, metrics.horizontalAdvance(note.text(language)));
     }
-    addLabel(layout, u"lblReport"_s, ReportCaption.in(languageIndex));
+    addLabel(layout, u"lblReport"_s, ReportCaption.in(language));
     m_report->setReadOnly(true);
     m_report->setLineWrapMode(QPlainTextEdit::NoWrap);
     const int tabStop = widest + metrics.averageCharWidth() * 2;
@@ -102,10 +102,10 @@ CsvImportPreview::CsvImportPreview(const CsvImport &import, const QList<int> &re
     layout->addWidget(m_report, 1);
 
     auto *buttons = new QDialogButtonBox;
-    QPushButton *ok = buttons->addButton(Words::OK.in(languageIndex), QDialogButtonBox::AcceptRole);
+    QPushButton *ok = buttons->addButton(Words::OK.in(language), QDialogButtonBox::AcceptRole);
     ok->setObjectName(u"cmdOK"_s);
     ok->setEnabled(import.imported > 0);
-    QPushButton *cancel = buttons->addButton(Words::Cancel.in(languageIndex), QDialogButtonBox::RejectRole);
+    QPushButton *cancel = buttons->addButton(Words::Cancel.in(language), QDialogButtonBox::RejectRole);
     cancel->setObjectName(u"cmdCancel"_s);
     (import.imported > 0 ? ok : cancel)->setDefault(true);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

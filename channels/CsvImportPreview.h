@@ -24,7 +24,7 @@ class CsvImportPreview : public QDialog
 public:
     // source: the file's name, or empty for the clipboard.
     CsvImportPreview(const CsvImport &import, const QList<int> &replaced, const QString &source, const Text &title,
-                     int languageIndex, QWidget *parent = nullptr);
+                     Language language, QWidget *parent = nullptr);
 
     // The report: a header line, then one line per note, tab-separated.
     QString reportText() const;

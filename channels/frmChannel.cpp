@@ -1,7 +1,9 @@
 #include "channels/frmChannel.h"
 
+#include "channels/ChannelHistory.h"
+#include "channels/ChannelModel.h"
+#include "channels/ChannelSelection.h"
 #include "core/AppState.h"
-#include "core/FrequencyCodec.h"
 #include "core/Language.h"
 #include "core/ToneCodec.h"
 
@@ -18,13 +20,15 @@
 #include <QStyle>
 #include <QStyleOptionHeader>
 #include <QStringListModel>
-#include <QTableWidget>
+#include <QStyledItemDelegate>
+#include <QTableView>
 #include <QUndoStack>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <optional>
 
 namespace wr {
@@ -50,57 +54,13 @@ constexpr int WheelNotch = 120;
 
 static_assert(ChannelColumnCaptions.size() == frmChannel::ColumnCount);
 
-// The words CboChannel1 offers in a list column, Off first where there is one.
-QList<Text> columnChoices(int column)
-{
-    switch (column) {
-    case frmChannel::ColPower:
-        return {Words::High, Words::Low};
-    case frmChannel::ColBandwidth:
-        return {Words::Wide, Words::Narrow};
-    case frmChannel::ColScanAdd:
-        return {Words::Off, Words::On};
-    case frmChannel::ColBcl:
-        return {Words::Off, Words::Carrier, Words::OptSignal};
-    default:
-        return {};
-    }
-}
-
 bool isAsciiDigit(QChar c)
 {
     return c >= u'0' && c <= u'9';
 }
 
-// A typed tone brought onto something the radio can store: a CTCSS value in
-// 60.0-259.9 Hz (kept as typed, in the list or not), a DCS code with three
-// octal digits and a polarity, or no tone.
-QString normaliseToneInput(const QString &text, int languageIndex)
-{
-    if (!text.isEmpty() && isAsciiDigit(text.front())) {
-        constexpr int Scale = 6; // compare the typed value exactly, format in tenths
-        const qint64 micro = freq::leadingNumber(text, Scale);
-        qint64 tenths;
-        if (micro < 60'000'000)
-            tenths = 600;
-        else if (micro >= 260'000'000)
-            tenths = 2599;
-        else
-            tenths = (micro + 50'000) / 100'000; // a half away from zero
-        return QStringLiteral("%1.%2").arg(tenths / 10).arg(tenths % 10);
-    }
-    if (text.startsWith(u'D')) {
-        const qint64 number = std::clamp<qint64>(freq::leadingNumber(QStringView(text).mid(1), 0), 0, 777);
-        QString digits = QStringLiteral("%1").arg(number, 3, 10, QChar(u'0'));
-        for (QChar &digit : digits) {
-            if (digit > u'7')
-                digit = u'7';
-        }
-        const QChar polarity = text.endsWith(u'I') ? u'I' : u'N';
-        return u'D' + digits + polarity;
-    }
-    return Words::None.in(languageIndex);
-}
+// Name of a step of the history.
+constexpr Text EditStep{u"Edit", u"编辑", u"編輯"};
 
 // While the grid has the focus, one notch of the wheel pages the list up or
 // down, as Page Up and Page Down would; anything else (a touchpad's small
@@ -108,7 +68,7 @@ QString normaliseToneInput(const QString &text, int languageIndex)
 class WheelPager : public QObject
 {
 public:
-    explicit WheelPager(QTableWidget *grid)
+    explicit WheelPager(QTableView *grid)
         : QObject(grid)
         , m_grid(grid)
     {
@@ -135,7 +95,7 @@ protected:
     }
 
 private:
-    QTableWidget *m_grid;
+    QTableView *m_grid;
 };
 
 // The grid's column header. Qt's header measures each caption in bold, the
@@ -166,33 +126,25 @@ protected:
     }
 };
 
-// Filling the grid touches about a thousand cells, and the view would work
-// out each one's place on the screen as it changes. While a QuietFill lives
-// the model keeps still; at its end the view hears of the whole grid once.
-// Only cell contents may change under it, never the number of rows or
-// columns.
-class QuietFill
+// The channel numbers in their own style: larger, blue and centred, on the
+// colour of fixed cells.
+class NumberDelegate final : public QStyledItemDelegate
 {
 public:
-    explicit QuietFill(QTableWidget *grid)
-        : m_grid(grid)
-        , m_blocker(grid->model())
-    {
-    }
-    QuietFill(const QuietFill &) = delete;
-    QuietFill &operator=(const QuietFill &) = delete;
+    using QStyledItemDelegate::QStyledItemDelegate;
 
-    ~QuietFill()
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
     {
-        m_blocker.unblock();
-        QAbstractItemModel *model = m_grid->model();
-        if (model->rowCount() > 0 && model->columnCount() > 0)
-            Q_EMIT model->dataChanged(model->index(0, 0), model->index(model->rowCount() - 1, model->columnCount() - 1));
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (index.column() != frmChannel::ColNumber)
+            return;
+        option->font.setPointSize(NumberPointSize);
+        option->fontMetrics = QFontMetrics(option->font);
+        option->palette.setColor(QPalette::Text, Qt::blue);
+        option->backgroundBrush = option->palette.color(QPalette::Active, QPalette::Button);
+        option->displayAlignment = Qt::AlignCenter;
     }
-
-private:
-    QTableWidget *m_grid;
-    QSignalBlocker m_blocker;
 };
 
 } // namespace
@@ -204,8 +156,14 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     setObjectName(QStringLiteral("frmChannel"));
     resize(OpeningSize);
 
-    m_grid = new QTableWidget(this);
+    m_model = new ChannelModel(this);
+    m_history = new ChannelHistory(*m_model, m_state.image, this);
+    m_history->setSelector([this](const QList<int> &channels) { selectChannels(channels); });
+
+    m_grid = new QTableView(this);
     m_grid->setObjectName(QStringLiteral("ChannelGrid"));
+    m_grid->setModel(m_model);
+    m_grid->setItemDelegate(new NumberDelegate(m_grid));
     m_grid->setHorizontalHeader(new ChannelHeader(m_grid));
     m_grid->horizontalHeader()->setTextElideMode(Qt::ElideNone);
     m_grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -219,6 +177,12 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     m_grid->horizontalHeader()->setHighlightSections(false);
     m_grid->horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
     m_grid->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    // A long caption breaks between its words rather than widening its
+    // column past the window.
+    m_grid->horizontalHeader()->setDefaultAlignment(Qt::Alignment::fromInt(Qt::AlignCenter | Qt::TextWordWrap));
+    QPalette headerColours = m_grid->horizontalHeader()->palette();
+    headerColours.setColor(QPalette::ButtonText, HeaderColour);
+    m_grid->horizontalHeader()->setPalette(headerColours);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -250,8 +214,10 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     m_grid->installEventFilter(this);
     m_grid->viewport()->installEventFilter(this);
     m_wheelPager = new WheelPager(m_grid);
-    connect(m_grid, &QTableWidget::currentCellChanged, this, [this] { SyncGridCursor(); });
-    buildTools();
+    connect(m_grid->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { SyncGridCursor(); });
+    m_selection = std::make_unique<ChannelSelection>(m_grid, [this] { m_editor->commit(); });
+    ChannelToolHost &host = *this;
+    m_tools = new ChannelTools(host, *m_model, *m_history, m_state.BandLimits, m_grid);
 
     RefreshChannelOP();
     RefreshChannel();
@@ -259,14 +225,19 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
 
 frmChannel::~frmChannel() = default;
 
-QTableWidget *frmChannel::grid() const
+QTableView *frmChannel::grid() const
 {
     return m_grid;
 }
 
-int frmChannel::language() const
+QUndoStack *frmChannel::undoStack() const
 {
-    return m_state.LanguageIndex;
+    return m_history->stack();
+}
+
+Language frmChannel::language() const
+{
+    return Language(m_state.LanguageIndex);
 }
 
 QString frmChannel::headerText(int column, int languageIndex)
@@ -278,43 +249,12 @@ QString frmChannel::headerText(int column, int languageIndex)
 
 QString frmChannel::cellText(int row, int column) const
 {
-    const QTableWidgetItem *item = m_grid->item(row, column);
-    return item ? item->text() : QString();
+    return m_model->cellText(row, column);
 }
 
-int frmChannel::lastRow() const
+int frmChannel::lastChannel() const
 {
-    return std::min(m_grid->rowCount() - 1, int(ChannelRecord::ChannelCount));
-}
-
-void frmChannel::setCell(int row, int column, const QString &text)
-{
-    QTableWidgetItem *item = m_grid->item(row, column);
-    if (!item) {
-        item = new QTableWidgetItem;
-        item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
-        m_grid->setItem(row, column, item);
-    }
-    item->setText(text);
-}
-
-ChannelTexts frmChannel::rowTexts(int row) const
-{
-    return {cellText(row, ColRx),    cellText(row, ColTx),    cellText(row, ColDecode),
-            cellText(row, ColEncode), cellText(row, ColPower), cellText(row, ColBandwidth),
-            cellText(row, ColScanAdd), cellText(row, ColBcl)};
-}
-
-void frmChannel::writeRow(int row, const ChannelTexts &texts)
-{
-    setCell(row, ColRx, texts.rx);
-    setCell(row, ColTx, texts.tx);
-    setCell(row, ColDecode, texts.decode);
-    setCell(row, ColEncode, texts.encode);
-    setCell(row, ColPower, texts.power);
-    setCell(row, ColBandwidth, texts.bandwidth);
-    setCell(row, ColScanAdd, texts.scanAdd);
-    setCell(row, ColBcl, texts.bcl);
+    return std::min(m_rows - 1, int(ChannelRecord::ChannelCount));
 }
 
 void frmChannel::RefreshChannelOP()
@@ -322,39 +262,19 @@ void frmChannel::RefreshChannelOP()
     m_editor->cancel();
     // The list always has its 128 channel rows; a stored count outside that
     // would leave channels out of reach.
-    const int rows = std::clamp(int(m_state.ChannelGridRows), 2, int(RowCount));
-    m_grid->setRowCount(rows);
-    m_grid->setColumnCount(ColumnCount);
-
-    const QColor fixedBackground = m_grid->palette().color(QPalette::Button);
-    QFont numberFont = m_grid->font();
-    numberFont.setPointSize(NumberPointSize);
-    {
-        const QuietFill quiet(m_grid);
-        for (int row = 0; row < rows; ++row) {
-            for (int column = 0; column < ColumnCount; ++column) {
-                if (!m_grid->item(row, column))
-                    setCell(row, column, QString());
-            }
-        }
-        for (int row = 1; row < rows; ++row) {
-            QTableWidgetItem *number = m_grid->item(row, ColNumber);
-            number->setText(QString::number(row));
-            number->setFont(numberFont);
-            number->setForeground(QColor(Qt::blue));
-            number->setBackground(fixedBackground);
-            number->setTextAlignment(Qt::AlignCenter);
-        }
-    }
+    m_rows = std::clamp(int(m_state.ChannelGridRows), 2, int(RowCount));
     // Row 0 carries the captions; the horizontal header shows them fixed
     // above the rows.
-    m_grid->setRowHidden(0, true);
+    for (int row = 0; row < RowCount; ++row)
+        m_grid->setRowHidden(row, row == 0 || row >= m_rows);
 
+    QFont numberFont = m_grid->font();
+    numberFont.setPointSize(NumberPointSize);
     const int rowHeight = std::max({QFontMetrics(numberFont).height() + 6, m_combo[1]->sizeHint().height(),
                                     m_text->sizeHint().height()});
     m_grid->verticalHeader()->setDefaultSectionSize(rowHeight);
 
-    m_grid->setCurrentCell(1, ColRx);
+    m_grid->setCurrentIndex(m_model->index(1, ColRx));
     m_state.ChannelCursor = 1;
     m_state.GridColumn = 1;
 }
@@ -365,23 +285,7 @@ void frmChannel::SetupChannelGrid()
     QFont headerFont = m_grid->font();
     headerFont.setPointSize(HeaderPointSize);
     m_grid->horizontalHeader()->setFont(headerFont);
-    for (int column = 0; column < ColumnCount; ++column) {
-        const QString caption = headerText(column, language());
-        setCell(0, column, caption);
-        QTableWidgetItem *header = m_grid->horizontalHeaderItem(column);
-        if (!header) {
-            header = new QTableWidgetItem;
-            m_grid->setHorizontalHeaderItem(column, header);
-        }
-        header->setText(caption);
-        header->setFont(headerFont);
-        header->setForeground(HeaderColour);
-        // A long caption breaks between its words rather than widening its
-        // column past the window.
-        header->setTextAlignment(Qt::Alignment::fromInt(Qt::AlignCenter | Qt::TextWordWrap));
-    }
     fitColumns();
-    captionTools();
 }
 
 // Column widths as laid out, widened where a value of the current
@@ -422,7 +326,7 @@ void frmChannel::fitColumns()
             break;
         default: {
             QStringList words;
-            for (const Text &word : columnChoices(column))
+            for (const Text &word : columnWords(column))
                 words.append(word.in(language()));
             width = std::max(width, CellEditor::comboWidthFor(m_combo[1], words));
             break;
@@ -440,7 +344,7 @@ void frmChannel::fitColumns()
 int frmChannel::gridWidthLacking() const
 {
     int columns = 0;
-    for (int column = 0; column < m_grid->columnCount(); ++column)
+    for (int column = 0; column < ColumnCount; ++column)
         columns += m_grid->columnWidth(column);
     return std::max(0, columns - m_grid->viewport()->width());
 }
@@ -451,64 +355,53 @@ void frmChannel::RefreshChannel()
     RefreshData();
 }
 
+// The image is the truth now; an editor still open belongs to the old
+// data, and so does the history, unless this is a language switch: the
+// image then holds what the list held (the switch saved it), and only the
+// words change.
 void frmChannel::RefreshData()
 {
-    // The image is the truth now; an editor still open and the history of
-    // edits belong to the old data.
     m_editor->cancel();
-    m_undo->clear();
-    const int rows = lastRow();
-    const QuietFill quiet(m_grid);
-    for (int channel = 1; channel <= rows; ++channel)
-        writeRow(channel, ReadChannelTexts(m_state.image, channel, language()));
+    ChannelTable loaded = ChannelTable::load(m_state.image, language());
+    bool keepHistory = false;
+    if (m_model->language() != language()) {
+        ChannelTable shown = m_model->table();
+        shown.recaption(language());
+        keepHistory = loaded.savesAs(shown);
+    }
+    if (!keepHistory)
+        m_history->clear();
+    m_model->setTable(std::move(loaded), language());
+    m_tools->caption();
 }
 
 void frmChannel::SaveData()
 {
+    saveInto(m_state.image);
+}
+
+void frmChannel::saveInto(MemoryImage &image)
+{
     m_editor->commit();
-    const int rows = lastRow();
-    for (int channel = 1; channel <= rows; ++channel)
-        SaveChannel(m_state.image, channel, rowTexts(channel));
+    m_model->table().save(image, lastChannel());
+}
+
+void frmChannel::edit(int channel, const Channel &edited)
+{
+    const QList<int> selected = selectedChannels();
+    m_history->change(EditStep, {{channel, edited}}, selected, selected);
 }
 
 void frmChannel::setChannelRx(int channel, const QString &text)
 {
-    if (channel < 1 || channel > lastRow())
-        return;
-    if (text.isEmpty()) {
-        writeRow(channel, ChannelTexts{});
-        return;
-    }
-    const QString rx = NormaliseRxFreq(text, m_state.BandLimits);
-    setCell(channel, ColRx, rx);
-    if (!cellText(channel, ColEncode).isEmpty())
-        return;
-
-    // A new channel: the transmit side follows the receive frequency, and the
-    // record gets its defaults at once.
-    const QString none = Words::None.in(language());
-    setCell(channel, ColTx, NormaliseTxFreq(rx, m_state.BandLimits));
-    setCell(channel, ColDecode, none);
-    setCell(channel, ColEncode, none);
-    setCell(channel, ColPower, Words::High.in(language()));
-    setCell(channel, ColBandwidth, Words::Wide.in(language()));
-    setCell(channel, ColScanAdd, Words::On.in(language()));
-    setCell(channel, ColBcl, Words::Off.in(language()));
-    CreateChannel(m_state.image, channel);
+    if (channel >= 1 && channel <= lastChannel())
+        edit(channel, withRx(m_model->table().at(channel), text, m_state.BandLimits, language()));
 }
 
 void frmChannel::setChannelTx(int channel, const QString &text)
 {
-    if (channel < 1 || channel > lastRow())
-        return;
-    if (text.isEmpty()) {
-        setCell(channel, ColTx, QString());
-        setCell(channel, ColEncode, QString());
-        return;
-    }
-    setCell(channel, ColTx, NormaliseTxFreq(text, m_state.BandLimits));
-    if (cellText(channel, ColEncode).isEmpty())
-        setCell(channel, ColEncode, Words::None.in(language()));
+    if (channel >= 1 && channel <= lastChannel())
+        edit(channel, withTx(m_model->table().at(channel), text, m_state.BandLimits, language()));
 }
 
 void frmChannel::TxtChannel_Validate()
@@ -529,10 +422,16 @@ void frmChannel::commitOpenEditor()
     m_grid->setFocus(Qt::OtherFocusReason);
 }
 
+void frmChannel::commitEdit()
+{
+    m_editor->commit();
+}
+
 void frmChannel::SyncGridCursor()
 {
-    m_state.ChannelCursor = static_cast<quint8>(std::max(0, m_grid->currentRow()));
-    m_state.GridColumn = static_cast<quint8>(std::max(0, m_grid->currentColumn()));
+    const QModelIndex current = m_grid->currentIndex();
+    m_state.ChannelCursor = static_cast<quint8>(std::max(0, current.row()));
+    m_state.GridColumn = static_cast<quint8>(std::max(0, current.column()));
 }
 
 // An empty row can only be started by its receive frequency, and the encode
@@ -552,7 +451,7 @@ QModelIndex frmChannel::editableCell(const QModelIndex &cell) const
 
 QWidget *frmChannel::editorFor(const QModelIndex &cell, const QString &text)
 {
-    if (cell.row() < 1 || cell.row() > lastRow())
+    if (cell.row() < 1 || cell.row() > lastChannel())
         return nullptr;
     switch (cell.column()) {
     case ColRx:
@@ -573,7 +472,7 @@ QWidget *frmChannel::editorFor(const QModelIndex &cell, const QString &text)
     case ColScanAdd:
     case ColBcl:
         m_combo[1]->clear();
-        for (const Text &word : columnChoices(cell.column()))
+        for (const Text &word : columnWords(cell.column()))
             m_combo[1]->addItem(word.in(language()));
         m_combo[1]->setCurrentIndex(m_combo[1]->findText(text));
         return m_combo[1];
@@ -633,20 +532,18 @@ void frmChannel::commit(const QModelIndex &cell, QWidget *editor, const QString 
 {
     const int row = cell.row();
     const int column = cell.column();
-    if (row < 1 || row > lastRow())
+    if (row < 1 || row > lastChannel())
         return;
-    recordEdit(row, [&] {
-        if (editor == m_text) {
-            if (column == ColRx)
-                setChannelRx(row, text);
-            else if (column == ColTx)
-                setChannelTx(row, text);
-        } else if (editor == m_combo[0]) {
-            setCell(row, column, normaliseToneInput(text, language()));
-        } else {
-            setCell(row, column, text);
-        }
-    });
+    if (editor == m_text) {
+        if (column == ColRx)
+            setChannelRx(row, text);
+        else if (column == ColTx)
+            setChannelTx(row, text);
+        return;
+    }
+    Channel edited = m_model->table().at(row);
+    edited.texts.cell(column) = editor == m_combo[0] ? typedTone(text, language()) : text;
+    edit(row, edited);
 }
 
 // Enter in a frequency moves one column right. Enter in a list moves on
@@ -663,7 +560,7 @@ QModelIndex frmChannel::cellAfterEnter(const QModelIndex &cell)
         column = ColPower;
     } else if (column >= ColumnCount - 1) {
         column = ColRx;
-        row = row >= lastRow() ? 1 : row + 1;
+        row = row >= lastChannel() ? 1 : row + 1;
     } else {
         ++column;
     }
@@ -675,6 +572,16 @@ QModelIndex frmChannel::cellAfterEnter(const QModelIndex &cell)
 CellEditRules::Escape frmChannel::onEscape(QWidget *editor) const
 {
     return editor == m_text ? Escape::Close : Escape::RevertText;
+}
+
+QList<int> frmChannel::selectedChannels() const
+{
+    return m_selection->channels(lastChannel());
+}
+
+void frmChannel::selectChannels(const QList<int> &channels)
+{
+    m_selection->select(channels);
 }
 
 bool frmChannel::eventFilter(QObject *watched, QEvent *event)
@@ -689,14 +596,14 @@ bool frmChannel::eventFilter(QObject *watched, QEvent *event)
             return true;
         m_editor->commit();
         const bool mouse = menu->reason() == QContextMenuEvent::Mouse;
-        const int row = mouse ? m_grid->rowAt(menu->pos().y()) : m_grid->currentRow();
+        const int row = mouse ? m_grid->rowAt(menu->pos().y()) : m_grid->currentIndex().row();
         if (row >= 1 && !selectedChannels().contains(row))
             selectChannels({row});
         const QRect cell = m_grid->visualRect(m_grid->currentIndex());
-        showToolMenu(mouse ? menu->globalPos() : m_grid->viewport()->mapToGlobal(cell.center()));
+        m_tools->showMenu(mouse ? menu->globalPos() : m_grid->viewport()->mapToGlobal(cell.center()));
         return true;
     }
-    if (watched == m_grid->viewport() && numberClick(event))
+    if (watched == m_grid->viewport() && m_selection->mouseEvent(event))
         return true;
     if (watched == m_grid) {
         if (type == QEvent::FocusIn)

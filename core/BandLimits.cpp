@@ -5,6 +5,16 @@
 
 namespace wr {
 
+namespace {
+
+bool inBands(qint64 hz, qint64 lower1, qint64 upper1, qint64 lower2, qint64 upper2)
+{
+    constexpr qint64 HzPerMHz = 1'000'000;
+    return (hz >= lower1 * HzPerMHz && hz <= upper1 * HzPerMHz) || (hz >= lower2 * HzPerMHz && hz <= upper2 * HzPerMHz);
+}
+
+} // namespace
+
 void WriteDefaultBandLimits(MemoryImage &image)
 {
     for (int i = 0; i < 8; ++i) {
@@ -26,6 +36,16 @@ BandLimitArray LoadBandLimits(const MemoryImage &image)
         limits[static_cast<std::size_t>(i)] = static_cast<qint16>(high * 10 + (low + 5) / 10);
     }
     return limits;
+}
+
+bool inReceiveBands(qint64 hz, const BandLimitArray &limits)
+{
+    return inBands(hz, limits[RxLower1], limits[RxUpper1], limits[RxLower2], limits[RxUpper2]);
+}
+
+bool inTransmitBands(qint64 hz, const BandLimitArray &limits)
+{
+    return inBands(hz, limits[TxLower1], limits[TxUpper1], limits[TxLower2], limits[TxUpper2]);
 }
 
 } // namespace wr

@@ -33,4 +33,9 @@ void WriteDefaultBandLimits(MemoryImage &image);
 // Reads the eight limits from row 416. Erased bytes read as 0.
 BandLimitArray LoadBandLimits(const MemoryImage &image);
 
+// Whether a frequency in hertz lies in one of the two receive (transmit)
+// bands, edges included.
+bool inReceiveBands(qint64 hz, const BandLimitArray &limits);
+bool inTransmitBands(qint64 hz, const BandLimitArray &limits);
+
 } // namespace wr

@@ -664,12 +664,11 @@ void MDIForm1::keepBackup(BackupReason reason)
         return;
     }
     // What is lost at exit is mostly what was typed into the channel list and
-    // never saved, so the exit backup holds the grid as it stands. The image
-    // itself stays as it is: closing other than by Exit commits nothing.
-    const MemoryImage image = app().image;
-    m_channels->SaveData();
-    Backups::keep(folder, app().image, reason, QDateTime::currentDateTime());
-    app().image = image;
+    // never saved, so the exit backup holds the list as it stands, saved into
+    // a copy: closing other than by Exit commits nothing to the image.
+    MemoryImage image = app().image;
+    m_channels->saveInto(image);
+    Backups::keep(folder, image, reason, QDateTime::currentDateTime());
 }
 
 void MDIForm1::dragEnterEvent(QDragEnterEvent *event)

@@ -24,7 +24,7 @@
 #include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QTableWidget>
+#include <QTableView>
 #include <QTextStream>
 
 #include <algorithm>
@@ -92,7 +92,7 @@ int shots(const QString &folder)
         const std::pair<const char *, int> editors[] = {
             {"text", frmChannel::ColRx}, {"tone", frmChannel::ColDecode}, {"list", frmChannel::ColBandwidth}};
         for (const auto &[kind, column] : editors) {
-            form.grid()->setCurrentCell(3, column);
+            form.grid()->setCurrentIndex(form.grid()->model()->index(3, column));
             form.grid()->setFocus();
             QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"));
             QCoreApplication::sendEvent(form.grid(), &enter);
@@ -112,7 +112,7 @@ int shots(const QString &folder)
             menu->close();
         }
 
-        const CsvImport import = ReadChannelCsv(
+        const CsvImport import = readChannelCsv(
             QStringLiteral("Location,Name,Frequency,Duplex,Offset,Tone,rToneFreq,cToneFreq,Mode,Power,Comment\n"
                            "1,Club repeater,146.943000,-,0.600000,TSQL,88.5,100.0,FM,5.0W,\"open, daily\"\n"
                            "2,,145.500000,,,Tone,69.0,88.5,FM,5W,\n"
@@ -120,7 +120,8 @@ int shots(const QString &folder)
                            "7,,433.500000,split,520.000000,,,,NFM,0.5W,BCL:Carrier\n"),
             app().BandLimits);
         CsvImportPreview preview(import, {1, 2}, QStringLiteral("club-channels.csv"),
-                                 Text(u"Import CHIRP CSV…", u"导入 CHIRP CSV…", u"匯入 CHIRP CSV…"), language);
+                                 Text(u"Import CHIRP CSV…", u"导入 CHIRP CSV…", u"匯入 CHIRP CSV…"),
+                                 Language(language));
         preview.show();
         QCoreApplication::processEvents();
         preview.grab().save(QStringLiteral("%1/csv-preview-%2.png").arg(folder, name));

@@ -3,7 +3,7 @@
 #include "channels/frmChannel.h"
 #include "core/AppState.h"
 
-#include <QTableWidget>
+#include <QTableView>
 #include <QTest>
 
 #include <memory>

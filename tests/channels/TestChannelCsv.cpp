@@ -5,6 +5,7 @@
 #include "TestSupport.h"
 
 #include "channels/ChannelCsv.h"
+#include "core/CsvText.h"
 #include "core/FrequencyCodec.h"
 #include "core/ToneCodec.h"
 
@@ -16,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString Header = ChirpColumns().join(u',');
+const QString Header = chirpColumns().join(u',');
 
 ChannelTexts textsOf(const QString &joined)
 {
@@ -96,7 +97,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, channel);
         QFETCH(QString, row);
-        const QString text = WriteChirpCsv({{7, textsOf(channel)}}, u',', u"\n");
+        const QString text = writeChirpCsv({{7, textsOf(channel)}}, u',', u"\n");
         QCOMPARE(text, Header + u"\n7,"_s + row + u'\n');
     }
 
@@ -184,7 +185,7 @@ private Q_SLOTS:
         QFETCH(QString, row);
         QFETCH(QString, channel);
         QFETCH(QStringList, notes);
-        const CsvImport import = ReadChannelCsv(u"# one row\n"_s + Header + u'\n' + row + u'\n', DefaultBandLimits);
+        const CsvImport import = readChannelCsv(u"# one row\n"_s + Header + u'\n' + row + u'\n', DefaultBandLimits);
         QVERIFY(!import.refused);
         QCOMPARE(notesOf(import), notes);
         if (channel == u"-") {
@@ -225,14 +226,6 @@ private Q_SLOTS:
                                                     << QStringList{u"2 Location: channel 7 is given again on line 3: row replaced"_s,
                                                                    u"4 Location: not a channel number 1-128: row skipped"_s};
         QTest::newRow("no Frequency column") << u"Location,Name\n1,x\n"_s << 0 << QStringList() << QStringList();
-        QTest::newRow("the channel list's columns in Chinese")
-            << u"信道\t接收頻率\t發射頻率\tCTCSS/DCS 解碼\tCTCSS/DCS 編碼\t發射功率\t寬/窄\t掃描添加\t繁忙鎖定\n"
-               "12\t439.5\t\t無\t\t低\t窄\t關\t載波\n"_s
-            << 0 << QStringList{u"12=439.50000"_s} << QStringList();
-        QTest::newRow("pasted list rows keep their distances")
-            << u"3\t145.50000\t145.50000\tNone\tNone\tHigh\tWide\tOn\tOff\n"
-               "5\t146.00000\t\tD023N\t\tLow\tNarrow\tOff\tCarrier\n"_s
-            << 20 << QStringList{u"20=145.50000"_s, u"22=146.00000"_s} << QStringList();
         QTest::newRow("pasted spreadsheet rows without header, past the last channel")
             << u"1,,145.500000\n2,,146.500000\n"_s << 128 << QStringList{u"128=145.50000"_s}
             << QStringList{u"2 Location: would go past channel 128: row skipped"_s};
@@ -244,7 +237,7 @@ private Q_SLOTS:
         QFETCH(int, pasteAt);
         QFETCH(QStringList, channels);
         QFETCH(QStringList, notes);
-        const CsvImport import = ReadChannelCsv(text, DefaultBandLimits, pasteAt);
+        const CsvImport import = readChannelCsv(text, DefaultBandLimits, pasteAt);
         QCOMPARE(import.refused, channels.isEmpty());
         QCOMPARE(channelsOf(import), channels);
         QCOMPARE(notesOf(import), notes);
@@ -281,14 +274,14 @@ private Q_SLOTS:
             CreateChannel(original, n);
             SaveChannel(original, n, texts);
         }
-        const QByteArray file = ChirpCsvFile(ChannelsInUse(original));
+        const QByteArray file = chirpCsvFile(ChannelTable::load(original, English).inUse());
         QVERIFY(file.endsWith("\r\n") && !file.contains("\"") && !file.startsWith("\xEF\xBB\xBF"));
 
-        const CsvImport import = ReadChannelCsv(DecodeCsvFile(file), DefaultBandLimits);
+        const CsvImport import = readChannelCsv(csv::decode(file), DefaultBandLimits);
         QCOMPARE(notesOf(import), QStringList());
         MemoryImage imported;
         imported.InitImage();
-        ApplyImport(imported, import);
+        applyImport(imported, import);
         for (int row : {202, 203})
             QCOMPARE(imported.row(row).toHex(), original.row(row).toHex());
         QCOMPARE(imported.bytes().left(16 * 128).toHex(' '), original.bytes().left(16 * 128).toHex(' '));
@@ -304,7 +297,7 @@ private Q_SLOTS:
         SaveChannel(image, 1, textsOf(u"145.00000|145.00000|None|None|High|Wide|On|Off"_s));
         ChannelRecord(image, 1).setSignallingFlags(0x82);
         image.WriteByte(1 - 1, 12, 0x5A);
-        ApplyImport(image, ReadChannelCsv(u"Location,Frequency\n1,146\n2,147\n"_s, DefaultBandLimits));
+        applyImport(image, readChannelCsv(u"Location,Frequency\n1,146\n2,147\n"_s, DefaultBandLimits));
         QCOMPARE(image.row(0).toHex(), QByteArray("1460000014600000ffffffff5a004c82"));
         QCOMPARE(image.row(1).mid(12).toHex(), QByteArray("00004c00"));
     }

@@ -23,7 +23,7 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTableWidget>
+#include <QTableView>
 #include <QTest>
 #include <QUndoStack>
 
@@ -89,7 +89,7 @@ private:
         m_form = test::openChannelList();
         QVERIFY(m_form);
     }
-    QTableWidget *grid() const { return m_form->grid(); }
+    QTableView *grid() const { return m_form->grid(); }
     QMenu *menu() const { return m_form->findChild<QMenu *>(u"channelMenu"_s); }
     QString rxColumn(int rows = 8) const
     {
@@ -426,15 +426,30 @@ private Q_SLOTS:
         QCOMPARE(m_form->undoStack()->count(), 1); // the typing only
     }
 
-    // A new history starts whenever the grid is reloaded from the image.
-    void reloadClearsHistory()
+    // A reload from the image starts a new history. A language switch (the
+    // list saved first, as the main window's commit step does) keeps it, and
+    // undo brings the channel back in the new language's words.
+    void reloadOrLanguageSwitch_data()
     {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QString>("undone"); // channel 3's receive frequency and power after Ctrl+Z
+        QTest::newRow("reload clears the history") << int(English) << u"|"_s;
+        QTest::newRow("switch to Simplified keeps it") << int(SimplifiedChinese) << u"147.00000|低"_s;
+        QTest::newRow("switch to Traditional keeps it") << int(TraditionalChinese) << u"147.00000|低"_s;
+    }
+
+    void reloadOrLanguageSwitch()
+    {
+        QFETCH(int, language);
+        QFETCH(QString, undone);
         openForm();
         run(u"3 Del"_s);
-        QCOMPARE(m_form->undoStack()->count(), 1);
+        m_form->SaveData();
+        app().LanguageIndex = quint8(language);
         m_form->RefreshChannel();
-        QCOMPARE(m_form->undoStack()->count(), 0);
-        QCOMPARE(m_form->cellText(3, 1), u"147.00000"_s);
+        QCOMPARE(m_form->undoStack()->count(), language == English ? 0 : 1);
+        key(u"Ctrl+Z"_s);
+        QCOMPARE(m_form->cellText(3, 1) + u'|' + m_form->cellText(3, 5), undone);
     }
 
 private:

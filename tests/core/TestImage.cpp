@@ -22,6 +22,8 @@ private Q_SLOTS:
     void channelRows();
     void bandLimits_data();
     void bandLimits();
+    void inBands_data();
+    void inBands();
     void startUpBandLimitsThenFreshImage();
 };
 
@@ -125,6 +127,31 @@ void TestImage::bandLimits()
     image.setRow(BandLimitsRow, row416);
     const BandLimitArray read = LoadBandLimits(image);
     QCOMPARE(QList<int>(read.begin(), read.end()), limits);
+}
+
+void TestImage::inBands_data()
+{
+    QTest::addColumn<qint64>("hz");
+    QTest::addColumn<QString>("bands"); // the kinds of band it lies in
+    QTest::newRow("below both") << qint64(132'999'990) << QString();
+    QTest::newRow("transmit edge only") << qint64(133'000'000) << QStringLiteral("transmit");
+    QTest::newRow("receive lower edge") << qint64(136'000'000) << QStringLiteral("receive transmit");
+    QTest::newRow("upper edge of band 1") << qint64(174'000'000) << QStringLiteral("receive transmit");
+    QTest::newRow("just above band 1") << qint64(174'000'010) << QString();
+    QTest::newRow("band 2") << qint64(446'006'250) << QStringLiteral("receive transmit");
+    QTest::newRow("above band 2") << qint64(490'000'001) << QString();
+}
+
+void TestImage::inBands()
+{
+    QFETCH(qint64, hz);
+    QFETCH(QString, bands);
+    QStringList in;
+    if (inReceiveBands(hz, DefaultBandLimits))
+        in << QStringLiteral("receive");
+    if (inTransmitBands(hz, DefaultBandLimits))
+        in << QStringLiteral("transmit");
+    QCOMPARE(in.join(u' '), bands);
 }
 
 void TestImage::startUpBandLimitsThenFreshImage()

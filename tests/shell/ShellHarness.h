@@ -18,7 +18,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMetaEnum>
-#include <QTableWidget>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
 
@@ -82,7 +82,7 @@ public:
     void trigger(const QString &name) const { action(name)->trigger(); }
     // A value typed into the grid only: the image does not know it yet.
     void editRx(int channel, const QString &rx) const { window->channelList()->setChannelRx(channel, rx); }
-    QString gridRx(int channel) const { return window->channelList()->grid()->item(channel, 1)->text(); }
+    QString gridRx(int channel) const { return window->channelList()->cellText(channel, 1); }
     static QString rxOf(const QByteArray &image, int channel)
     {
         MemoryImage memory;

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
+#include <QTableWidget>
 
 using namespace Qt::StringLiterals;
 using wr::test::ShellHarness;
@@ -19,7 +20,7 @@ class TestFmScrambleMapMenus : public wr::test::ShellSuite
 
     void gesture() const
     {
-        QTableWidget *grid = h->window->channelList()->grid();
+        QTableView *grid = h->window->channelList()->grid();
         const QPoint cell = grid->visualRect(grid->model()->index(5, 2)).center();
         QTest::mouseClick(grid->viewport(), Qt::RightButton, Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier,
                           cell);

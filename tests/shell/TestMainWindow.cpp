@@ -57,7 +57,7 @@ private Q_SLOTS:
         QCOMPARE(h->panel(1), u"COM1"_s);
         QCOMPARE(h->panel(5), u"Version 1.03"_s);
         QCOMPARE(window.windowTitle(), u"WR-PD6T"_s);
-        QCOMPARE(window.channelList()->grid()->rowCount(), 129);
+        QCOMPARE(window.channelList()->grid()->model()->rowCount(), 129);
         QVERIFY(!wr::app().image.IsModified());
         QCOMPARE(wr::app().CurrentFileName, u"Untitled"_s);
         QCOMPARE(h->action(u"mnuRead"_s)->text(), u"从对讲机读取数据(&R)"_s);
@@ -131,8 +131,8 @@ private Q_SLOTS:
         h->open(0).show();
         QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
         h->editRx(3, u"145.5"_s);
-        QTableWidget *grid = h->window->channelList()->grid();
-        grid->setCurrentCell(3, column);
+        QTableView *grid = h->window->channelList()->grid();
+        grid->setCurrentIndex(grid->model()->index(3, column));
         grid->setFocus();
         QTest::keyClick(grid, Qt::Key_Return);
         QWidget *editor = QApplication::focusWidget();
@@ -162,11 +162,11 @@ private Q_SLOTS:
         h->open(0).show();
         QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
         h->editRx(3, u"145.5"_s);
-        QTableWidget *grid = h->window->channelList()->grid();
-        grid->setCurrentCell(3, 1);
+        QTableView *grid = h->window->channelList()->grid();
+        grid->setCurrentIndex(grid->model()->index(3, 1));
         grid->setFocus();
         QTest::keyClick(grid, Qt::Key_C, Qt::ControlModifier);
-        grid->setCurrentCell(9, 1);
+        grid->setCurrentIndex(grid->model()->index(9, 1));
         QTest::keyClick(grid, Qt::Key_V, Qt::ControlModifier);
         QCOMPARE(h->gridRx(9), u"145.50000"_s);
         QTest::keyClick(grid, Qt::Key_Z, Qt::ControlModifier);
@@ -274,8 +274,8 @@ private Q_SLOTS:
             window.RefreshMainWindow();
             auto *tree = window.findChild<QTreeWidget *>(u"Tree0"_s);
             QCOMPARE(faceOf(tree->font(), treeNode(u"Item1"_s)->text(0)), faces.at(language - 1));
-            QTableWidget *grid = window.channelList()->grid();
-            QCOMPARE(faceOf(grid->horizontalHeader()->font(), grid->horizontalHeaderItem(1)->text()),
+            QTableView *grid = window.channelList()->grid();
+            QCOMPARE(faceOf(grid->horizontalHeader()->font(), grid->model()->headerData(1, Qt::Horizontal).toString()),
                      faces.at(language - 1));
         }
     }
@@ -389,7 +389,7 @@ private Q_SLOTS:
         auto *read = h->window->findChild<QToolButton *>(u"Read"_s);
         QCOMPARE(QStringList({h->action(u"mnuFile"_s)->text(), treeNode(u"Item2"_s)->text(0),
                               QCoreApplication::translate("QPlatformTheme", "Cancel"),
-                              h->window->channelList()->grid()->item(2, 5)->text(), spoken(u"Tree0"_s),
+                              h->window->channelList()->cellText(2, 5), spoken(u"Tree0"_s),
                               spoken(u"Print"_s), spoken(u"Read"_s) + u' ' + read->toolTip(), spoken(u"MSBar"_s)}),
                  texts.split(u'|'));
         QVERIFY(!wr::app().image.IsModified());

@@ -4,12 +4,12 @@
 #include "Commands.h"
 
 #include "channels/ChannelCsv.h"
+#include "channels/ChannelTable.h"
 #include "core/BandLimits.h"
+#include "core/CsvText.h"
 #include "core/Language.h"
 #include "core/MemoryImage.h"
 #include "file/DataFile.h"
-
-#include <QFile>
 
 namespace wr::tool {
 
@@ -29,7 +29,7 @@ int runExport(const QStringList &arguments)
         return Failure;
     const QString out = line.arguments().at(1);
     QString error;
-    if (!DataFile::WriteBytes(out, ChirpCsvFile(ChannelsInUse(*image)), &error))
+    if (!DataFile::WriteBytes(out, chirpCsvFile(ChannelTable::load(*image, English).inUse()), &error))
         return fileFailure(out, error);
     return Success;
 }
@@ -52,13 +52,10 @@ int runImport(const QStringList &arguments)
     std::optional<MemoryImage> image = readImage(dataPath);
     if (!image)
         return Failure;
-    QFile csv(csvPath);
-    if (!csv.open(QIODevice::ReadOnly))
-        return fileFailure(csvPath, csv.errorString());
-    const QByteArray bytes = csv.read(MaxCsvFileSize + 1);
-    if (csv.error() != QFileDevice::NoError)
-        return fileFailure(csvPath, csv.errorString());
-    if (bytes.size() > MaxCsvFileSize)
+    const csv::File file = csv::readFile(csvPath);
+    if (file.problem == csv::File::Problem::Unreadable)
+        return fileFailure(csvPath, file.error);
+    if (file.problem == csv::File::Problem::TooLarge)
         return fileFailure(csvPath, QStringLiteral("too large for a channel list"));
 
     // A file of a radio never read holds no band limits; the usual ones of
@@ -70,7 +67,7 @@ int runImport(const QStringList &arguments)
               << limits[RxUpper1] << " and " << limits[RxLower2] << '-' << limits[RxUpper2] << " MHz\n";
     }
 
-    const CsvImport import = ReadChannelCsv(DecodeCsvFile(bytes), limits);
+    const CsvImport import = readChannelCsv(file.text, limits);
     if (import.refused)
         return fileFailure(csvPath, QStringLiteral("no Location or no Frequency column: not a CHIRP channel list"));
     for (const ImportNote &note : import.notes) {
@@ -84,7 +81,7 @@ int runImport(const QStringList &arguments)
     if (import.imported == 0)
         return Failure;
 
-    ApplyImport(*image, import);
+    applyImport(*image, import);
     QString error;
     const QString out = line.arguments().at(2);
     if (!DataFile::Write(out, *image, &error))

@@ -1,0 +1,181 @@
+// The channels as data, without a widget: the tools' plans, where pasted
+// and imported rows go, and the working copy as a table model with its
+// undo history.
+
+#include "TestSuite.h"
+
+#include "channels/ChannelHistory.h"
+#include "channels/ChannelModel.h"
+#include "channels/ChannelPlans.h"
+#include "channels/ChannelTable.h"
+#include "core/AppState.h"
+
+#include <QAbstractItemModelTester>
+#include <QTest>
+#include <QUndoStack>
+
+using namespace wr;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Rows 1 to n as letters, '.' for an empty row, after a plan.
+QString rearranged(const QString &rows, const RowPlan &plan)
+{
+    QString after = rows;
+    for (const RowMove &move : plan)
+        after[move.to - 1] = move.from != 0 ? rows[move.from - 1] : u'.';
+    return after;
+}
+
+// A letter's receive frequency for sorting: A and a are 140 MHz, B and b
+// 141 MHz, and so on; '.' is an empty row.
+QString receiveOf(QChar label)
+{
+    return label == u'.' ? QString() : u"%1.00000"_s.arg(140 + label.toUpper().unicode() - u'A');
+}
+
+} // namespace
+
+class TestChannelTable : public test::Suite
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void plans_data()
+    {
+        QTest::addColumn<QString>("tool");
+        QTest::addColumn<QList<int>>("rows"); // the selection; the first row for insert
+        QTest::addColumn<QString>("before");  // rows 1 to the last
+        QTest::addColumn<QString>("after");
+        QTest::newRow("insert") << u"insert"_s << QList<int>{3} << u"ABCDEF.."_s << u"AB.CDEF."_s;
+        QTest::newRow("insert at the last row") << u"insert"_s << QList<int>{8} << u"ABCDEFG."_s << u"ABCDEFG."_s;
+        QTest::newRow("remove a non-contiguous selection")
+            << u"remove"_s << QList<int>{2, 4} << u"ABCDEF.."_s << u"ACEF...."_s;
+        QTest::newRow("remove the last row") << u"remove"_s << QList<int>{8} << u"ABCDEFGH"_s << u"ABCDEFG."_s;
+        QTest::newRow("move a block up") << u"up"_s << QList<int>{3, 4} << u"ABCDEF.."_s << u"ACDBEF.."_s;
+        QTest::newRow("move a non-contiguous selection down")
+            << u"down"_s << QList<int>{2, 4} << u"ABCDEF.."_s << u"ACBEDF.."_s;
+        QTest::newRow("move a non-contiguous selection up to the top")
+            << u"up"_s << QList<int>{2, 3, 6} << u"ABCDEFG."_s << u"BCADFEG."_s;
+        QTest::newRow("move the last row up") << u"up"_s << QList<int>{8} << u"ABCDEFGH"_s << u"ABCDEFHG"_s;
+        QTest::newRow("no move above the first row") << u"up"_s << QList<int>{1, 3} << u"ABCDEFGH"_s << u"ABCDEFGH"_s;
+        QTest::newRow("no move below the last row") << u"down"_s << QList<int>{5, 8} << u"ABCDEFGH"_s << u"ABCDEFGH"_s;
+        QTest::newRow("sort: equal frequencies keep their order, empty rows last")
+            << u"sort"_s << QList<int>{1, 2, 3, 4, 5, 6} << u"CbAB.a.."_s << u"AabBC..."_s;
+        QTest::newRow("sort a non-contiguous selection in its rows")
+            << u"sort"_s << QList<int>{1, 4, 6, 8} << u"DxyCzBwA"_s << u"AxyBzCwD"_s;
+    }
+
+    void plans()
+    {
+        QFETCH(QString, tool);
+        QFETCH(QList<int>, rows);
+        QFETCH(QString, before);
+        QFETCH(QString, after);
+        const int last = int(before.size());
+        RowPlan plan;
+        if (tool == u"insert") {
+            plan = planInsert(rows.front(), last);
+        } else if (tool == u"remove") {
+            plan = planRemove(rows, last);
+        } else if (tool == u"sort") {
+            QStringList receive;
+            for (int row : rows)
+                receive << receiveOf(before[row - 1]);
+            plan = planSort(rows, receive);
+        } else {
+            plan = planMove(rows, tool == u"up" ? -1 : +1, last);
+        }
+        QCOMPARE(rearranged(before, plan), after);
+    }
+
+    // Rows as "Location" tokens: a number, x for none, ? after a number for
+    // a row that did not become a channel. Placed: the channel, - for a row
+    // that goes nowhere, > outside 1-128, = replaced by a later row.
+    void placeRows_data()
+    {
+        QTest::addColumn<QString>("rows");
+        QTest::addColumn<int>("pasteAt");
+        QTest::addColumn<QString>("placed");
+        QTest::addColumn<int>("firstZero");
+        QTest::newRow("imported to their Locations") << u"3 5 x 9?"_s << 0 << u"3 5 - -"_s << -1;
+        QTest::newRow("a text counting from 0") << u"2 0? 0 128"_s << 0 << u"3 - 1 >"_s << 1;
+        QTest::newRow("the later of two rows wins") << u"7 7 8"_s << 0 << u"= 7 8"_s << -1;
+        QTest::newRow("pasted: the distances kept") << u"5 3 x"_s << 20 << u"22 20 -"_s << -1;
+        QTest::newRow("pasted past channel 128") << u"1 2 4"_s << 127 << u"127 128 >"_s << -1;
+        QTest::newRow("pasted: a row not taken still sets the distance") << u"1? 3"_s << 10 << u"- 12"_s << -1;
+        QTest::newRow("pasted: Location 0 is only the lowest") << u"0 1"_s << 5 << u"5 6"_s << -1;
+    }
+
+    void placeRows()
+    {
+        QFETCH(QString, rows);
+        QFETCH(int, pasteAt);
+        QFETCH(QString, placed);
+        QFETCH(int, firstZero);
+        QList<RowLocation> locations;
+        for (const QString &token : rows.split(u' ')) {
+            bool number = false;
+            const int location = QString(token).remove(u'?').toInt(&number);
+            locations.append({number ? std::optional(location) : std::nullopt, !token.endsWith(u'?')});
+        }
+        const Placement placement = wr::placeRows(locations, pasteAt);
+        QStringList shown;
+        for (const PlacedRow &row : placement.rows) {
+            const QChar marks[]{u'-', u'>', u'='};
+            shown << (row.outcome == PlacedRow::Placed ? QString::number(row.channel)
+                                                       : QString(marks[row.outcome - PlacedRow::NotAChannel]));
+        }
+        QCOMPARE(shown.join(u' '), placed);
+        QCOMPARE(placement.firstZero, firstZero);
+    }
+
+    // The model over a working copy, checked by Qt's model tester all along:
+    // a created channel's bytes 12-15 reach the image at once and go back on
+    // undo; a language switch re-captions every word and keeps the history,
+    // whose steps come back in the new words.
+    void modelAndHistory()
+    {
+        MemoryImage &image = app().image;
+        image.setRow(ChannelRow(5), QByteArray::fromHex("1450000014500000ffffffff123456ff"));
+        ChannelRecord(image, 5).setEmptyBit(true);
+        ChannelModel model;
+        const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        ChannelHistory history(model, image);
+        model.setTable(ChannelTable::load(image, English), English);
+        QCOMPARE(model.table().at(5).hidden, (Channel::Hidden{0x12, 0x34, 0x56, 0xFF})); // carried while empty
+        QCOMPARE(model.rowCount(), 129);
+        QCOMPARE(model.index(7, ColNumber).data().toString(), u"7"_s);
+
+        const Channel created = withRx(model.table().at(5), u"145.5"_s, DefaultBandLimits, English);
+        history.change(Text(u"Edit"), {{5, created}}, {}, {});
+        QCOMPARE(model.index(5, ColPower).data().toString(), u"High"_s);
+        QCOMPARE(image.row(ChannelRow(5)).mid(12).toHex(), QByteArray("00004c00"));
+        history.change(Text(u"Edit"), {{5, created}}, {}, {}); // nothing differs: no step
+        QCOMPARE(history.stack()->count(), 1);
+
+        ChannelTable switched = model.table();
+        switched.recaption(TraditionalChinese);
+        model.setTable(switched, TraditionalChinese);
+        QCOMPARE(model.index(5, ColPower).data().toString(), u"高"_s);
+        QCOMPARE(model.headerData(ColPower, Qt::Horizontal).toString(), u"發射功率"_s);
+        QCOMPARE(model.index(0, ColPower).data().toString(), u"發射功率"_s);
+        history.stack()->undo();
+        QCOMPARE(model.index(5, ColRx).data().toString(), QString());
+        QCOMPARE(image.row(ChannelRow(5)).mid(12).toHex(), QByteArray("123456ff"));
+        history.stack()->redo();
+        QCOMPARE(model.table().at(5).texts, recaptioned(created.texts, TraditionalChinese));
+        QCOMPARE(model.index(5, ColScanAdd).data().toString(), u"開"_s);
+
+        // Saving writes the cells and the bytes 12-15 of the channels in use.
+        MemoryImage saved = image;
+        saved.setRow(ChannelRow(5), QByteArray(16, '\0'));
+        model.table().save(saved);
+        QCOMPARE(saved.row(ChannelRow(5)).toHex(), QByteArray("1455000014550000ffffffff00004c00"));
+        QVERIFY(ChannelTable::load(saved, TraditionalChinese).savesAs(model.table()));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestChannelTable)
+#include "TestChannelTable.moc"
