@@ -6,6 +6,7 @@
 #include "core/AppState.h"
 #include "core/Language.h"
 #include "core/ToneCodec.h"
+#include "ui/Accessible.h"
 
 #include <QAbstractItemView>
 #include <QCloseEvent>
@@ -30,6 +31,7 @@
 #include <array>
 #include <numeric>
 #include <optional>
+#include <utility>
 
 namespace wr {
 
@@ -61,6 +63,15 @@ bool isAsciiDigit(QChar c)
 
 // Name of a step of the history.
 constexpr Text EditStep{u"Edit", u"编辑", u"編輯"};
+
+// What a screen reader calls the list; its window caption stays empty.
+constexpr Text ChannelListName{u"Channel list", u"信道列表", u"信道列表"};
+
+// The keys that open a context menu: the menu key and Shift+F10.
+bool isMenuKey(const QKeyEvent *key)
+{
+    return key->key() == Qt::Key_Menu || (key->key() == Qt::Key_F10 && key->modifiers() == Qt::ShiftModifier);
+}
 
 // While the grid has the focus, one notch of the wheel pages the list up or
 // down, as Page Up and Page Down would; anything else (a touchpad's small
@@ -221,6 +232,7 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
 
     RefreshChannelOP();
     RefreshChannel();
+    keepCurrentCell(m_grid);
 }
 
 frmChannel::~frmChannel() = default;
@@ -282,6 +294,8 @@ void frmChannel::RefreshChannelOP()
 void frmChannel::SetupChannelGrid()
 {
     setWindowTitle(QString());
+    setAccessibleName(ChannelListName.in(language()));
+    m_grid->setAccessibleName(ChannelListName.in(language()));
     QFont headerFont = m_grid->font();
     headerFont.setPointSize(HeaderPointSize);
     m_grid->horizontalHeader()->setFont(headerFont);
@@ -453,6 +467,11 @@ QWidget *frmChannel::editorFor(const QModelIndex &cell, const QString &text)
 {
     if (cell.row() < 1 || cell.row() > lastChannel())
         return nullptr;
+    // An editor is named after its column: it has no label of its own.
+    for (QWidget *editor : {static_cast<QWidget *>(m_text), static_cast<QWidget *>(m_combo[0]),
+                            static_cast<QWidget *>(m_combo[1])})
+        editor->setAccessibleName(headerText(cell.column(), language()));
+    nameListTexts(this);
     switch (cell.column()) {
     case ColRx:
     case ColTx:
@@ -587,6 +606,20 @@ void frmChannel::selectChannels(const QList<int> &channels)
 bool frmChannel::eventFilter(QObject *watched, QEvent *event)
 {
     const QEvent::Type type = event->type();
+    // The menu key and Shift+F10 open the context menu at the current cell.
+    // Some platforms turn the menu key into a context menu event of their
+    // own before its key press; the menu is then open already.
+    if (type == QEvent::KeyPress && watched == m_grid) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        const bool opened = std::exchange(m_menuOpenedByKey, false);
+        if (isMenuKey(key)) {
+            if (!(opened && key->key() == Qt::Key_Menu)) {
+                QContextMenuEvent menu(QContextMenuEvent::Keyboard, QPoint(), QPoint(), Qt::NoModifier);
+                eventFilter(m_grid, &menu);
+            }
+            return true;
+        }
+    }
     // The context menu opens on a right click without keys held (the
     // Shift+Ctrl+Alt right click is the memory map's gesture) or the menu
     // key, over the selected rows or the row clicked.
@@ -594,6 +627,7 @@ bool frmChannel::eventFilter(QObject *watched, QEvent *event)
         const auto *menu = static_cast<QContextMenuEvent *>(event);
         if (menu->modifiers() != Qt::NoModifier)
             return true;
+        m_menuOpenedByKey = menu->reason() == QContextMenuEvent::Keyboard && menu->spontaneous();
         m_editor->commit();
         const bool mouse = menu->reason() == QContextMenuEvent::Mouse;
         const int row = mouse ? m_grid->rowAt(menu->pos().y()) : m_grid->currentIndex().row();

@@ -40,7 +40,10 @@ class MemoryImage;
 //   editor  -    TxtChannel        CboChannel0             CboChannel1 (the column's choices)
 //
 // Rows are selected by clicking the channel numbers (Shift and Ctrl
-// extend); the tools (ChannelTools) work on them, or on the current row.
+// extend); the tools (ChannelTools) work on them, or on the current row,
+// from the context menu (a right click, the menu key or Shift+F10).
+// A screen reader hears the list as "Channel list" and its cells as the
+// model says them (ChannelModel).
 // Every change of the working copy, an edit in a cell included, is one step
 // of the undo history; a language switch keeps the history, any other
 // reload starts a new one.
@@ -129,6 +132,7 @@ private:
     QObject *m_wheelPager = nullptr; // installed on the grid while it has the focus
     std::unique_ptr<ChannelSelection> m_selection;
     int m_rows = RowCount;           // rows of the grid, the hidden header row included
+    bool m_menuOpenedByKey = false;  // by the platform's own context menu event for the menu key
 };
 
 } // namespace wr
