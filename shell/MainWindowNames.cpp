@@ -1,5 +1,7 @@
 #include "shell/MainWindowNames.h"
 
+#include "ui/Accessible.h"
+
 #include <QMainWindow>
 #include <QToolBar>
 #include <QToolButton>
@@ -31,6 +33,8 @@ constexpr Text TreeName{u"Editors", u"编辑项目", u"編輯項目"};
 
 void nameMainWindowParts(QMainWindow *window, Language language)
 {
+    useSpokenNames(); // for the channel list's child window
+
     if (auto *toolBar = window->findChild<QToolBar *>(u"tlbActions"_s)) {
         // The title is what a screen reader says for the bar.
         toolBar->setWindowTitle(ToolBarName.in(language));

@@ -12,6 +12,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMdiSubWindow>
 #include <QRegularExpression>
 #include <QTableView>
 
@@ -124,10 +125,37 @@ public:
     }
 };
 
-QAccessibleInterface *accessibleListBox(const QString &className, QObject *object)
+// A child window of the main window, named by its title as Qt names it, or
+// where the title is empty (the channel list's caption is) by the
+// accessible name of the window or of the form it holds.
+class AccessibleSubWindow : public QAccessibleWidget
+{
+public:
+    explicit AccessibleSubWindow(QMdiSubWindow *window)
+        : QAccessibleWidget(window, QAccessible::Window)
+    {
+    }
+
+    QString text(QAccessible::Text kind) const override
+    {
+        const auto *window = static_cast<const QMdiSubWindow *>(widget());
+        if (kind != QAccessible::Name)
+            return QAccessibleWidget::text(kind);
+        QString name = window->windowTitle().remove(u"[*]"_s);
+        if (name.isEmpty())
+            name = window->accessibleName();
+        if (name.isEmpty() && window->widget())
+            name = window->widget()->accessibleName();
+        return name;
+    }
+};
+
+QAccessibleInterface *spokenInterface(const QString &className, QObject *object)
 {
     if (className == u"QComboBox")
         return new AccessibleListBox(static_cast<QComboBox *>(object));
+    if (className == u"QMdiSubWindow")
+        return new AccessibleSubWindow(static_cast<QMdiSubWindow *>(object));
     return nullptr;
 }
 
@@ -201,10 +229,10 @@ void useFocusFrames()
 
 // Qt's own factory is installed when the application is made, and the one
 // installed last is asked first.
-void readListBoxesByName()
+void useSpokenNames()
 {
     static const bool installed = [] {
-        QAccessible::installFactory(accessibleListBox);
+        QAccessible::installFactory(spokenInterface);
         return true;
     }();
     Q_UNUSED(installed);

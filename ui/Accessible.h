@@ -16,13 +16,15 @@ QString spokenCaption(const QString &caption);
 // label's caption, and the text box of an editable list box as the list.
 // Qt would name most of them from the label anyway, but on Linux it names a
 // list box by the item it shows; the program's list boxes say their names
-// once readListBoxesByName() has run.
+// once useSpokenNames() has run.
 void nameControlsAfterLabels(QWidget *form);
 
 // Makes every list box (QComboBox) made from now on read by its accessible
-// name where it has one, the item it shows staying its value. The forms call
-// it before they make their list boxes; it works once the application exists.
-void readListBoxesByName();
+// name where it has one, the item it shows staying its value, and a child
+// window of the main window without a caption by the name of its form. The
+// forms call it before they make their list boxes; it works once the
+// application exists.
+void useSpokenNames();
 
 // Names the text box of every editable list box of `form` as the list is
 // named, for a list made editable after it was named.

@@ -84,7 +84,7 @@ CellEditor::CellEditor(QAbstractItemView *view, CellEditRules &rules)
     , m_viewport(view->viewport())
     , m_rules(rules)
 {
-    readListBoxesByName(); // the grids' list editors
+    useSpokenNames(); // the grids' list editors
     view->installEventFilter(this);
     m_viewport->installEventFilter(this);
     for (QScrollBar *bar : {view->verticalScrollBar(), view->horizontalScrollBar()})

@@ -14,7 +14,7 @@ FormDialog::FormDialog(Language language, QWidget *parent)
 {
     setModal(true);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
-    readListBoxesByName();
+    useSpokenNames();
 }
 
 FormDialog::~FormDialog() = default;
