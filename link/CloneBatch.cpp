@@ -15,13 +15,22 @@ struct CloneBatch::Transfer
     AppState state;
     CloneEngine engine{state};
     Radio radio;
-    QString question;  // what was said under the lost-connection question
-    bool lost = false; // the device had gone away when the question came
     std::unique_ptr<CloneDriver> driver; // last: it goes first
 };
 
+namespace {
+
+// The device of a port as the catalogue lists it; empty where the name is the device.
+QString deviceOf(const QList<PortEntry> &catalogue, int port)
+{
+    const std::optional<PortEntry> entry = findPort(catalogue, port);
+    return entry && entry->devicePath != entry->name ? entry->devicePath : QString();
+}
+
+} // namespace
+
 CloneBatch::CloneBatch(CloneEngine::Direction direction, const QList<int> &ports, const MemoryImage &image,
-                       int language, QObject *parent)
+                       Options options, QObject *parent)
     : QObject(parent)
 {
     // One look at the system's devices names every port; the driver looks
@@ -30,34 +39,31 @@ CloneBatch::CloneBatch(CloneEngine::Direction direction, const QList<int> &ports
     for (const int port : ports) {
         auto transfer = std::make_unique<Transfer>();
         Transfer &t = *transfer;
-        t.state.LanguageIndex = static_cast<quint8>(language);
         t.state.PortNumber = static_cast<quint8>(port);
         t.state.LinkDirection = direction == CloneEngine::Direction::Read ? 0 : 1;
         t.state.image = image;
-        t.engine.setPortScan(false);
+        t.engine.setPortScan(options.portScan);
+        t.engine.setVerify(options.verify);
         t.radio.port = port;
-        if (const std::optional<PortEntry> entry = findPort(catalogue, port); entry && entry->devicePath != entry->name)
-            t.radio.device = entry->devicePath;
+        t.radio.device = deviceOf(catalogue, port);
 
         const int index = int(m_transfers.size());
         CloneDriver::Prompts prompts;
-        prompts.askRetry = [&t](const QString &, const QString &text) {
-            t.question = text;
-            t.lost = !t.engine.portOpen();
-            return false;
-        };
-        prompts.showMessage = [&t](CloneEngine::MessageIcon icon, const QString &, const QString &text) {
-            t.radio.message = text;
-            if (icon == CloneEngine::MessageIcon::Exclamation)
-                t.radio.outcome = Outcome::PortFailed;
+        prompts.askRetry = [ask = options.askRetry, index](const TransferOutcome &outcome) {
+            return ask && ask(index, outcome);
         };
         t.driver = std::make_unique<CloneDriver>(t.engine, prompts);
         connect(t.driver.get(), &CloneDriver::progressChanged, this, [this, &t, index](int value) {
             t.radio.progress = value;
             Q_EMIT changed(index);
         });
-        connect(t.driver.get(), &CloneDriver::statusChanged, this, [this, &t, index](const QString &text) {
-            t.radio.status = text;
+        connect(t.driver.get(), &CloneDriver::statusChanged, this, [this, &t, index](const TransferStatus &status) {
+            t.radio.status = status;
+            Q_EMIT changed(index);
+        });
+        connect(t.driver.get(), &CloneDriver::portNumberChanged, this, [this, &t, index](int number) {
+            t.radio.port = number;
+            t.radio.device = deviceOf(portCatalogue(), number);
             Q_EMIT changed(index);
         });
         connect(t.driver.get(), &CloneDriver::unloaded, this, [this, &t, index] { ended(t, index); });
@@ -93,21 +99,21 @@ const MemoryImage &CloneBatch::image(int index) const
 bool CloneBatch::allCompleted() const
 {
     return std::all_of(m_transfers.begin(), m_transfers.end(),
-                       [](const auto &transfer) { return transfer->radio.outcome == Outcome::Completed; });
+                       [](const auto &transfer) { return transfer->radio.outcome.succeeded(); });
 }
 
 void CloneBatch::ended(Transfer &t, int index)
 {
     Radio &radio = t.radio;
-    if (t.engine.Finished) {
-        radio.outcome = Outcome::Completed;
-    } else if (radio.outcome != Outcome::PortFailed) {
-        // Cancel answered the question: the retries were spent, or the
-        // device went away. What the question said under it stays.
-        radio.outcome = t.lost ? Outcome::PortLost : Outcome::NoAnswer;
-        radio.message = t.question.section(QStringLiteral("\n\n"), 1, -1);
+    radio.running = false;
+    radio.outcome = t.engine.outcome();
+    radio.port = radio.outcome.port;
+    // The device as the transfer met it: a port that went away is still named by it.
+    for (const PortTried &tried : std::as_const(radio.outcome.portsTried)) {
+        if (tried.number == radio.port && !tried.device.isEmpty())
+            radio.device = tried.device;
     }
-    radio.status.clear();
+    radio.status = {};
     Q_EMIT changed(index);
     if (--m_running == 0)
         Q_EMIT finished();

@@ -76,6 +76,7 @@ void CloneDriver::abort()
         return;
     stopAll();
     m_running = false;
+    m_engine.cancelled();
 }
 
 void CloneDriver::stopAll()
@@ -142,8 +143,8 @@ void CloneDriver::kickSendTimer()
     // The send timer ticks every millisecond; a frame that is due goes out on
     // the next pass of the event loop instead, which saves about half a
     // millisecond a row.
-    if (m_kickPending || !m_sendTimer.isActive() || m_engine.SentStep == m_engine.Step || m_engine.waiting()
-        || m_engine.asking())
+    const CloneEngine::TransferState &t = m_engine.transfer();
+    if (m_kickPending || !m_sendTimer.isActive() || t.SentStep == t.Step || m_engine.waiting() || m_engine.asking())
         return;
     m_kickPending = true;
     QTimer::singleShot(0, this, [this] {
@@ -246,22 +247,22 @@ void CloneDriver::perform(const CloneEngine::Action &action)
         run(m_engine.replyRead(m_port.isOpen() ? m_port.readAll() : QByteArray()));
         break;
     case Kind::Progress:
-        Q_EMIT progressChanged(action.value, action.text);
+        Q_EMIT progressChanged(action.value);
         break;
     case Kind::Status:
-        Q_EMIT statusChanged(action.text);
+        Q_EMIT statusChanged(action.status);
         break;
     case Kind::PortChanged:
         Q_EMIT portNumberChanged(action.value);
         break;
     case Kind::AskLostConnection: {
-        const bool retry = m_prompts.askRetry ? m_prompts.askRetry(action.title, action.text) : false;
+        const bool retry = m_prompts.askRetry ? m_prompts.askRetry(action.outcome) : false;
         run(m_engine.answered(retry));
         break;
     }
-    case Kind::ShowMessage:
-        if (m_prompts.showMessage)
-            m_prompts.showMessage(action.icon, action.title, action.text);
+    case Kind::Report:
+        if (m_prompts.report)
+            m_prompts.report(action.outcome);
         break;
     case Kind::ReadCompleted:
         Q_EMIT readCompleted();

@@ -23,12 +23,14 @@ class CloneDriver : public QObject
     Q_OBJECT
 
 public:
-    // The two questions the transfer may put to a person. Both are called
+    // What the transfer may put to a person: the lost-connection question
+    // (what Cancel would end with; true = Retry) and how it ended, at the
+    // moment the progress form shows its message. Both are called
     // synchronously; the engine ignores ticks while they are open.
     struct Prompts
     {
-        std::function<bool(const QString &title, const QString &text)> askRetry; // true = Retry
-        std::function<void(CloneEngine::MessageIcon, const QString &title, const QString &text)> showMessage;
+        std::function<bool(const TransferOutcome &)> askRetry;
+        std::function<void(const TransferOutcome &)> report;
     };
 
     CloneDriver(CloneEngine &engine, Prompts prompts, QObject *parent = nullptr);
@@ -37,12 +39,13 @@ public:
     // Starts the transfer (form load). unloaded() follows, always.
     void start();
     bool isRunning() const { return m_running; }
-    // Closes the port and stops the timers, as unloading the form does.
+    // Closes the port and stops the timers, as unloading the form does; the
+    // engine's outcome says Cancelled unless the transfer had ended.
     void abort();
 
 Q_SIGNALS:
-    void progressChanged(int value, const QString &text);
-    void statusChanged(const QString &text);
+    void progressChanged(int value);
+    void statusChanged(const wr::TransferStatus &status);
     void portNumberChanged(int portNumber);
     void readCompleted();
     void unloaded();

@@ -13,8 +13,8 @@ namespace {
 using Action = CloneEngine::Action;
 using Actions = CloneEngine::Actions;
 
-constexpr char Ack = 0x06;
-constexpr char IdentifyRequest = 0x02;
+constexpr char Ack = CloneEngine::Ack;
+constexpr char IdentifyRequest = CloneEngine::IdentifyRequest;
 constexpr char ReadCommand = 'R';
 constexpr char WriteCommand = 'W';
 constexpr char RowByteCount = 0x10;
@@ -26,65 +26,12 @@ constexpr int ReadReplyHeader = 4;
 constexpr qint16 FirstUnusedStep = 130;
 constexpr qint16 SecondBlockStep = 202;
 
-const QByteArray &openingCommand()
-{
-    static const QByteArray bytes = QByteArrayLiteral("PROGRAM");
-    return bytes;
-}
-
-const QByteArray &radioIdentity()
-{
-    static const QByteArray bytes = QByteArrayLiteral("QAWPD6T");
-    return bytes;
-}
-
-const QByteArray &endFrame()
-{
-    static const QByteArray bytes = QByteArrayLiteral("END");
-    return bytes;
-}
-
-constexpr Text ReadCaption{u"Read data from radio", u"从对讲机读取数据", u"從對講機讀取數據"};
-constexpr Text WriteCaption{u"Write data to radio", u"向对讲机写入数据", u"向對講機寫入數據"};
-constexpr Text ProgressCaption{u"Completion percentage", u"完成进度", u"完成進度"};
-constexpr Text LostConnection{u"Check Connection. Retry or Cancel?", u"检测连接。重试或取消？",
-                              u"檢測連接。重試或取消？"};
-constexpr Text ReadDone{u"Reading completed!", u"成功读完！", u"成功讀完"};
-constexpr Text WriteDone{u"Writing completed!", u"成功写完！", u"成功寫完"};
-
-constexpr Text NoAnswer{u"No answer on %1, retrying (%2 of %3)\u2026",
-    u"%1 无应答，正在重试（第 %2 次，共 %3 次）\u2026",
-    u"%1 無應答，正在重試（第 %2 次，共 %3 次）\u2026"};
-
-constexpr Text WrongAnswer{u"Unexpected answer on %1, retrying (%2 of %3)\u2026",
-    u"%1 应答有误，正在重试（第 %2 次，共 %3 次）\u2026",
-    u"%1 應答有誤，正在重試（第 %2 次，共 %3 次）\u2026"};
-
-constexpr Text TryingPort{u"Trying %1\u2026",
-    u"正在尝试 %1\u2026",
-    u"正在嘗試 %1\u2026"};
-
 Action make(Action::Kind kind, int value = 0)
 {
     Action action;
     action.kind = kind;
     action.value = value;
     return action;
-}
-
-// The number made by the characters after the first three of a port name
-// (COM7 gives 7): leading digits only.
-quint8 portNumberOf(const QString &name)
-{
-    int number = 0;
-    for (const QChar c : name.mid(3)) {
-        if (!c.isDigit())
-            break;
-        number = number * 10 + c.digitValue();
-        if (number > 255)
-            return 0;
-    }
-    return static_cast<quint8>(number);
 }
 
 } // namespace
@@ -108,24 +55,42 @@ int CloneEngine::rowForStep(int step)
     return -1;
 }
 
+const QByteArray &CloneEngine::openingCommand()
+{
+    static const QByteArray bytes = QByteArrayLiteral("PROGRAM");
+    return bytes;
+}
+
+const QByteArray &CloneEngine::radioIdentity()
+{
+    static const QByteArray bytes = QByteArrayLiteral("QAWPD6T");
+    return bytes;
+}
+
+const QByteArray &CloneEngine::endFrame()
+{
+    static const QByteArray bytes = QByteArrayLiteral("END");
+    return bytes;
+}
+
 QByteArray CloneEngine::frameFor(int step) const
 {
     if (step == 0)
         return openingCommand();
     if (step == 1)
         return QByteArray(1, IdentifyRequest);
-    if (step == LastStep)
+    if (step == m_t.LastStep)
         return endFrame();
     const int row = rowForStep(step);
     if (row < 0)
         return {};
     const int address = row * 16;
     QByteArray frame;
-    frame.append(m_direction == Direction::Read ? ReadCommand : WriteCommand);
+    frame.append(reading() ? ReadCommand : WriteCommand);
     frame.append(static_cast<char>(address >> 8));
     frame.append(static_cast<char>(address & 0xFF));
     frame.append(RowByteCount);
-    if (m_direction == Direction::Write)
+    if (!reading())
         frame.append(m_state.image.row(row));
     return frame;
 }
@@ -136,29 +101,15 @@ int CloneEngine::replyLengthFor(int step) const
         return 1;
     if (step == 1)
         return radioIdentity().size();
-    if (step == LastStep)
+    if (step == m_t.LastStep)
         return 0;
-    return m_direction == Direction::Read ? ReadReplyLength : 1;
-}
-
-QString CloneEngine::caption() const
-{
-    return (m_direction == Direction::Read ? ReadCaption : WriteCaption).in(m_state.LanguageIndex);
-}
-
-QString CloneEngine::progressText() const
-{
-    // Whole percent, rounded to nearest; n * 100 / 188 never ends in exactly .5.
-    const int percent = (m_progress * 100 + ProgressMaximum / 2) / ProgressMaximum;
-    return ProgressCaption.in(m_state.LanguageIndex) + QStringLiteral(":  %1%").arg(percent);
+    return reading() ? ReadReplyLength : 1;
 }
 
 Actions CloneEngine::resetProgress()
 {
     m_progress = 0;
-    Action action = make(Action::Progress, 0);
-    action.text = progressText();
-    return {action};
+    return {make(Action::Progress, 0)};
 }
 
 Actions CloneEngine::wait(WaitKind kind, int ms)
@@ -173,13 +124,13 @@ Actions CloneEngine::drain()
     return {make(Action::Drain, ReplyQuietMs), make(Action::StartTimeout, TimeoutMs)};
 }
 
-Actions CloneEngine::setStatus(const QString &text)
+Actions CloneEngine::setStatus(const TransferStatus &status)
 {
-    if (text == m_status)
+    if (status == m_status)
         return {};
-    m_status = text;
+    m_status = status;
     Action action = make(Action::Status);
-    action.text = text;
+    action.status = status;
     return {action};
 }
 
@@ -195,25 +146,32 @@ void CloneEngine::notePortTried(const QString &device)
     m_portsTried.append({m_state.PortNumber, device});
 }
 
-QString CloneEngine::lostConnectionText(int language, const QString &detail)
+TransferOutcome CloneEngine::outcomeOf(TransferOutcome::Kind kind) const
 {
-    return LostConnection.in(language) + QStringLiteral("\n\n") + detail;
+    TransferOutcome outcome;
+    outcome.kind = kind;
+    outcome.read = m_direction == Direction::Read;
+    outcome.verifying = m_verifying;
+    outcome.port = m_state.PortNumber;
+    outcome.chosenPort = m_t.SavedPort;
+    outcome.portsTried = m_portsTried;
+    return outcome;
 }
 
-QString CloneEngine::lostConnectionTitle(int language)
-{
-    return Words::Error.in(language);
-}
-
-Actions CloneEngine::askLostConnection(const QString &detail)
+Actions CloneEngine::askLostConnection(TransferOutcome::Kind kind)
 {
     m_asking = true;
+    // What Cancel ends with: kept until the answer.
+    if (kind != TransferOutcome::Kind::PortLost) {
+        m_outcome = outcomeOf(kind);
+        if (kind == TransferOutcome::Kind::WrongIdentification)
+            m_outcome.identity = m_refusedIdentity;
+    }
     // Nothing to send or time while the question is up.
     Actions actions{make(Action::StopSendTimer)};
     actions += setStatus({});
     Action ask = make(Action::AskLostConnection);
-    ask.text = lostConnectionText(m_state.LanguageIndex, detail);
-    ask.title = lostConnectionTitle(m_state.LanguageIndex);
+    ask.outcome = m_outcome;
     actions += ask;
     return actions;
 }
@@ -221,7 +179,7 @@ Actions CloneEngine::askLostConnection(const QString &detail)
 void CloneEngine::prepare()
 {
     m_direction = m_state.LinkDirection == 0 ? Direction::Read : Direction::Write;
-    LastStep = m_direction == Direction::Read ? 262 : 261;
+    m_t.LastStep = m_direction == Direction::Read ? 262 : 261;
 }
 
 Actions CloneEngine::start()
@@ -229,8 +187,8 @@ Actions CloneEngine::start()
     prepare();
     Actions actions{make(Action::StopSendTimer), make(Action::StopTimeout)};
     actions += resetProgress();
-    ScanIndex = 0;
-    SavedPort = m_state.PortNumber;
+    m_t.ScanIndex = 0;
+    m_t.SavedPort = m_state.PortNumber;
     actions += TransferDatas();
     return actions;
 }
@@ -254,7 +212,7 @@ Actions CloneEngine::portOpened(const QString &device)
     notePortTried(device);
     if (m_reopenBeforeAsking) {
         m_reopenBeforeAsking = false;
-        return askLostConnection(portsTriedLine(m_portsTried, m_state.LanguageIndex));
+        return askLostConnection(m_outcome.kind);
     }
     return beginAttempt();
 }
@@ -266,16 +224,15 @@ Actions CloneEngine::portFailed(const PortProblem &problem)
     m_opening = false;
     m_reopenBeforeAsking = false;
     notePortTried(problem.device);
-    Action message = make(Action::ShowMessage);
-    message.text = describePortProblem(m_state.PortNumber, problem, m_state.LanguageIndex);
+    m_outcome = outcomeOf(TransferOutcome::Kind::PortFailed);
+    m_outcome.problem = problem;
     // The user chose one port; the search may have met another they never meant.
-    if (std::exchange(m_scanOpening, false))
-        message.text += u'\n' + scanNote(m_state.PortNumber, SavedPort, m_state.LanguageIndex);
-    message.title = ModelName();
-    message.icon = MessageIcon::Exclamation;
+    m_outcome.chosenByScan = std::exchange(m_scanOpening, false);
     Actions actions{make(Action::StopSendTimer), make(Action::StopTimeout)};
     actions += setStatus({});
-    actions += message;
+    Action report = make(Action::Report);
+    report.outcome = m_outcome;
+    actions += report;
     actions += unload();
     return actions;
 }
@@ -291,32 +248,35 @@ Actions CloneEngine::portLost(const PortProblem &problem)
     m_wait = WaitKind::None;
     m_staleBytes = false;
     m_resent = false;
-    Rejected = false;
+    m_t.Rejected = false;
     Actions actions{make(Action::StopSendTimer), make(Action::StopTimeout), make(Action::SetThreshold, 0),
                     make(Action::ClosePort)};
     if (m_asking)
         return actions;
-    actions += askLostConnection(describePortProblem(m_state.PortNumber, problem, m_state.LanguageIndex));
+    m_outcome = outcomeOf(TransferOutcome::Kind::PortLost);
+    m_outcome.problem = problem;
+    actions += askLostConnection(TransferOutcome::Kind::PortLost);
     return actions;
 }
 
 Actions CloneEngine::beginAttempt()
 {
     m_resent = false;
+    m_refusedIdentity.clear();
     Actions actions{make(Action::DiscardBuffers)};
     actions += resetProgress();
-    Step = 0;
-    SentStep = NothingSent;
+    m_t.Step = 0;
+    m_t.SentStep = NothingSent;
     actions += make(Action::StartSendTimer, SendIntervalMs);
-    Finished = false;
-    Rejected = false;
-    RetryCount = 0;
+    m_t.Finished = false;
+    m_t.Rejected = false;
+    m_t.RetryCount = 0;
     return actions;
 }
 
 Actions CloneEngine::sendTick(qint64 bytesWaiting)
 {
-    if (m_unloaded || waiting() || m_asking || !m_portOpen || SentStep == Step)
+    if (m_unloaded || waiting() || m_asking || !m_portOpen || m_t.SentStep == m_t.Step)
         return {};
     // Nothing is awaited now, so whatever is on the line is left over from
     // an earlier exchange; it must not run into the answer to this frame.
@@ -324,15 +284,15 @@ Actions CloneEngine::sendTick(qint64 bytesWaiting)
         return drain();
     Actions actions{make(Action::StopSendTimer)};
     Action send = make(Action::Send);
-    send.bytes = frameFor(Step);
+    send.bytes = frameFor(m_t.Step);
     actions += send;
-    ReplyLength = static_cast<quint8>(replyLengthFor(Step));
-    m_threshold = ReplyLength;
-    actions += make(Action::SetThreshold, ReplyLength);
+    m_t.ReplyLength = static_cast<quint8>(replyLengthFor(m_t.Step));
+    m_threshold = m_t.ReplyLength;
+    actions += make(Action::SetThreshold, m_t.ReplyLength);
     actions += make(Action::StartSendTimer, SendIntervalMs);
-    SentStep = Step;
+    m_t.SentStep = m_t.Step;
     actions += make(Action::StartTimeout, TimeoutMs);
-    if (Step != LastStep) {
+    if (m_t.Step != m_t.LastStep) {
         actions += wait(WaitKind::AfterFrame, WaitAfterFrameMs);
         return actions;
     }
@@ -345,7 +305,7 @@ Actions CloneEngine::sendTick(qint64 bytesWaiting)
 
 Actions CloneEngine::dataWaiting()
 {
-    if (m_unloaded || waiting() || m_asking || Rejected || !m_portOpen || m_threshold == 0)
+    if (m_unloaded || waiting() || m_asking || m_t.Rejected || !m_portOpen || m_threshold == 0)
         return {};
     // Let the rest of a reply that is still arriving come in before reading.
     return wait(WaitKind::BeforeReply, WaitBeforeReplyMs);
@@ -362,13 +322,8 @@ Actions CloneEngine::waitElapsed()
         return {make(Action::StopTimeout)};
     case WaitKind::BeforeReply:
         return {make(Action::StopTimeout), make(Action::ReadReply)};
-    case WaitKind::BeforeClose: {
-        Actions actions{make(Action::ClosePort)};
-        m_portOpen = false;
-        m_threshold = 0;
-        actions += finishTransfer();
-        return actions;
-    }
+    case WaitKind::BeforeClose:
+        return endOfSession();
     case WaitKind::None:
     case WaitKind::AfterFrame:
     case WaitKind::AfterFinish:
@@ -377,36 +332,61 @@ Actions CloneEngine::waitElapsed()
     return {};
 }
 
+Actions CloneEngine::endOfSession()
+{
+    // A write to be verified keeps the port: the read-back follows at once.
+    if (m_direction == Direction::Write && m_verify && !m_verifying)
+        return startVerifying();
+    Actions actions{make(Action::ClosePort)};
+    m_portOpen = false;
+    m_threshold = 0;
+    actions += finishTransfer();
+    return actions;
+}
+
+Actions CloneEngine::startVerifying()
+{
+    m_verifying = true;
+    m_readBack = MemoryImage();
+    m_threshold = 0;
+    Actions actions{make(Action::SetThreshold, 0)};
+    actions += setStatus({TransferStatus::Kind::Verifying, m_state.PortNumber, 0, 0});
+    actions += beginAttempt();
+    return actions;
+}
+
 Actions CloneEngine::replyRead(const QByteArray &reply)
 {
     if (m_unloaded)
         return {};
     // More than awaited, another answer is arriving behind this one; after a
     // resend one may still come for the other copy of the frame.
-    m_staleBytes = reply.size() > ReplyLength || std::exchange(m_resent, false);
-    if (Step == 0) {
+    m_staleBytes = reply.size() > m_t.ReplyLength || std::exchange(m_resent, false);
+    if (m_t.Step == 0) {
         // Whatever the radio says before its ACK (line noise as it wakes) is ignored.
         if (!reply.isEmpty() && reply.back() == Ack) {
-            Step = 1;
+            m_t.Step = 1;
             return afterAccepted();
         }
         return reject();
     }
-    if (Step == 1) {
+    if (m_t.Step == 1) {
         if (reply.startsWith(radioIdentity())) {
-            Step = 2;
+            m_t.Step = 2;
             return afterAccepted();
         }
+        m_refusedIdentity = reply.left(radioIdentity().size());
         return reject();
     }
-    if (Step == LastStep)
+    if (m_t.Step == m_t.LastStep)
         return {make(Action::StartTimeout, 1)};
 
-    if (m_direction == Direction::Read) {
+    if (reading()) {
         // No checksum: the row is stored as received; the echoed header is not checked.
         if (reply.size() < ReadReplyLength)
             return reject();
-        m_state.image.setRow(rowForStep(Step), QByteArrayView(reply).sliced(ReadReplyHeader, MemoryImage::RowSize));
+        MemoryImage &target = m_verifying ? m_readBack : m_state.image;
+        target.setRow(rowForStep(m_t.Step), QByteArrayView(reply).sliced(ReadReplyHeader, MemoryImage::RowSize));
     } else if (reply.isEmpty() || reply.back() != Ack) {
         return reject();
     }
@@ -417,25 +397,25 @@ Actions CloneEngine::replyRead(const QByteArray &reply)
 
 Actions CloneEngine::countRowDone()
 {
-    ++Step;
+    ++m_t.Step;
     ++m_progress;
-    Action action = make(Action::Progress, m_progress);
-    action.text = progressText();
-    return {action};
+    return {make(Action::Progress, m_progress)};
 }
 
 Actions CloneEngine::afterAccepted()
 {
-    if (Step == FirstUnusedStep)
-        Step = SecondBlockStep;
-    if (Step < LastStep)
-        SentStep = NothingSent;
+    if (m_t.Step == FirstUnusedStep)
+        m_t.Step = SecondBlockStep;
+    if (m_t.Step < m_t.LastStep)
+        m_t.SentStep = NothingSent;
+    if (m_verifying)
+        return setStatus({TransferStatus::Kind::Verifying, m_state.PortNumber, 0, 0});
     return setStatus({});
 }
 
 Actions CloneEngine::reject()
 {
-    Rejected = true;
+    m_t.Rejected = true;
     return {make(Action::StopSendTimer), make(Action::StartTimeout, 1)};
 }
 
@@ -445,59 +425,60 @@ Actions CloneEngine::timeoutTick()
         // The line never fell quiet: as good as a rejected reply.
         m_wait = WaitKind::None;
         m_staleBytes = false;
-        Rejected = true;
+        m_t.Rejected = true;
     }
     if (m_unloaded || waiting() || m_asking || m_opening)
         return {};
     Actions actions{make(Action::StopTimeout)};
-    if (Finished) {
+    if (m_t.Finished) {
         actions += unload();
         return actions;
     }
-    if (RetryCount < RetryBudget) {
+    if (m_t.RetryCount < RetryBudget) {
         // Same step again; the progress count restarts from here.
-        const bool answered = Rejected;
-        ++RetryCount;
-        Rejected = false;
+        const bool answered = m_t.Rejected;
+        ++m_t.RetryCount;
+        m_t.Rejected = false;
         actions += resetProgress();
         actions += make(Action::DiscardBuffers);
-        SentStep = NothingSent;
+        m_t.SentStep = NothingSent;
         m_resent = true;
         actions += make(Action::StartSendTimer, SendIntervalMs);
-        actions += setStatus((answered ? WrongAnswer : NoAnswer)
-                                 .in(m_state.LanguageIndex)
-                                 .arg(QStringLiteral("COM%1").arg(m_state.PortNumber))
-                                 .arg(RetryCount)
-                                 .arg(RetryBudget));
+        actions += setStatus({answered ? TransferStatus::Kind::WrongAnswerRetrying
+                                       : TransferStatus::Kind::NoAnswerRetrying,
+                              m_state.PortNumber, m_t.RetryCount, RetryBudget});
         actions += drain();
         return actions;
     }
-    if (Step == 0 && m_portScan) {
+    if (m_t.Step == 0 && m_portScan && !m_verifying) {
         // The opening command was never acknowledged: perhaps the radio hangs
         // on another port. Walk the list once, whichever port was in use.
         const QStringList ports = m_portList();
-        if (!ports.isEmpty() && !ports.first().isEmpty() && ScanIndex < ports.size()) {
+        if (!ports.isEmpty() && !ports.first().isEmpty() && m_t.ScanIndex < ports.size()) {
             if (m_portOpen) {
                 actions += make(Action::ClosePort);
                 m_portOpen = false;
             }
-            m_state.PortNumber = portNumberOf(ports.at(ScanIndex));
+            m_state.PortNumber = static_cast<quint8>(portNumberOf(ports.at(m_t.ScanIndex)).value_or(0));
             actions += make(Action::PortChanged, m_state.PortNumber);
-            actions += setStatus(
-                TryingPort.in(m_state.LanguageIndex).arg(QStringLiteral("COM%1").arg(m_state.PortNumber)));
-            ++ScanIndex;
+            actions += setStatus({TransferStatus::Kind::TryingPort, m_state.PortNumber, 0, 0});
+            ++m_t.ScanIndex;
             m_scanOpening = true;
             actions += TransferDatas();
             return actions;
         }
     }
+    const TransferOutcome::Kind kind = m_t.Step == 1 && !m_refusedIdentity.isEmpty()
+        ? TransferOutcome::Kind::WrongIdentification
+        : TransferOutcome::Kind::NoAnswer;
     if (!m_portOpen) {
         m_reopenBeforeAsking = true;
         m_opening = true;
+        m_outcome.kind = kind;
         actions += make(Action::OpenPort, m_state.PortNumber);
         return actions;
     }
-    actions += askLostConnection(portsTriedLine(m_portsTried, m_state.LanguageIndex));
+    actions += askLostConnection(kind);
     return actions;
 }
 
@@ -506,48 +487,71 @@ Actions CloneEngine::answered(bool retry)
     if (!m_asking)
         return {};
     m_asking = false;
-    Rejected = false;
+    m_t.Rejected = false;
     if (retry) {
-        Step = 0;
+        m_t.Step = 0;
+        m_outcome = {};
         if (!m_portOpen) {
             // The port went away: open it again; the attempt starts once it is.
             m_opening = true;
             return {make(Action::OpenPort, m_state.PortNumber)};
         }
-        RetryCount = 0;
+        m_t.RetryCount = 0;
         m_resent = false;
+        m_refusedIdentity.clear();
         Actions actions = resetProgress();
         actions += make(Action::DiscardBuffers);
-        SentStep = NothingSent;
+        m_t.SentStep = NothingSent;
         actions += make(Action::StartSendTimer, SendIntervalMs);
+        if (m_verifying)
+            actions += setStatus({TransferStatus::Kind::Verifying, m_state.PortNumber, 0, 0});
         return actions;
     }
-    Rejected = true;
+    m_t.Rejected = true;
     Actions actions;
-    if (Step == 0) {
-        m_state.PortNumber = SavedPort;
+    // A search that found nothing gives the chosen port back; a read-back
+    // stays on the port that took the write.
+    if (m_t.Step == 0 && !m_verifying) {
+        m_state.PortNumber = m_t.SavedPort;
         actions += make(Action::PortChanged, m_state.PortNumber);
     }
     actions += unload();
     return actions;
 }
 
+void CloneEngine::cancelled()
+{
+    if (m_unloaded)
+        return;
+    m_unloaded = true;
+    m_outcome = outcomeOf(TransferOutcome::Kind::Cancelled);
+}
+
 Actions CloneEngine::finishTransfer()
 {
     Actions actions;
-    Action message = make(Action::ShowMessage);
-    message.title = ModelName();
-    message.icon = MessageIcon::Information;
+    m_outcome = outcomeOf(TransferOutcome::Kind::Completed);
     if (m_direction == Direction::Read) {
         m_state.image.TakeSnapshot();
         m_state.LoadBandLimits();
         actions += make(Action::ReadCompleted);
-        message.text = ReadDone.in(m_state.LanguageIndex);
-    } else {
-        message.text = WriteDone.in(m_state.LanguageIndex);
+    } else if (m_verifying) {
+        // Every row written, compared with what came back, in the order of the steps.
+        for (int step = 2; step < m_t.LastStep; ++step) {
+            const int row = rowForStep(step);
+            if (row >= 0 && m_readBack.row(row) != m_state.image.row(row))
+                m_outcome.differingRows.append(row);
+        }
+        m_outcome.verifying = false;
+        m_outcome.verified = m_outcome.differingRows.isEmpty();
+        if (!m_outcome.verified)
+            m_outcome.kind = TransferOutcome::Kind::VerificationFailed;
     }
-    actions += message;
-    Finished = true;
+    actions += setStatus({});
+    Action report = make(Action::Report);
+    report.outcome = m_outcome;
+    actions += report;
+    m_t.Finished = true;
     actions += make(Action::StartTimeout, 1);
     actions += wait(WaitKind::AfterFinish, WaitAfterFrameMs);
     return actions;

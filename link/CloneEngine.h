@@ -1,6 +1,7 @@
 #pragma once
 
-#include "link/PortProblem.h"
+#include "core/MemoryImage.h"
+#include "link/TransferOutcome.h"
 
 #include <QByteArray>
 #include <QList>
@@ -64,11 +65,22 @@ struct AppState;
 // the same place between the read and the send. While a drain lasts the
 // 300 ms time-out is armed, so a line that never falls quiet counts as one
 // more failed frame against the retry budget of 7.
+//
+// Reading back a write. The radio answers a write row with an ACK that says
+// nothing about what it stored. With verification on, the session that
+// wrote the rows ends with "END" as always, and a second session on the
+// same port reads the same rows in the same order (steps 2-260 as read
+// requests, "END" at 261), keeping them apart from the image; the write
+// counts as done only when every row came back equal. The read-back is an
+// attempt like any other, with its own retry budget and the question at its
+// end, but no port search: the radio was on this port a moment ago.
+//
+// The engine speaks no language: it ends with a TransferOutcome and reports
+// its progress and status as numbers; the forms and the tool word them.
 class CloneEngine
 {
 public:
     enum class Direction { Read = 0, Write = 1 };
-    enum class MessageIcon { Information, Exclamation };
 
     struct Action
     {
@@ -86,22 +98,35 @@ public:
             Drain,             // value: ms; drop every byte waiting or arriving until none has
                                // come for that long, then answer with waitElapsed()
             ReadReply,         // read every waiting byte; answer with replyRead()
-            Progress,          // value: 0-188, text: the label
-            Status,            // text: what the transfer is doing beyond the progress; empty when nothing
+            Progress,          // value: 0-188
+            Status,            // status: what the transfer is doing beyond the progress
             PortChanged,       // value: the new PortNumber, for the status bar
-            AskLostConnection, // text, title; answer with answered()
-            ShowMessage,       // text, title, icon
+            AskLostConnection, // outcome: what Cancel would end with; answer with answered()
+            Report,            // outcome: how the transfer ended, told before the form closes
             ReadCompleted,     // image, snapshot and band limits are new: refresh
-            Unload,            // the transfer is over; close the form
+            Unload,            // the transfer is over (outcome()); close the form
         };
         Kind kind = Unload;
         int value = 0;
         QByteArray bytes;
-        QString text;
-        QString title;
-        MessageIcon icon = MessageIcon::Information;
+        TransferStatus status;
+        TransferOutcome outcome;
     };
     using Actions = QList<Action>;
+
+    // The transfer state, under the names the clone protocol gives it.
+    struct TransferState
+    {
+        qint16 Step = 0;            // the step being worked on; 0 at the start of an attempt
+        qint16 SentStep = NothingSent; // the step whose frame is out
+        qint16 LastStep = 262;      // the end frame's step: 262 for a read, 261 for a write
+        quint8 ReplyLength = 0;     // awaited length of the reply to the frame just sent
+        bool Finished = false;      // the transfer has ended and the form is to unload
+        bool Rejected = false;      // a reply was refused or the user cancelled
+        quint8 RetryCount = 0;      // automatic retries since the attempt began, 0-7
+        quint8 ScanIndex = 0;       // next entry of the port list for the port search
+        quint8 SavedPort = 1;       // PortNumber as the transfer started
+    };
 
     static constexpr int ProgressMaximum = 188;
     static constexpr int RetryBudget = 7;
@@ -112,10 +137,14 @@ public:
     static constexpr int WaitBeforeCloseMs = 5;
     static constexpr int ReplyQuietMs = 25;
     static constexpr qint16 NothingSent = 1800; // SentStep when the frame of Step is still to go
+    static constexpr char Ack = 0x06;
+    static constexpr char IdentifyRequest = 0x02;
+    static const QByteArray &openingCommand(); // "PROGRAM"
+    static const QByteArray &radioIdentity();  // "QAWPD6T"
+    static const QByteArray &endFrame();       // "END"
 
-    // The image, band limits, PortNumber and language of state are used and
-    // changed in place. portList gives the PortList of the scan (GetPortList
-    // when empty).
+    // The image, band limits and PortNumber of state are used and changed in
+    // place. portList gives the PortList of the scan (GetPortList when empty).
     explicit CloneEngine(AppState &state, std::function<QStringList()> portList = {});
 
     // With the port scan off, a radio that never acknowledges the opening
@@ -124,6 +153,11 @@ public:
     // another port belongs to another transfer. On by default.
     void setPortScan(bool on) { m_portScan = on; }
     bool portScan() const { return m_portScan; }
+    // With verification on, a completed write is read back, row by row over
+    // the same port, and compared with the image before it counts as done.
+    // Off by default; reads ignore it.
+    void setVerify(bool on) { m_verify = on; }
+    bool verify() const { return m_verify; }
 
     // Takes the direction from LinkDirection (enough for the captions).
     void prepare();
@@ -142,61 +176,61 @@ public:
     // The open port went away (a cable pulled); the driver has closed it.
     Actions portLost(const PortProblem &problem);
     Actions answered(bool retry);
+    // The form was closed: the driver has stopped everything. The outcome
+    // says Cancelled unless the transfer had already ended.
+    void cancelled();
 
-    // The frame and the awaited reply length of a step, for the direction.
+    // The frame and the awaited reply length of a step, for the direction
+    // (a read while the write is verified).
     QByteArray frameFor(int step) const;
     int replyLengthFor(int step) const;
     // Image row moved by a data step; -1 for steps that move none.
     static int rowForStep(int step);
-    // The lost-connection question with what is said under it, and its title.
-    static QString lostConnectionText(int language, const QString &detail);
-    static QString lostConnectionTitle(int language);
 
     Direction direction() const { return m_direction; }
-    QString caption() const;
-    QString progressText() const;
-    QString status() const { return m_status; }
+    const TransferState &transfer() const { return m_t; }
+    // How the transfer ended; meaningful once it has unloaded.
+    const TransferOutcome &outcome() const { return m_outcome; }
+    TransferStatus status() const { return m_status; }
     int progress() const { return m_progress; }
     bool waiting() const { return m_wait != WaitKind::None; }
     bool asking() const { return m_asking; }
     bool portOpen() const { return m_portOpen; }
+    bool verifying() const { return m_verifying; }
     int threshold() const { return m_threshold; }
-
-    // The transfer state, under the names the clone protocol gives it.
-    qint16 Step = 0;
-    qint16 SentStep = NothingSent;
-    qint16 LastStep = 262;
-    quint8 ReplyLength = 0;
-    bool Finished = false;
-    bool Rejected = false;
-    quint8 RetryCount = 0;
-    quint8 ScanIndex = 0;
-    quint8 SavedPort = 1;
 
 private:
     enum class WaitKind { None, AfterFrame, BeforeReply, BeforeClose, AfterFinish, Drain };
 
     Actions TransferDatas();
     Actions drain();
-    Actions setStatus(const QString &text);
-    Actions askLostConnection(const QString &detail);
+    Actions setStatus(const TransferStatus &status);
+    Actions askLostConnection(TransferOutcome::Kind kind);
+    TransferOutcome outcomeOf(TransferOutcome::Kind kind) const;
     void notePortTried(const QString &device);
     Actions beginAttempt();
     Actions reject();
     Actions countRowDone();
     Actions afterAccepted();
+    Actions endOfSession();
+    Actions startVerifying();
     Actions finishTransfer();
     Actions resetProgress();
     Actions wait(WaitKind kind, int ms);
     Actions unload();
+    bool reading() const { return m_direction == Direction::Read || m_verifying; }
 
     AppState &m_state;
     std::function<QStringList()> m_portList;
+    TransferState m_t;
+    TransferOutcome m_outcome;
     Direction m_direction = Direction::Read;
     WaitKind m_wait = WaitKind::None;
     int m_progress = 0;
     int m_threshold = 0;
     bool m_portScan = true;
+    bool m_verify = false;
+    bool m_verifying = false;   // the write is done; its rows are being read back
     bool m_portOpen = false;
     bool m_opening = false;
     bool m_asking = false;
@@ -205,8 +239,10 @@ private:
     bool m_scanOpening = false; // the port being opened was chosen by the port scan
     bool m_staleBytes = false;  // drain before the next frame: the last reply was long, or followed a resend
     bool m_resent = false;      // the frame awaiting its reply has been sent more than once
-    QString m_status;
+    QByteArray m_refusedIdentity; // the last identification refused, empty when none
+    TransferStatus m_status;
     QList<PortTried> m_portsTried;
+    MemoryImage m_readBack;     // the rows read back while verifying, in their image rows
 };
 
 } // namespace wr

@@ -42,11 +42,6 @@ int unixSerialNumber(const QString &portName)
     return k < limit ? base + k : 0;
 }
 
-QString comName(int number)
-{
-    return QStringLiteral("COM%1").arg(number);
-}
-
 // com<N> links of the folder, by number.
 std::map<int, QString> linkTargets(const QString &folder)
 {
@@ -75,13 +70,28 @@ std::map<int, QString> linkTargets(const QString &folder)
 
 } // namespace
 
+std::optional<int> portNumberOf(QStringView name)
+{
+    name = name.trimmed();
+    if (name.size() < 4 || name.size() > 6 || !name.startsWith(u"COM", Qt::CaseInsensitive))
+        return std::nullopt;
+    int number = 0;
+    for (const QChar c : name.sliced(3)) {
+        if (c < u'0' || c > u'9')
+            return std::nullopt;
+        number = number * 10 + (c.unicode() - u'0');
+    }
+    return number <= LastNumber ? std::optional<int>(number) : std::nullopt;
+}
+
+QString comName(int number)
+{
+    return QStringLiteral("COM%1").arg(number);
+}
+
 int PortEntry::number() const
 {
-    if (!name.startsWith(QLatin1String("COM"), Qt::CaseInsensitive))
-        return 0;
-    bool ok = false;
-    const int n = name.mid(3).toInt(&ok);
-    return ok ? n : 0;
+    return portNumberOf(name).value_or(0);
 }
 
 QList<PortEntry> buildPortCatalogue(const QList<SystemPort> &devices, const QString &linkFolder, bool windowsNames)

@@ -3,6 +3,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <QStringView>
 
 #include <functional>
 #include <optional>
@@ -21,6 +22,13 @@ struct PortEntry
     // The number after "COM", 0 when the name carries none.
     int number() const;
 };
+
+// The number of a port named "COM" + number: "COM7", "com7" and " COM12 "
+// give 7 and 12. Nothing for any other text, or a number past 255. The one
+// reader of port names: the port dialog, the port search and the tool.
+std::optional<int> portNumberOf(QStringView name);
+// The name of port number: "COM7".
+QString comName(int number);
 
 // What the operating system reports about one serial device, in the shape of
 // QSerialPortInfo (kept separate so the catalogue can be fed a made-up list).

@@ -1,6 +1,8 @@
 #include "link/PortProblem.h"
 
 #include "core/Language.h"
+#include "link/PortCatalogue.h"
+#include "link/PortInspection.h"
 
 #include <QFile>
 
@@ -39,6 +41,11 @@ constexpr Text LostAdvice{u"The port went away during the transfer: check that t
     u"传输过程中端口已断开：请检查写频线是否仍然插好，然后选择\u201C重试\u201D。",
     u"傳輸過程中端口已斷開：請檢查寫頻線是否仍然插好，然後選擇「重試」。"};
 
+constexpr Text LostAgainAdvice{u"The port went away during the transfer: check that the cable is still plugged in, "
+                               u"then run the command again for this port.",
+    u"传输过程中端口已断开：请检查写频线是否仍然插好，然后对此端口重新运行该命令。",
+    u"傳輸過程中端口已斷開：請檢查寫頻線是否仍然插好，然後對此端口重新執行該命令。"};
+
 constexpr Text ScanText{u"The radio did not answer on %1, so the automatic port search tried %2.",
     u"对讲机在 %1 上没有应答，因此自动端口搜索尝试了 %2。",
     u"對講機在 %1 上沒有應答，因此自動端口搜尋嘗試了 %2。"};
@@ -51,19 +58,27 @@ constexpr Text PortsTriedText{u"Ports tried: %1",
     u"已尝试的端口：%1",
     u"已嘗試的端口：%1"};
 
-QString comName(int number)
+} // namespace
+
+QString listSeparator(int language)
 {
-    return QStringLiteral("COM%1").arg(number);
+    return language == English ? QStringLiteral(", ") : QStringLiteral("、");
 }
 
-} // namespace
+QString printableBytes(const QByteArray &bytes)
+{
+    QString text;
+    for (const char byte : bytes)
+        text += byte >= 0x20 && byte < 0x7F ? QChar::fromLatin1(byte) : QChar(u'.');
+    return text;
+}
 
 QString portLabel(int number, const QString &device)
 {
     return device.isEmpty() ? comName(number) : QStringLiteral("%1 (%2)").arg(comName(number), device);
 }
 
-QString describePortProblem(int number, const PortProblem &problem, int language)
+QString describePortProblem(int number, const PortProblem &problem, int language, Wording wording)
 {
     QString text = portLabel(number, problem.device) + QStringLiteral(": ") + problem.systemText;
     switch (problem.kind) {
@@ -71,11 +86,13 @@ QString describePortProblem(int number, const PortProblem &problem, int language
         return text + u'\n' + MissingAdvice.in(language);
     case PortProblem::Kind::NoPermission:
         return text + u'\n'
-            + (problem.group.isEmpty() ? AccessAdvice.in(language) : GroupAdvice.in(language).arg(problem.group));
+            // Only a group that is for serial ports is one to join; a device
+            // of root, tty or disk is opened up by a udev rule instead.
+            + (isSerialGroup(problem.group) ? GroupAdvice.in(language).arg(problem.group) : AccessAdvice.in(language));
     case PortProblem::Kind::Busy:
         return text + u'\n' + BusyAdvice.in(language);
     case PortProblem::Kind::Lost:
-        return text + u'\n' + LostAdvice.in(language);
+        return text + u'\n' + (wording == Wording::Window ? LostAdvice : LostAgainAdvice).in(language);
     case PortProblem::Kind::Other:
         break;
     }
@@ -92,8 +109,7 @@ QString portsTriedLine(const QList<PortTried> &ports, int language)
     QStringList labels;
     for (const PortTried &port : ports)
         labels.append(portLabel(port.number, port.device));
-    const QString separator = language == English ? QStringLiteral(", ") : QStringLiteral("、");
-    return (ports.size() == 1 ? PortTriedText : PortsTriedText).in(language).arg(labels.join(separator));
+    return (ports.size() == 1 ? PortTriedText : PortsTriedText).in(language).arg(labels.join(listSeparator(language)));
 }
 
 QString deviceGroup(const QString &device)

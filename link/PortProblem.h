@@ -23,6 +23,10 @@ struct PortProblem
     QString group;      // NoPermission: the group that owns the device ("dialout"); empty when unknown
 };
 
+// Whom the words are for: a window (Retry buttons, the Set menu) or the
+// command line (run the command again, the doctor command).
+enum class Wording { Window, CommandLine };
+
 // A port tried during a transfer: its number and, once known, its device.
 struct PortTried
 {
@@ -30,12 +34,18 @@ struct PortTried
     QString device;
 };
 
+// Between the items of a list: ", " in English, "、" in Chinese.
+QString listSeparator(int language);
+// Bytes as text, a dot for each byte that does not print ("QAWPD7T", ".").
+QString printableBytes(const QByteArray &bytes);
+
 // "COM33 (/dev/ttyUSB0)", or "COM33" when the device is not known.
 QString portLabel(int number, const QString &device);
 
 // "COM33 (/dev/ttyUSB0): Permission denied" and, for the common cases, a
 // line of advice in the language given.
-QString describePortProblem(int number, const PortProblem &problem, int language);
+QString describePortProblem(int number, const PortProblem &problem, int language,
+                            Wording wording = Wording::Window);
 
 // Says that the port search, not the user, chose the port that failed.
 QString scanNote(int triedNumber, int chosenNumber, int language);

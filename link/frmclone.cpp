@@ -3,6 +3,7 @@
 #include "core/AppState.h"
 #include "link/CloneDriver.h"
 #include "link/CloneEngine.h"
+#include "link/TransferTexts.h"
 #include "core/Language.h"
 #include "ui/MessageBox.h"
 
@@ -54,36 +55,40 @@ frmclone::frmclone(QWidget *parent)
     layout->addLayout(buttons);
     setMinimumWidth(380);
 
+    const int language = app().LanguageIndex;
     CloneDriver::Prompts prompts;
-    prompts.askRetry = [this](const QString &title, const QString &text) {
-        return MessageBox::show(this, QMessageBox::Critical, title, text, QMessageBox::Retry | QMessageBox::Cancel,
+    prompts.askRetry = [this, language](const TransferOutcome &outcome) {
+        return MessageBox::show(this, QMessageBox::Critical, lostConnectionTitle(language),
+                                lostConnectionText(outcome, language), QMessageBox::Retry | QMessageBox::Cancel,
                                 QMessageBox::Retry)
             == QMessageBox::Retry;
     };
-    prompts.showMessage = [this](CloneEngine::MessageIcon icon, const QString &title, const QString &text) {
-        MessageBox::show(this,
-                         icon == CloneEngine::MessageIcon::Exclamation ? QMessageBox::Warning
-                                                                       : QMessageBox::Information,
-                         title, text);
+    // Completion is news; a port that failed or a write that did not read
+    // back equal is a warning.
+    prompts.report = [this, language](const TransferOutcome &outcome) {
+        MessageBox::show(this, outcome.succeeded() ? QMessageBox::Information : QMessageBox::Warning, ModelName(),
+                         outcomeText(outcome, language));
     };
     m_driver = std::make_unique<CloneDriver>(*m_engine, prompts);
-    connect(m_driver.get(), &CloneDriver::progressChanged, this, [this](int value, const QString &text) {
+    connect(m_driver.get(), &CloneDriver::progressChanged, this, [this, language](int value) {
         m_progress->setValue(value);
-        m_label->setText(text);
+        m_label->setText(progressLabel(value, language));
     });
-    connect(m_driver.get(), &CloneDriver::statusChanged, this, [this](const QString &text) {
+    connect(m_driver.get(), &CloneDriver::statusChanged, this, [this, language](const TransferStatus &status) {
+        const QString text = statusText(status, language);
         m_status->setText(text);
         m_status->setToolTip(text);
     });
     connect(m_driver.get(), &CloneDriver::portNumberChanged, this, &frmclone::portNumberChanged);
     connect(m_driver.get(), &CloneDriver::readCompleted, this, &frmclone::readCompleted);
-    connect(m_driver.get(), &CloneDriver::unloaded, this, [this] { done(m_engine->Finished ? Accepted : Rejected); });
+    connect(m_driver.get(), &CloneDriver::unloaded, this,
+            [this] { done(m_engine->outcome().succeeded() ? Accepted : Rejected); });
 
-    // Captions as the form loads; the engine words them by LinkDirection.
+    // Captions as the form loads, by LinkDirection.
     m_engine->prepare();
-    setWindowTitle(m_engine->caption());
-    m_label->setText(m_engine->progressText());
-    cancel->setText(Words::Cancel.in(app().LanguageIndex));
+    setWindowTitle(transferCaption(m_engine->direction() == CloneEngine::Direction::Read, language));
+    m_label->setText(progressLabel(0, language));
+    cancel->setText(Words::Cancel.in(language));
 }
 
 frmclone::~frmclone()
@@ -102,6 +107,16 @@ void frmclone::TransferDatas()
 bool frmclone::isTransferring() const
 {
     return m_driver->isRunning();
+}
+
+void frmclone::setVerifyAfterWrite(bool on)
+{
+    m_engine->setVerify(on);
+}
+
+const TransferOutcome &frmclone::outcome() const
+{
+    return m_engine->outcome();
 }
 
 void frmclone::showEvent(QShowEvent *event)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/TransferOutcome.h"
+
 #include <QDialog>
 
 #include <memory>
@@ -16,7 +18,8 @@ class CloneEngine;
 // (LinkDirection 0) or writes the image into it (1) over "COM" + PortNumber,
 // and owns the serial port for the length of the transfer. Under the bar a
 // line says when the transfer retries or the port search moves on; Cancel
-// ends the transfer as closing the form does.
+// ends the transfer as closing the form does. A write can be read back and
+// compared before it counts as done.
 class frmclone : public QDialog
 {
     Q_OBJECT
@@ -31,6 +34,13 @@ public:
 
     // True while a transfer is under way (port open or being retried).
     bool isTransferring() const;
+
+    // Reads a completed write back and compares it before calling it done;
+    // the line under the bar says "Verifying…" meanwhile. Set before the
+    // form is shown.
+    void setVerifyAfterWrite(bool on);
+    // How the transfer ended, once the form has closed.
+    const TransferOutcome &outcome() const;
 
 Q_SIGNALS:
     // A read finished: the image, snapshot and band limits are new; the main

@@ -61,6 +61,8 @@ constexpr int CommitClearedAddress = 0x0CD0;
 constexpr Text ContinueQuestion{u"Do you wish to continue?", u"是否继续？", u"是否繼續？"};
 
 // The values of LinkDirection.
+constexpr QStringView VerifySetting = u"VerifyWrites"; // "0": writes are not read back
+
 constexpr quint8 ReadFromRadio = 0;
 constexpr quint8 WriteToRadio = 1;
 
@@ -122,6 +124,7 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
     setCentralWidget(split);
 
     buildMenus();
+    m_verify = findChild<QAction *>(u"mnuVerify"_s);
     buildToolBar();
     m_status = new StatusPanels(statusBar());
 
@@ -146,6 +149,9 @@ void MDIForm1::Form_Load()
     // Settings, the open-forms flags, the tone table, the grid sizes, the
     // file name and the fresh image with its band limits.
     StartUp(app(), *m_settings);
+    // Writes are read back unless the user said otherwise.
+    const auto root = SettingsStore::Root::LocalMachine;
+    m_verify->setChecked(m_settings->GetKeyValue(root, SettingsStore::keyPath(), VerifySetting.toString()) != u"0");
     resize(StartUpSize);
     buildTree();
     RefreshMainWindow();
@@ -163,6 +169,7 @@ struct MenuItem
     QKeyCombination shortcut = {};
     bool shown = true;
     bool separator = false;
+    bool checkable = false; // a setting, ticked or not
 };
 
 struct Menu
@@ -242,6 +249,8 @@ void MDIForm1::buildMenus()
     };
     static constexpr MenuItem Set[]{
         {u"mnuPort", {u"Communication Port(&C)", u"通信端口(&C)", u"通信端口(&C)"}, ChannelEdit, &MDIForm1::choosePort},
+        {u"mnuVerify", {u"Verify After Writing(&V)", u"写入后校验(&V)", u"寫入後校驗(&V)"}, Nothing,
+         &MDIForm1::rememberVerify, {}, true, false, true},
         separator(u"mnuFile_Bar5", true),
         {u"mnuLanguage", {u"Language File Setup(&L)", u"语言设置(&L)", u"語言設置(&L)"}, ChannelEditAndStep,
          &MDIForm1::chooseLanguage},
@@ -275,6 +284,7 @@ void MDIForm1::buildMenus()
             if (item.separator)
                 continue;
             action->setShortcut(item.shortcut);
+            action->setCheckable(item.checkable);
             m_captions.append({action, item.caption});
             addCommand(action, item.commit, item.handler);
         }
@@ -478,6 +488,12 @@ void MDIForm1::choosePort()
     showPortPanel();
 }
 
+void MDIForm1::rememberVerify()
+{
+    m_settings->SetKeyValue(SettingsStore::Root::LocalMachine, SettingsStore::keyPath(), VerifySetting.toString(),
+                            m_verify->isChecked() ? u"1"_s : u"0"_s);
+}
+
 void MDIForm1::chooseLanguage()
 {
     LanguageForm form(language(), this);
@@ -523,6 +539,7 @@ void MDIForm1::transfer(quint8 direction)
     // The progress form owns the port for the length of one transfer and
     // may release itself when it unloads, hence the guarded pointer.
     QPointer<frmclone> form = new frmclone(this);
+    form->setVerifyAfterWrite(m_verify->isChecked());
     connect(form, &frmclone::portNumberChanged, this, &MDIForm1::showPortPanel);
     connect(form, &frmclone::readCompleted, this, &MDIForm1::RefreshMainWindow);
     connect(form, &frmclone::readCompleted, this, [this] { keepBackup(BackupReason::Read); });

@@ -112,6 +112,8 @@ private:
     void fileExit();
     void showChannelList();
     void choosePort();
+    // Keeps Verify After Writing's tick for the next run.
+    void rememberVerify();
     void chooseLanguage();
     void showAbout();
     // Asks before a transfer in a direction (LinkDirection's 0 reads, 1
@@ -142,6 +144,7 @@ private:
     QPointer<frmMemoryMap> m_memoryMap; // open beside this window, at most one
     QTreeWidget *m_tree = nullptr;
     QToolBar *m_toolBar = nullptr;
+    QAction *m_verify = nullptr; // Verify After Writing
     StatusPanels *m_status = nullptr;
     QList<std::pair<QAction *, Text>> m_captions;       // the menus'
     QList<std::pair<QTreeWidgetItem *, Text>> m_nodeCaptions; // the tree's

@@ -1,5 +1,6 @@
 #include "shell/frmComPort.h"
 
+#include "link/DoctorTexts.h"
 #include "shell/AppIcon.h"
 
 #include <QComboBox>
@@ -7,7 +8,8 @@
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QRegularExpression>
+#include <QPushButton>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -15,11 +17,16 @@ namespace wr {
 
 namespace {
 
+constexpr Text TestCaption{u"&Test", u"测试(&T)", u"測試(&T)"};
+constexpr Text CancelTest{u"Cancel &Test", u"取消测试(&T)", u"取消測試(&T)"};
+constexpr Text TestResultName{u"Connection test result", u"连接测试结果", u"連接測試結果"};
+
 constexpr Caption Captions[]{
     {u"frmComPort", {u"Communication Port", u"通信端口", u"通信端口"}},
     {u"Label1", {u"COMM", u"串口", u"串口"}},
     {u"Label2", {u"Device:", u"设备：", u"設備："}},
     {u"Label3", {u"Description:", u"描述：", u"描述："}},
+    {u"cmdTest", TestCaption},
     {u"CmdOK", Words::OK},
     {u"cmdCancel", Words::Cancel},
 };
@@ -29,6 +36,7 @@ constexpr FieldTable Texts{.captions = Captions};
 
 frmComPort::frmComPort(quint8 portNumber, Language language, QWidget *parent)
     : FormDialog(language, parent)
+    , m_doctor(new ConnectionDoctor(this))
     , m_portNumber(portNumber)
 {
     setObjectName(u"frmComPort"_s);
@@ -55,12 +63,29 @@ frmComPort::frmComPort(quint8 portNumber, Language language, QWidget *parent)
     descriptionName->setBuddy(m_lblDescription);
     detailsLayout->addRow(descriptionName, m_lblDescription);
 
+    // The connection test: its button before OK in the Tab order, at the
+    // left of the button row; what it found under the port, as wide as the
+    // dialog and as tall as the words need.
+    m_cmdTest = makeControl<QPushButton>(u"cmdTest"_s);
+    m_cmdTest->setAutoDefault(false);
+    m_lblTestResult = makeControl<QLabel>(u"lblTestResult"_s);
+    m_lblTestResult->setWordWrap(true);
+    m_lblTestResult->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    QSizePolicy wraps(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    wraps.setHeightForWidth(true);
+    m_lblTestResult->setSizePolicy(wraps);
+    m_lblTestResult->setAccessibleDescription(TestResultName.in(language));
+
     auto *top = new QHBoxLayout;
     top->addWidget(label1, 0, Qt::AlignTop);
     top->addWidget(m_combo1, 0, Qt::AlignTop);
     top->addSpacing(12);
     top->addWidget(details, 1);
-    layOutWithButtons(top, u"CmdOK"_s, u"cmdCancel"_s, 12);
+    auto *content = new QVBoxLayout;
+    content->addLayout(top);
+    content->addWidget(m_lblTestResult);
+    const ButtonRow buttons = layOutWithButtons(content, u"CmdOK"_s, u"cmdCancel"_s, 12);
+    buttons.layout->insertWidget(0, m_cmdTest);
     caption(Texts);
 
     // The user may also type a port name the system does not list (a cable
@@ -84,23 +109,31 @@ frmComPort::frmComPort(quint8 portNumber, Language language, QWidget *parent)
 
     showDetails();
     connect(m_combo1, &QComboBox::currentTextChanged, this, &frmComPort::showDetails);
+    connect(m_cmdTest, &QPushButton::clicked, this, &frmComPort::cmdTest_Click);
+    connect(m_doctor, &ConnectionDoctor::waitingForDevice, this, [this](int port, int msLeft) {
+        m_lblTestResult->setText(doctorWaitingText(port, msLeft, this->language()));
+    });
+    connect(m_doctor, &ConnectionDoctor::askingRadio, this,
+            [this](int port) { m_lblTestResult->setText(doctorAskingText(port, this->language())); });
+    connect(m_doctor, &ConnectionDoctor::finished, this, &frmComPort::showTestResult);
 }
 
-std::optional<quint8> frmComPort::portNumberOf(const QString &text)
+std::optional<quint8> frmComPort::chosenPort() const
 {
-    static const QRegularExpression pattern(u"^COM(\\d{1,3})$"_s, QRegularExpression::CaseInsensitiveOption);
-    const QRegularExpressionMatch match = pattern.match(text.trimmed());
-    if (!match.hasMatch())
-        return std::nullopt;
-    const int number = match.captured(1).toInt();
-    if (number > 255)
-        return std::nullopt;
-    return static_cast<quint8>(number);
+    const std::optional<int> number = portNumberOf(m_combo1->currentText());
+    return number ? std::optional<quint8>(static_cast<quint8>(*number)) : std::nullopt;
 }
 
 void frmComPort::showDetails()
 {
-    const std::optional<quint8> number = portNumberOf(m_combo1->currentText());
+    // Another port chosen: a test of the one before says nothing about it.
+    if (m_doctor->isRunning()) {
+        m_doctor->cancel();
+        setTestRunning(false);
+    }
+    m_lblTestResult->clear();
+    const std::optional<quint8> number = chosenPort();
+    m_cmdTest->setEnabled(number.has_value());
     std::optional<PortEntry> entry;
     if (number)
         entry = findPort(m_ports, *number);
@@ -120,9 +153,47 @@ void frmComPort::accept()
 {
     // A text that names no port leaves the port as it was: there is nothing
     // sensible to store from it.
-    if (const std::optional<quint8> number = portNumberOf(m_combo1->currentText()))
+    if (const std::optional<quint8> number = chosenPort())
         m_portNumber = *number;
     QDialog::accept();
+}
+
+void frmComPort::cmdTest_Click()
+{
+    // While it runs, the button cancels it; a wait for the cable ends with
+    // the ports there are.
+    if (m_doctor->isRunning()) {
+        m_doctor->cancel();
+        setTestRunning(m_doctor->isRunning());
+        return;
+    }
+    const std::optional<quint8> number = chosenPort();
+    if (!number)
+        return;
+    setTestRunning(true);
+    m_doctor->start(*number, ConnectionDoctor::DefaultWaitMs);
+}
+
+void frmComPort::showTestResult(const Diagnosis &diagnosis)
+{
+    setTestRunning(false);
+    // A cable plugged in meanwhile joins the list, under the name the test gives it.
+    const QString chosen = m_combo1->currentText();
+    m_ports = portCatalogue();
+    const QSignalBlocker quiet(m_combo1);
+    m_combo1->clear();
+    const QStringList names = portListOf(m_ports);
+    if (!names.first().isEmpty())
+        m_combo1->addItems(names);
+    m_combo1->setCurrentIndex(m_combo1->findText(chosen, Qt::MatchExactly | Qt::MatchCaseSensitive));
+    m_combo1->setEditText(chosen);
+    showDetails();
+    m_lblTestResult->setText(diagnosisDetail(diagnosis, language()) + u'\n' + diagnosisAdvice(diagnosis, language()));
+}
+
+void frmComPort::setTestRunning(bool running)
+{
+    m_cmdTest->setText((running ? CancelTest : TestCaption).in(language()));
 }
 
 } // namespace wr

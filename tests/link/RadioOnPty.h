@@ -11,24 +11,25 @@
 namespace wr::test {
 
 // A virtual radio on a pseudo-terminal in this process, listed as COM200
-// through a link in a private serial-ports folder; the system's own serial
-// devices are hidden so a port scan only sees the radio of the test. Without
-// pacing every answer is on the line at once.
+// (or the port given) through a link in a private serial-ports folder; the
+// system's own serial devices are hidden so a port scan only sees the
+// radios of the test. Without pacing every answer is on the line at once.
 class RadioOnPty
 {
 public:
-    explicit RadioOnPty(const QString &folder, sim::RadioFaults faults = {}, bool pacing = false)
+    explicit RadioOnPty(const QString &folder, sim::RadioFaults faults = {}, bool pacing = false, int com = 200)
         : radio(faults)
         , m_line(radio, pacing)
+        , m_link(folder + QStringLiteral("/com%1").arg(com))
     {
         QDir().mkpath(folder);
         setSerialPortsFolder(folder);
         setSystemPortSource([] { return QList<SystemPort>{}; });
-        m_open = m_line.open() && QFile::link(m_line.devicePath(), folder + QStringLiteral("/com200"));
+        m_open = m_line.open() && QFile::link(m_line.devicePath(), m_link);
     }
     ~RadioOnPty()
     {
-        QFile::remove(serialPortsFolder() + QStringLiteral("/com200"));
+        QFile::remove(m_link);
         setSerialPortsFolder(QString());
         setSystemPortSource({});
     }
@@ -41,13 +42,14 @@ public:
     void hangUp()
     {
         m_line.hangUp();
-        QFile::remove(serialPortsFolder() + QStringLiteral("/com200"));
+        QFile::remove(m_link);
     }
 
     sim::VirtualRadio radio;
 
 private:
     sim::PtyRadio m_line;
+    QString m_link;
     bool m_open = false;
 };
 

@@ -2,7 +2,9 @@
 #include "TestSuite.h"
 
 #include "core/AppState.h"
+#include "core/Language.h"
 #include "link/CloneEngine.h"
+#include "link/TransferTexts.h"
 
 #include "VirtualRadio.h"
 
@@ -16,6 +18,7 @@ using namespace Qt::Literals::StringLiterals;
 using wr::sim::RadioFaults;
 using wr::sim::VirtualRadio;
 using Action = wr::CloneEngine::Action;
+using Kind = wr::TransferOutcome::Kind;
 
 Q_DECLARE_METATYPE(wr::sim::RadioFaults)
 
@@ -44,7 +47,8 @@ struct FakeLink
     QList<QPair<int, QByteArray>> frames; // port, bytes
     QList<int> portChanges;
     QList<qint64> questionTimes; // ms
-    QStringList questions, messages, statuses;
+    QList<TransferOutcome> questions, reports;
+    QStringList statuses;
     int port = 0, threshold = 0;
     bool unloaded = false, draining = false, cablePulled = false;
     int quietMs = 0;
@@ -142,15 +146,15 @@ struct FakeLink
             case Action::StopTimeout: due[1] = -1; break;
             case Action::Wait: due[0] = now + a.value * 1000, draining = false; break;
             case Action::Drain: due[0] = now + (quietMs = a.value) * 1000, draining = true, rx.clear(); break;
-            case Action::Status: statuses.append(a.text); break;
+            case Action::Status: statuses.append(statusText(a.status, English)); break;
             case Action::ReadReply: perform(engine.replyRead(std::exchange(rx, {}))); break;
             case Action::PortChanged: portChanges.append(a.value); break;
             case Action::AskLostConnection:
                 questionTimes.append(nowMs());
-                questions.append(a.text);
+                questions.append(a.outcome);
                 perform(engine.answered(std::exchange(retry, false)));
                 break;
-            case Action::ShowMessage: messages.append(a.text); break;
+            case Action::Report: reports.append(a.outcome); break;
             case Action::Unload: unloaded = true; break;
             default: break; // progress and refresh: what the form shows
             }
@@ -172,6 +176,8 @@ class TestCloneEngine : public test::Suite
 private Q_SLOTS:
     void transfer_data();
     void transfer();
+    void verification_data();
+    void verification();
     void portScan_data();
     void portScan();
     void cablePulled();
@@ -188,28 +194,33 @@ void TestCloneEngine::transfer_data()
     QTest::addColumn<int>("progress"); // at the closing message; -1: the transfer failed
     QTest::addColumn<int>("identityRequests");
     QTest::addColumn<QString>("status"); // the last line shown under the bar; it goes when the transfer moves on
+    QTest::addColumn<Kind>("ends");
 
     const QList<int> none, seven{4, 9, 30, 31, 32, 100, 150};
     const QString noAnswer = u"No answer on COM2, retrying (%1 of 7)\u2026"_s;
-    QTest::newRow("read ends at 188") << true << RadioFaults{} << none << false << 188 << 1 << QString();
-    QTest::newRow("write ends at 187") << false << RadioFaults{} << none << false << 187 << 1 << QString();
+    QTest::newRow("read ends at 188")
+        << true << RadioFaults{} << none << false << 188 << 1 << QString() << Kind::Completed;
+    QTest::newRow("write ends at 187")
+        << false << RadioFaults{} << none << false << 187 << 1 << QString() << Kind::Completed;
     QTest::newRow("identification one off: 8 requests, no scan")
         << true << RadioFaults{.wrongId = true} << none << false << -1 << 8
-        << u"Unexpected answer on COM2, retrying (7 of 7)\u2026"_s;
+        << u"Unexpected answer on COM2, retrying (7 of 7)\u2026"_s << Kind::WrongIdentification;
     // Each resend starts the bar over: 46 rows follow the last lost reply.
     QTest::newRow("seven lost replies are resent")
-        << true << RadioFaults{} << seven << false << 46 << 1 << noAnswer.arg(7);
+        << true << RadioFaults{} << seven << false << 46 << 1 << noAnswer.arg(7) << Kind::Completed;
     QTest::newRow("eighth lost reply spends the budget")
-        << true << RadioFaults{} << seven + QList<int>{170} << false << -1 << 1 << noAnswer.arg(7);
+        << true << RadioFaults{} << seven + QList<int>{170} << false << -1 << 1 << noAnswer.arg(7) << Kind::NoAnswer;
     QTest::newRow("Retry starts over from PROGRAM")
-        << true << RadioFaults{.hangUpAfterRows = 10} << none << true << 188 << 2 << noAnswer.arg(7);
+        << true << RadioFaults{.hangUpAfterRows = 10} << none << true << 188 << 2 << noAnswer.arg(7)
+        << Kind::Completed;
     // One resend of row 40, after which the bar counts the other 148 rows.
     QTest::newRow("read, one reply past the time-out")
-        << true << RadioFaults{.lateReplyRow = 40} << none << false << 148 << 1 << noAnswer.arg(1);
+        << true << RadioFaults{.lateReplyRow = 40} << none << false << 148 << 1 << noAnswer.arg(1) << Kind::Completed;
     QTest::newRow("read, one reply across the time-out")
-        << true << RadioFaults{.splitReplyRow = 40} << none << false << 148 << 1 << noAnswer.arg(1);
+        << true << RadioFaults{.splitReplyRow = 40} << none << false << 148 << 1 << noAnswer.arg(1)
+        << Kind::Completed;
     QTest::newRow("write, a late second ACK")
-        << false << RadioFaults{.duplicateAckRow = 40} << none << false << 187 << 1 << QString();
+        << false << RadioFaults{.duplicateAckRow = 40} << none << false << 187 << 1 << QString() << Kind::Completed;
 }
 
 void TestCloneEngine::transfer()
@@ -221,6 +232,7 @@ void TestCloneEngine::transfer()
     QFETCH(int, progress);
     QFETCH(int, identityRequests);
     QFETCH(QString, status);
+    QFETCH(Kind, ends);
     const bool completes = progress > 0;
 
     AppState &state = test::transferState(0, read, 2);
@@ -234,23 +246,29 @@ void TestCloneEngine::transfer()
     link.run();
 
     QVERIFY(link.unloaded);
-    QCOMPARE(engine.Finished, completes);
+    QCOMPARE(engine.transfer().Finished, completes);
+    QCOMPARE(engine.outcome().kind, ends);
     QCOMPARE(link.questionTimes.size(), completes && !retry ? 0 : 1);
+    if (!completes) // what the question said Cancel would end with is how it ended
+        QCOMPARE(link.questions.first().kind, ends);
+    if (ends == Kind::WrongIdentification)
+        QCOMPARE(engine.outcome().identity, QByteArray("QAWPD7T"));
     QVERIFY(link.portChanges.isEmpty()); // the opening command was answered: no scan
     QCOMPARE(link.count(2, "PROGRAM"), retry ? 2 : 1);
     QCOMPARE(link.count(2, QByteArray(1, 0x02)), identityRequests);
-    QCOMPARE(link.messages.size(), completes ? 1 : 0); // "Reading completed!"
+    QCOMPARE(link.reports.size(), completes ? 1 : 0); // "Reading completed!"
     const QStringList shown = link.statuses.filter(u"COM"_s);
     QCOMPARE(shown.isEmpty() ? QString() : shown.last(), status);
     if (!completes)
         return;
-    QCOMPARE(engine.status(), QString());
+    QCOMPARE(link.reports.first().read, read);
+    QCOMPARE(engine.status(), TransferStatus{});
     QCOMPARE(engine.progress(), progress);
     // Every row moved is an exact copy: no byte of one answer ends up in another row.
     for (const int row : test::transferredRows(read))
         QCOMPARE(state.image.row(row), radio.memory().row(row));
     if (progress >= 187) { // no resend: one frame per step of the last attempt
-        QCOMPARE(engine.progressText(), u"Completion percentage:  %1%"_s.arg(read ? 100 : 99));
+        QCOMPARE(progressLabel(engine.progress(), English), u"Completion percentage:  %1%"_s.arg(read ? 100 : 99));
         QCOMPARE(link.frames.size() - (retry ? link.frames.indexOf({2, "PROGRAM"}, 1) : 0), 2 + progress + 1);
     }
     QCOMPARE(link.frames.last().second, QByteArray("END"));
@@ -263,6 +281,83 @@ void TestCloneEngine::transfer()
     QCOMPARE(jump.at(0), read ? 'R' : 'W');
 }
 
+void TestCloneEngine::verification_data()
+{
+    QTest::addColumn<RadioFaults>("faults");
+    QTest::addColumn<QList<int>>("lostReplies"); // frame indexes; the read-back's PROGRAM is frame 190
+    QTest::addColumn<bool>("retry");
+    QTest::addColumn<Kind>("ends");
+    QTest::addColumn<QList<int>>("differingRows");
+
+    QTest::newRow("every row back equal") << RadioFaults{} << QList<int>{} << false << Kind::Completed << QList<int>{};
+    for (const int row : {0, 230, 409}) {
+        QTest::addRow("row %d stored wrong", row)
+            << RadioFaults{.corruptRow = row} << QList<int>{} << false << Kind::VerificationFailed << QList<int>{row};
+    }
+    // A read-back reply lost now and then is resent like any other.
+    QTest::newRow("read-back replies lost, resent")
+        << RadioFaults{} << QList<int>{200, 300} << false << Kind::Completed << QList<int>{};
+    // The radio stops answering during the read-back: the question comes,
+    // Retry reads back from "PROGRAM" again; no port search.
+    QTest::newRow("read-back interrupted, Retry")
+        << RadioFaults{} << QList<int>{250, 251, 252, 253, 254, 255, 256, 257} << true << Kind::Completed
+        << QList<int>{};
+    QTest::newRow("read-back interrupted, Cancel")
+        << RadioFaults{} << QList<int>{250, 251, 252, 253, 254, 255, 256, 257} << false << Kind::NoAnswer
+        << QList<int>{};
+}
+
+// A write read back: the same rows are asked for in the same order in a
+// second session, and compared with the image; the radio is never written
+// again and the image never changes.
+void TestCloneEngine::verification()
+{
+    QFETCH(RadioFaults, faults);
+    QFETCH(QList<int>, lostReplies);
+    QFETCH(bool, retry);
+    QFETCH(Kind, ends);
+    QFETCH(QList<int>, differingRows);
+
+    AppState &state = test::transferState(0, false, 2);
+    VirtualRadio radio(faults);
+    test::fillPattern(radio.memory(), 3);
+    test::fillPattern(state.image, 4);
+    const MemoryImage before = state.image;
+    CloneEngine engine(state, [] { return QStringList{u"COM1"_s, u"COM2"_s}; });
+    engine.setVerify(true);
+    FakeLink link(engine, 2, &radio);
+    link.lostReplies = {lostReplies.begin(), lostReplies.end()};
+    link.retry = retry;
+    link.run();
+
+    QVERIFY(link.unloaded);
+    QCOMPARE(engine.outcome().kind, ends);
+    QCOMPARE(engine.outcome().differingRows, differingRows);
+    QCOMPARE(engine.outcome().verified, ends == Kind::Completed);
+    QCOMPARE(engine.outcome().verifying, ends == Kind::NoAnswer); // the write itself went through
+    QVERIFY(state.image == before);
+    QVERIFY(link.portChanges.isEmpty());
+    QCOMPARE(link.reports.size(), ends == Kind::NoAnswer ? 0 : 1);
+    QVERIFY(link.statuses.contains(u"Verifying\u2026"_s));
+    // The write went out once, row by row; every later frame reads.
+    const auto firstEnd = std::find_if(link.frames.begin(), link.frames.end(),
+                                       [](const auto &frame) { return frame.second == "END"; });
+    QCOMPARE(std::count_if(link.frames.begin(), firstEnd, [](const auto &f) { return f.second.startsWith('W'); }), 187);
+    QVERIFY(std::none_of(firstEnd, link.frames.end(), [](const auto &f) { return f.second.startsWith('W'); }));
+    QCOMPARE(link.count(2, "END"), ends == Kind::NoAnswer ? 1 : 2);
+    if (ends != Kind::NoAnswer) {
+        // The read-back of its last attempt asked for exactly the rows
+        // written, in their order (a resend asks for its row again).
+        QList<int> asked;
+        for (auto frame = link.frames.rbegin(); frame != link.frames.rend() && frame->second != "PROGRAM"; ++frame) {
+            const int row = addressOf(frame->second) / 16;
+            if (frame->second.startsWith('R') && (asked.isEmpty() || asked.first() != row))
+                asked.prepend(row);
+        }
+        QCOMPARE(asked, test::transferredRows(false));
+    }
+}
+
 void TestCloneEngine::portScan_data()
 {
     QTest::addColumn<bool>("scan");
@@ -270,19 +365,18 @@ void TestCloneEngine::portScan_data()
     QTest::addColumn<int>("radioPort");
     QTest::addColumn<QList<int>>("portChanges");
     QTest::addColumn<int>("openingFramesOnChosenPort");
-    QTest::addColumn<QString>("portsTried"); // under the lost-connection question
+    QTest::addColumn<QList<int>>("portsTried"); // said under the lost-connection question
 
     // The chosen port 5 opens, but nothing answers there; each port tried
     // gets the opening command 1 + 7 times.
     QTest::newRow("radio found on a listed port, which is kept")
-        << true << QStringList{u"COM1"_s, u"COM4"_s, u"COM5"_s} << 4 << QList<int>{1, 4} << 8 << QString();
+        << true << QStringList{u"COM1"_s, u"COM4"_s, u"COM5"_s} << 4 << QList<int>{1, 4} << 8 << QList<int>{};
     QTest::newRow("no radio: Cancel gives the chosen port back")
-        << true << QStringList{u"COM1"_s, u"COM5"_s} << 0 << QList<int>{1, 5, 5} << 16
-        << u"Ports tried: COM5, COM1"_s;
+        << true << QStringList{u"COM1"_s, u"COM5"_s} << 0 << QList<int>{1, 5, 5} << 16 << QList<int>{5, 1};
     QTest::newRow("no port listed: straight to the question")
-        << true << QStringList{QString()} << 0 << QList<int>{5} << 8 << u"Port tried: COM5"_s;
+        << true << QStringList{QString()} << 0 << QList<int>{5} << 8 << QList<int>{5};
     QTest::newRow("scan off: a radio on another port is never looked for")
-        << false << QStringList{u"COM1"_s, u"COM4"_s, u"COM5"_s} << 4 << QList<int>{5} << 8 << u"Port tried: COM5"_s;
+        << false << QStringList{u"COM1"_s, u"COM4"_s, u"COM5"_s} << 4 << QList<int>{5} << 8 << QList<int>{5};
 }
 
 void TestCloneEngine::portScan()
@@ -292,7 +386,7 @@ void TestCloneEngine::portScan()
     QFETCH(int, radioPort);
     QFETCH(QList<int>, portChanges);
     QFETCH(int, openingFramesOnChosenPort);
-    QFETCH(QString, portsTried);
+    QFETCH(QList<int>, portsTried);
     const int foundOn = scan ? radioPort : 0;
 
     AppState &state = test::transferState(0, true, 5);
@@ -305,14 +399,17 @@ void TestCloneEngine::portScan()
     QVERIFY(link.unloaded);
     QCOMPARE(link.portChanges, portChanges);
     QCOMPARE(int{state.PortNumber}, foundOn ? foundOn : 5);
-    QCOMPARE(engine.Finished, foundOn != 0);
+    QCOMPARE(engine.outcome().kind, foundOn ? Kind::Completed : Kind::NoAnswer);
     QCOMPARE(link.count(5, "PROGRAM"), openingFramesOnChosenPort);
     QCOMPARE(link.count(radioPort, "PROGRAM"), radioPort == 5 ? openingFramesOnChosenPort : foundOn ? 1 : 0);
     // A dead attempt is bounded: 8 frames, 300 ms each, and a quiet line before each resend.
     if (ports.first().isEmpty() || !scan)
         QVERIFY(link.questionTimes.value(0) >= 2400 && link.questionTimes.value(0) < 2700);
-    QCOMPARE(link.questions, portsTried.isEmpty() ? QStringList{}
-                                                  : QStringList{u"Check Connection. Retry or Cancel?\n\n"_s + portsTried});
+    QCOMPARE(link.questions.size(), portsTried.isEmpty() ? 0 : 1);
+    QList<int> tried;
+    for (const PortTried &port : engine.outcome().portsTried)
+        tried.append(port.number);
+    QCOMPARE(portsTried.isEmpty() ? QList<int>{} : tried, portsTried);
     // Each port the scan moves to is named under the bar; Cancel's return to port 5 is not a scan step.
     QStringList trying;
     for (const int port : foundOn ? portChanges : portChanges.first(portChanges.size() - 1))
@@ -334,13 +431,14 @@ void TestCloneEngine::cablePulled()
 
     QVERIFY(link.unloaded);
     QCOMPARE(link.frames.size(), 30);
-    QCOMPARE(engine.RetryCount, quint8{0}); // no resends into a port that is gone
-    QCOMPARE(link.questions,
-             QStringList{u"Check Connection. Retry or Cancel?\n\nCOM33 (/dev/ttyUSB0): Input/output error\n"
-                         "The port went away during the transfer: check that the cable is still plugged in, then "
-                         "choose Retry."_s});
-    QCOMPARE(link.messages, QStringList{u"COM33 (/dev/ttyUSB0): No such file or directory\nCheck that the programming "
-                                        "cable is plugged in and that this is the right port."_s});
+    QCOMPARE(engine.transfer().RetryCount, quint8{0}); // no resends into a port that is gone
+    QCOMPARE(link.questions.size(), 1);
+    QCOMPARE(link.questions.first().kind, Kind::PortLost);
+    QCOMPARE(link.questions.first().problem.systemText, u"Input/output error"_s);
+    QCOMPARE(link.reports.size(), 1);
+    QCOMPARE(engine.outcome().kind, Kind::PortFailed);
+    QCOMPARE(engine.outcome().problem.kind, PortProblem::Kind::Missing);
+    QCOMPARE(engine.outcome().port, 33);
     QCOMPARE(engine.progress(), 28); // the rows before stay read
 }
 
@@ -376,15 +474,15 @@ void TestCloneEngine::replyWhileRejectedChangesNothing()
     engine.sendTick(0); // 02
     engine.waitElapsed();
     QVERIFY(has(engine.replyRead("QAWPD6X"), Action::StartTimeout, 1, {}));
-    QVERIFY(engine.Rejected);
+    QVERIFY(engine.transfer().Rejected);
     // A late reply arriving now is not even read.
     QVERIFY(engine.dataWaiting().isEmpty());
-    QCOMPARE(engine.Step, qint16{1});
+    QCOMPARE(engine.transfer().Step, qint16{1});
     // The time-out tick that follows drains the line and then resends the
     // identification request.
     QVERIFY(has(engine.timeoutTick(), Action::Drain, CloneEngine::ReplyQuietMs, {}));
-    QCOMPARE(engine.RetryCount, quint8{1});
-    QVERIFY(!engine.Rejected);
+    QCOMPARE(engine.transfer().RetryCount, quint8{1});
+    QVERIFY(!engine.transfer().Rejected);
     QVERIFY(engine.sendTick(0).isEmpty());
     engine.waitElapsed();
     QVERIFY(has(engine.sendTick(0), Action::Send, 0, QByteArray(1, 0x02)));

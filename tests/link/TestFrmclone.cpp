@@ -3,6 +3,7 @@
 #include "TestSuite.h"
 
 #include "core/AppState.h"
+#include "link/TransferTexts.h"
 #include "link/frmclone.h"
 #include "ui/MessageBox.h"
 
@@ -10,6 +11,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 using namespace wr;
 using namespace Qt::Literals::StringLiterals;
@@ -35,53 +37,93 @@ void TestFrmclone::transfer_data()
 {
     QTest::addColumn<int>("port");
     QTest::addColumn<int>("language");
+    QTest::addColumn<bool>("read");
+    QTest::addColumn<int>("corruptRow"); // written wrong by the radio; -1: none. A write is verified.
     QTest::addColumn<QString>("caption");
     QTest::addColumn<QString>("label"); // when the form closes
+    QTest::addColumn<QMessageBox::Icon>("icon");
+    QTest::addColumn<QString>("message");
 
-    QTest::newRow("read from the radio") << 200 << 0 << u"Read data from radio"_s << u"Completion percentage:  100%"_s;
-    QTest::newRow("port that will not open, in Chinese") << 201 << 1 << u"从对讲机读取数据"_s << u"完成进度:  0%"_s;
+    QTest::newRow("read from the radio")
+        << 200 << 0 << true << -1 << u"Read data from radio"_s << u"Completion percentage:  100%"_s
+        << QMessageBox::Information << u"Reading completed!"_s;
+    QTest::newRow("port that will not open, in Chinese")
+        << 201 << 1 << true << -1 << u"从对讲机读取数据"_s << u"完成进度:  0%"_s << QMessageBox::Warning
+        << u"COM201: No such file or directory\n请检查写频线是否插好，以及所选端口是否正确。\n"
+           "请运行连接测试：设置 \u2192 通信端口 \u2192 测试。"_s;
+    QTest::newRow("verified write, in Traditional Chinese")
+        << 200 << 2 << false << -1 << u"向對講機寫入數據"_s << u"完成進度:  99%"_s << QMessageBox::Information
+        << u"成功寫完（已校驗）"_s;
+    QTest::newRow("write read back with a row stored wrong")
+        << 200 << 0 << false << 401 << u"Write data to radio"_s << u"Completion percentage:  99%"_s
+        << QMessageBox::Warning
+        << u"Writing completed, but reading it back found other bytes in row 401 (address 0x1910). The radio is "
+           "not as intended: write it again."_s;
 }
 
 void TestFrmclone::transfer()
 {
     QFETCH(int, port);
     QFETCH(int, language);
+    QFETCH(bool, read);
+    QFETCH(int, corruptRow);
     QFETCH(QString, caption);
     QFETCH(QString, label);
-    const bool reads = port == 200;
+    QFETCH(QMessageBox::Icon, icon);
+    QFETCH(QString, message);
+    const bool moves = port == 200;
 
-    test::RadioOnPty line(filePath(u"serial-ports"_s)); // on COM200
+    test::RadioOnPty line(filePath(u"serial-ports"_s), sim::RadioFaults{.corruptRow = corruptRow}); // COM200
     QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
     test::fillPattern(line.radio.memory(), 9);
-    AppState &state = test::transferState(language, true, port);
+    const MemoryImage radioBefore = line.radio.memory();
+    AppState &state = test::transferState(language, read, port);
     test::fillPattern(state.image, 10);
     state.image.TakeSnapshot();
     const MemoryImage before = state.image;
     const BandLimitArray limitsBefore = state.BandLimits;
 
     frmclone form;
+    form.setVerifyAfterWrite(true);
     QSignalSpy completed(&form, &frmclone::readCompleted);
+    // What the line under the bar said while the form was up.
+    QStringList statuses;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        const QString text = form.findChild<QLabel *>(u"lblStatus"_s)->text();
+        if (statuses.isEmpty() || statuses.last() != text)
+            statuses.append(text);
+    });
+    watch.start(5);
     form.show();
     QVERIFY(form.isModal());
     QCOMPARE(form.windowTitle(), caption);
-    QTRY_VERIFY_WITH_TIMEOUT(!form.isVisible(), 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(!form.isVisible(), 60000);
 
-    QCOMPARE(form.result(), int{reads ? QDialog::Accepted : QDialog::Rejected});
+    QCOMPARE(form.result(), int{moves && corruptRow < 0 ? QDialog::Accepted : QDialog::Rejected});
     QCOMPARE(form.findChild<QLabel *>(u"lblPercent"_s)->text(), label);
-    QCOMPARE(completed.size(), reads ? 1 : 0);
+    QCOMPARE(completed.size(), moves && read ? 1 : 0);
     QCOMPARE(int{state.PortNumber}, port);
     const QList<MessageBox::Shown> shown = MessageBox::history();
     QCOMPARE(shown.size(), 1);
     QCOMPARE(shown.first().title, u"WR-PD6T"_s);
-    QCOMPARE(shown.first().icon, reads ? QMessageBox::Information : QMessageBox::Warning);
-    QCOMPARE(shown.first().text, reads ? u"Reading completed!"_s
-                                       : u"COM201: No such file or directory\n请检查写频线是否插好，以及所选端口是否正确。"_s);
+    QCOMPARE(shown.first().icon, icon);
+    QCOMPARE(shown.first().text, message);
+    QCOMPARE(statuses.contains(statusText({TransferStatus::Kind::Verifying}, language)), moves && !read);
 
-    const QList<int> moved = reads ? test::transferredRows(true) : QList<int>{};
-    for (int row = 0; row < MemoryImage::RowCount; ++row)
-        QCOMPARE(state.image.row(row), moved.contains(row) ? line.radio.memory().row(row) : before.row(row));
+    const QList<int> moved = moves ? test::transferredRows(read) : QList<int>{};
+    for (int row = 0; row < MemoryImage::RowCount; ++row) {
+        if (read) {
+            QCOMPARE(state.image.row(row), moved.contains(row) ? line.radio.memory().row(row) : before.row(row));
+            continue;
+        }
+        // Written, read back, and left as it was in the image.
+        QCOMPARE(state.image.row(row), before.row(row));
+        if (row != corruptRow)
+            QCOMPARE(line.radio.memory().row(row), moved.contains(row) ? before.row(row) : radioBefore.row(row));
+    }
     QVERIFY(!state.image.IsModified());
-    QCOMPARE(state.BandLimits, reads ? LoadBandLimits(line.radio.memory()) : limitsBefore);
+    QCOMPARE(state.BandLimits, moves && read ? LoadBandLimits(line.radio.memory()) : limitsBefore);
 }
 
 // The radio stops answering after five rows: the line under the bar says

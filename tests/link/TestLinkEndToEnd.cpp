@@ -6,12 +6,15 @@
 #include "TestSuite.h"
 
 #include "core/AppState.h"
+#include "core/Language.h"
+#include "link/CloneBatch.h"
 #include "link/CloneDriver.h"
 #include "link/CloneEngine.h"
+#include "link/TransferTexts.h"
 
 #include <QElapsedTimer>
-#include <QFileInfo>
 #include <QSerialPort>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 
@@ -21,8 +24,27 @@
 using namespace wr;
 using namespace Qt::Literals::StringLiterals;
 using wr::sim::RadioFaults;
+using Kind = wr::TransferOutcome::Kind;
 
 Q_DECLARE_METATYPE(wr::sim::RadioFaults)
+
+namespace {
+
+// Prompts that answer the lost-connection question with `retry` and keep
+// what the transfer asked and reported.
+struct Recorder
+{
+    QList<TransferOutcome> asked, reported;
+    std::function<bool()> retry = [] { return false; };
+
+    CloneDriver::Prompts prompts()
+    {
+        return {[this](const TransferOutcome &outcome) { return asked.append(outcome), retry(); },
+                [this](const TransferOutcome &outcome) { reported.append(outcome); }};
+    }
+};
+
+} // namespace
 
 class TestLinkEndToEnd : public test::Suite
 {
@@ -34,6 +56,8 @@ private Q_SLOTS:
     void cablePulled();
     void portErrors_data();
     void portErrors();
+    void batchWithTroubledPort_data();
+    void batchWithTroubledPort();
 };
 
 void TestLinkEndToEnd::transfer_data()
@@ -76,15 +100,13 @@ void TestLinkEndToEnd::transfer()
     const MemoryImage imageBefore = state.image;
 
     CloneEngine engine(state);
-    QStringList asked, shown;
-    CloneDriver driver(engine,
-                       {[&](const QString &, const QString &text) { return asked.append(text), false; },
-                        [&](CloneEngine::MessageIcon, const QString &, const QString &text) { shown.append(text); }});
+    Recorder recorder;
+    CloneDriver driver(engine, recorder.prompts());
     driver.start();
     QTRY_VERIFY_WITH_TIMEOUT(!driver.isRunning(), 60000);
-    QCOMPARE(engine.Finished, completes);
-    QCOMPARE(asked.size(), completes ? 0 : 1);
-    QCOMPARE(shown, completes ? QStringList{read ? u"Reading completed!"_s : u"Writing completed!"_s} : QStringList{});
+    QCOMPARE(engine.outcome().succeeded(), completes);
+    QCOMPARE(recorder.asked.size(), completes ? 0 : 1);
+    QCOMPARE(recorder.reported.size(), completes ? 1 : 0);
     // Row by row: what moved is an exact copy, everything else is as it was.
     const QList<int> moved = test::transferredRows(read).first(rowsMoved);
     for (int row = 0; row < MemoryImage::RowCount; ++row) {
@@ -128,35 +150,35 @@ void TestLinkEndToEnd::cablePulled()
         return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
             + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
     };
-    QStringList asked, shown;
     qint64 askedAfterMs = -1;
     double questionCpu = -1;
+    Recorder recorder;
+    recorder.retry = [&] {
+        askedAfterMs = sincePulled.isValid() ? sincePulled.elapsed() : -1;
+        // The question stays up for a second, its event loop running.
+        const double start = cpuSeconds();
+        QTest::qWait(1000);
+        questionCpu = cpuSeconds() - start;
+        return true;
+    };
     CloneEngine engine(state);
-    CloneDriver driver(engine, {[&](const QString &, const QString &text) {
-                                    asked.append(text);
-                                    askedAfterMs = sincePulled.isValid() ? sincePulled.elapsed() : -1;
-                                    // The question stays up for a second, its event loop running.
-                                    const double start = cpuSeconds();
-                                    QTest::qWait(1000);
-                                    questionCpu = cpuSeconds() - start;
-                                    return true;
-                                },
-                                [&](CloneEngine::MessageIcon, const QString &, const QString &text) {
-                                    shown.append(text);
-                                }});
+    CloneDriver driver(engine, recorder.prompts());
     driver.start();
     QTRY_VERIFY_WITH_TIMEOUT(!driver.isRunning(), 20000);
 
-    QVERIFY(!engine.Finished);
-    QCOMPARE(asked.size(), 1);
-    QVERIFY2(asked.first().startsWith(u"Check Connection. Retry or Cancel?"_s), qPrintable(asked.first()));
-    QVERIFY2(asked.first().contains(u"COM200"_s), qPrintable(asked.first()));
+    QCOMPARE(recorder.asked.size(), 1);
+    const TransferOutcome &lost = recorder.asked.first();
+    QCOMPARE(lost.kind, Kind::PortLost);
+    QCOMPARE(lost.port, 200);
+    QCOMPARE(lost.problem.device, device);
     QVERIFY2(askedAfterMs >= 0 && askedAfterMs < 1000, qPrintable(QString::number(askedAfterMs)));
     // Waiting costs next to nothing; a loop polling the dead port costs the whole second.
     QVERIFY2(questionCpu >= 0 && questionCpu < 0.15, qPrintable(QString::number(questionCpu)));
-    QCOMPARE(shown.size(), 1);
-    QVERIFY2(shown.first().startsWith(u"COM200 (%1): No such file or directory"_s.arg(device)),
-             qPrintable(shown.first()));
+    // Retry finds the device gone, and names it by the device it had.
+    QCOMPARE(engine.outcome().kind, Kind::PortFailed);
+    QCOMPARE(engine.outcome().problem.kind, PortProblem::Kind::Missing);
+    QVERIFY2(outcomeText(engine.outcome(), English).startsWith(u"COM200 (%1): No such file or directory"_s.arg(device)),
+             qPrintable(outcomeText(engine.outcome(), English)));
     // The rows read before the cable went are kept, nothing is snapshotted.
     for (int row = 0; row < 10; ++row)
         QCOMPARE(state.image.row(row), line.radio.memory().row(row));
@@ -176,7 +198,7 @@ Q_DECLARE_METATYPE(PortSetup)
 void TestLinkEndToEnd::portErrors_data()
 {
     QTest::addColumn<PortSetup>("setup");
-    QTest::addColumn<QString>("message"); // %1: the device, %2: the group that owns it
+    QTest::addColumn<QString>("message"); // %1: the device
 
     const QString busy = u"Permission error while locking the device\n"
                          "Another program is using the port: close it, then try again."_s;
@@ -184,10 +206,11 @@ void TestLinkEndToEnd::portErrors_data()
                                   << u"COM201: No such file or directory\nCheck that the programming cable is "
                                      "plugged in and that this is the right port."_s;
     QTest::newRow("port in use") << PortSetup::HeldByAnother << u"COM200 (%1): "_s + busy;
+    // The pseudo-terminal belongs to the group tty, which nobody should join for a port.
     QTest::newRow("port not permitted")
         << PortSetup::NotPermitted
-        << u"COM200 (%1): Permission denied\nThis user may not use the port: add the user to the group \u201C%2\u201D, "
-           "which owns the device, then log out and log in again."_s;
+        << u"COM200 (%1): Permission denied\nThis user may not use the port: ask for access to the device, then log "
+           "out and log in again."_s;
     QTest::newRow("port search meets a port in use")
         << PortSetup::ScanMeetsHeld
         << u"COM199 (%1): "_s + busy + u"\nThe radio did not answer on COM200, so the automatic port search tried COM199."_s;
@@ -212,12 +235,9 @@ void TestLinkEndToEnd::portErrors()
         QVERIFY(holder.open(QIODevice::ReadWrite));
 
     AppState &state = test::transferState(0, true, setup == PortSetup::NoDevice ? 201 : 200);
-    QStringList asked, shown;
+    Recorder recorder;
     CloneEngine engine(state);
-    CloneDriver driver(engine, {[&](const QString &, const QString &text) { return asked.append(text), false; },
-                                [&](CloneEngine::MessageIcon, const QString &, const QString &text) {
-                                    shown.append(text);
-                                }});
+    CloneDriver driver(engine, recorder.prompts());
     if (setup == PortSetup::NotPermitted) {
         // Root may open anything; it becomes nobody for the open, which
         // happens as the transfer starts, and nobody must find the port.
@@ -235,11 +255,73 @@ void TestLinkEndToEnd::portErrors()
         QVERIFY(::seteuid(0) == 0);
     QTRY_VERIFY_WITH_TIMEOUT(!driver.isRunning(), 10000);
 
-    QVERIFY(asked.isEmpty());
-    QCOMPARE(shown, QStringList{message.replace(u"%1"_s, device).replace(u"%2"_s, QFileInfo(device).group())});
+    QVERIFY(recorder.asked.isEmpty());
+    QCOMPARE(recorder.reported.size(), 1);
+    QCOMPARE(recorder.reported.first().kind, Kind::PortFailed);
+    QCOMPARE(outcomeText(recorder.reported.first(), English),
+             message.replace(u"%1"_s, device)
+                 + u"\nRun the connection test: Set \u2192 Communication Port \u2192 Test."_s);
     // The port search keeps the port it stopped at.
     QCOMPARE(int{state.PortNumber}, setup == PortSetup::ScanMeetsHeld ? 199 : setup == PortSetup::NoDevice ? 201 : 200);
     QFile::remove(folder + u"/com199"_s);
+}
+
+void TestLinkEndToEnd::batchWithTroubledPort_data()
+{
+    QTest::addColumn<bool>("pullCable"); // else COM201 is held open by another port object from the start
+    QTest::addColumn<Kind>("ends");
+
+    QTest::newRow("cable pulled from one radio") << true << Kind::PortLost;
+    QTest::newRow("one port busy") << false << Kind::PortFailed;
+}
+
+// Two radios written at once; the second one's cable is pulled halfway, or
+// its port is held by someone else. That radio alone fails, with how, and
+// is not looked for anywhere else; the other is written all the same.
+void TestLinkEndToEnd::batchWithTroubledPort()
+{
+    QFETCH(bool, pullCable);
+    QFETCH(Kind, ends);
+    const QString folder = filePath(u"serial-ports"_s);
+    test::RadioOnPty first(folder);
+    test::RadioOnPty second(folder, {}, false, 201);
+    QVERIFY(first.isOpen() && second.isOpen());
+    const QString device = second.devicePath();
+    QSerialPort holder(device);
+    QVERIFY(pullCable || holder.open(QIODevice::ReadWrite));
+    QTimer puller;
+    QObject::connect(&puller, &QTimer::timeout, [&] {
+        if (second.radio.rowsAnswered() >= 20)
+            second.hangUp(), puller.stop();
+    });
+    if (pullCable)
+        puller.start(1);
+
+    MemoryImage image;
+    test::fillPattern(image, 5);
+    CloneBatch batch(CloneEngine::Direction::Write, {200, 201}, image);
+    QSignalSpy finished(&batch, &CloneBatch::finished);
+    batch.start();
+    QVERIFY(finished.wait(30000));
+
+    QCOMPARE(finished.size(), 1);
+    QVERIFY(!batch.allCompleted());
+    const CloneBatch::Radio &written = batch.radio(0);
+    QVERIFY(!written.running);
+    QCOMPARE(written.outcome.kind, Kind::Completed);
+    for (const int row : test::transferredRows(false))
+        QCOMPARE(first.radio.memory().row(row), image.row(row));
+    const CloneBatch::Radio &troubled = batch.radio(1);
+    QCOMPARE(troubled.outcome.kind, ends);
+    QCOMPARE(troubled.port, 201);
+    QCOMPARE(troubled.device, device); // named by its device, even once it is gone
+    QCOMPARE(troubled.outcome.problem.kind, pullCable ? PortProblem::Kind::Lost : PortProblem::Kind::Busy);
+    QCOMPARE(troubled.outcome.portsTried.size(), 1);
+    // The words a batch prints for it send the user back to this port, never to a Retry button.
+    const QString words = outcomeText(troubled.outcome, English, Wording::CommandLine);
+    QVERIFY2(words.startsWith(u"COM201 (%1): "_s.arg(device)), qPrintable(words));
+    QVERIFY2(words.endsWith(u"Run the connection test: wrpd6t-tool doctor COM201"_s), qPrintable(words));
+    QVERIFY2(!words.contains(u"Retry"_s), qPrintable(words));
 }
 
 QTEST_GUILESS_MAIN(TestLinkEndToEnd)

@@ -5,9 +5,11 @@
 #include "TestSuite.h"
 
 #include "core/MemoryImage.h"
+#include "core/SettingsStore.h"
 #include "file/DataFile.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
@@ -40,6 +42,9 @@ private Q_SLOTS:
     void writeSeveral_data();
     void writeSeveral();
     void readEach();
+    void doctor_data();
+    void doctor();
+    void doctorWaitsForThePort();
 
 private:
     // Starts the virtual radio on COM77; returns its first line ("COM77 /dev/pts/3").
@@ -154,16 +159,19 @@ void TestLinkTools::failedReadKeepsFile_data()
     QTest::addColumn<QString>("port");
     QTest::addColumn<QString>("message"); // on standard error; %1: the radio's device
 
-    QTest::newRow("wrong identification: the ports tried")
+    QTest::newRow("wrong identification: what answered")
         << QStringList{u"--wrong-id"_s} << false << u"COM77"_s
-        << u"Port tried: COM77 (%1)\nCancel (no terminal to answer)\n"
-           "wrpd6t-tool read: no valid answer from the radio on COM77; check the connection\n"_s;
+        << u"Cancel (no terminal to answer)\n"
+           "COM77 (%1): The radio on COM77 answered as \u201CQAWPD7T\u201D (51 41 57 50 44 37 54): this program "
+           "serves the WR-PD6T only.\n  Run the connection test: wrpd6t-tool doctor COM77\n"_s;
     QTest::newRow("port in use") << QStringList{} << true << u"COM77"_s
-                                 << u"wrpd6t-tool read: COM77 (%1): Permission error while locking the device\n"
-                                    "Another program is using the port: close it, then try again.\n"_s;
+                                 << u"COM77 (%1): Permission error while locking the device\n"
+                                    "  Another program is using the port: close it, then try again.\n"
+                                    "  Run the connection test: wrpd6t-tool doctor COM77\n"_s;
     QTest::newRow("no such port") << QStringList{} << false << u"COM78"_s
-                                  << u"wrpd6t-tool read: COM78: No such file or directory\nCheck that the "
-                                     "programming cable is plugged in and that this is the right port.\n"_s;
+                                  << u"COM78: No such file or directory\n  Check that the programming cable is "
+                                     "plugged in and that this is the right port.\n"
+                                     "  Run the connection test: wrpd6t-tool doctor COM78\n"_s;
 }
 
 // A read that fails says why and what to do, and leaves the file it would
@@ -188,40 +196,70 @@ void TestLinkTools::failedReadKeepsFile()
 
 void TestLinkTools::writeSeveral_data()
 {
-    QTest::addColumn<bool>("silentFourth");
+    QTest::addColumn<int>("count");           // radios, COM80 up
+    QTest::addColumn<QStringList>("lastFaults"); // of the radio on the last port
+    QTest::addColumn<bool>("verify");
+    QTest::addColumn<QString>("lastSays");      // its summary after "COM<N> (device): "; %1: the port
 
-    QTest::newRow("four radios") << false;
-    QTest::newRow("one silent radio among four") << true;
+    QTest::newRow("four radios") << 4 << QStringList{} << false << u"Writing completed!\n"_s;
+    QTest::newRow("one silent radio among four")
+        << 4 << QStringList{u"--silent"_s} << false
+        << u"The radio did not answer.\n  Port tried: COM%1 (%2)\n  Run the connection test: wrpd6t-tool doctor COM%1\n"_s;
+    QTest::newRow("one radio, verified") << 1 << QStringList{} << true << u"Writing completed! (verified)\n"_s;
+    QTest::newRow("one radio storing a row wrong, verified")
+        << 1 << QStringList{u"--corrupt-row"_s, u"100"_s} << true
+        << u"Writing completed, but reading it back found other bytes in row 100 (address 0x0640). The radio is "
+           "not as intended: write it again.\n"_s;
+    QTest::newRow("three radios verified, one storing a row wrong")
+        << 3 << QStringList{u"--corrupt-row"_s, u"409"_s} << true
+        << u"Writing completed, but reading it back found other bytes in row 409 (address 0x1990). The radio is "
+           "not as intended: write it again.\n"_s;
 }
 
-// One file into four radios at once, each on its own port. A radio that
-// never answers fails alone, in the words a single write would use, and is
-// not looked for on the other ports; the others are written all the same.
+// One file into radios at once, each on its own port, and with --verify
+// read back. A radio that never answers, or holds other bytes than were
+// written, fails alone, in the words a single write would use, and is not
+// looked for on the other ports; the others are written all the same.
 void TestLinkTools::writeSeveral()
 {
-    QFETCH(bool, silentFourth);
-    QMap<int, QString> devices = startRadios(80, silentFourth ? 3 : 4);
-    if (silentFourth)
-        devices.insert(startRadios(83, 1, {u"--silent"_s}));
-    QCOMPARE(devices.size(), 4);
+    QFETCH(int, count);
+    QFETCH(QStringList, lastFaults);
+    QFETCH(bool, verify);
+    QFETCH(QString, lastSays);
+    const int last = 80 + count - 1;
+    QMap<int, QString> devices = count > 1 ? startRadios(80, count - 1) : QMap<int, QString>{};
+    devices.insert(startRadios(last, 1, lastFaults));
+    QCOMPARE(devices.size(), count);
     MemoryImage toWrite;
     test::fillPattern(toWrite, 12);
     QVERIFY(DataFile::Write(filePath(u"write.tw"_s), toWrite, nullptr));
 
+    QStringList arguments{u"write"_s};
+    if (verify)
+        arguments.append(u"--verify"_s);
+    arguments.append(filePath(u"write.tw"_s));
+    for (const int port : devices.keys())
+        arguments.append(u"COM%1"_s.arg(port));
     QString err;
-    QCOMPARE(tool({u"write"_s, filePath(u"write.tw"_s), u"COM80"_s, u"COM81"_s, u"COM82"_s, u"COM83"_s}, &err),
-             silentFourth ? 1 : 0);
+    const bool lastFails = !lastFaults.isEmpty();
+    QCOMPARE(tool(arguments, &err), lastFails ? 1 : 0);
     for (auto radio = devices.cbegin(); radio != devices.cend(); ++radio) {
         const int port = radio.key();
         const QString label = u"COM%1 (%2): "_s.arg(port).arg(radio.value());
-        const QString saved = u"radio-COM%1.tw"_s.arg(port);
-        if (silentFourth && port == 83) {
-            QVERIFY2(err.contains(label + u"no valid answer from the radio on COM83; check the connection\n"_s),
+        // The last radio runs on its own and saves without its port in the name.
+        const QString saved = port == last ? u"radio.tw"_s : u"radio-COM%1.tw"_s.arg(port);
+        if (port == last) {
+            QVERIFY2(err.contains(label + QString(lastSays).replace(u"%1"_s, QString::number(port))
+                                              .replace(u"%2"_s, radio.value())),
                      qPrintable(err));
-            QVERIFY(!QFileInfo::exists(filePath(saved)));
-            continue;
+            if (lastFaults.value(0) == u"--silent")
+                QVERIFY(!QFileInfo::exists(filePath(saved)));
+            if (lastFails)
+                continue;
+        } else {
+            QVERIFY2(err.contains(label + (verify ? u"Writing completed! (verified)\n"_s : u"Writing completed!\n"_s)),
+                     qPrintable(err));
         }
-        QVERIFY2(err.contains(label + u"Writing completed!\n"_s), qPrintable(err));
         QTRY_VERIFY(QFileInfo::exists(filePath(saved)));
         checkRows(saved, test::transferredRows(false), toWrite, m_radioImage);
     }
@@ -249,6 +287,75 @@ void TestLinkTools::readEach()
                  qPrintable(err));
         checkRows(u"batch/"_s + name, test::transferredRows(true), m_radioImage, fresh);
     }
+}
+
+void TestLinkTools::doctor_data()
+{
+    QTest::addColumn<QStringList>("faults"); // of the virtual radio on COM77
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("output"); // its first line, or the JSON object; %1: the radio's device
+
+    QTest::newRow("the radio answers, as JSON")
+        << QStringList{} << QStringList{u"COM77"_s, u"--json"_s} << 0
+        << u"{\"port\":\"COM77\",\"device\":\"%1\",\"cause\":\"ok\",\"detail\":\"The radio on COM77 (%1) answered and "
+           "identified itself as a WR-PD6T. Nothing in the radio was changed.\",\"advice\":\"Nothing to do: Read and "
+           "Write can use this port.\"}"_s;
+    QTest::newRow("a cable with no radio, in Simplified Chinese")
+        << QStringList{u"--echo"_s} << QStringList{u"com77"_s, u"--json"_s, u"--language"_s, u"zh-CN"_s} << 1
+        << u"{\"port\":\"COM77\",\"device\":\"%1\",\"cause\":\"echo-only\",\"detail\":\"发送到 COM77 (%1) 的数据原样返回，"
+           "除此之外没有任何应答：写频线已连接，但对讲机没有应答。\",\"advice\":\"请打开对讲机，并将写频线插头用力插到底，"
+           "然后重新测试。\"}"_s;
+    QTest::newRow("the port the program uses, as text")
+        << QStringList{u"--wrong-id"_s} << QStringList{} << 1 << u"COM77 (%1): wrong-radio"_s;
+    QTest::newRow("no such port, no wait off a terminal")
+        << QStringList{} << QStringList{u"COM78"_s} << 1 << u"COM78: no-device"_s;
+    QTest::newRow("port 0") << QStringList{} << QStringList{u"COM0"_s} << 2 << QString();
+    QTest::newRow("unknown language") << QStringList{} << QStringList{u"--language"_s, u"fr"_s} << 2 << QString();
+    QTest::newRow("negative wait") << QStringList{} << QStringList{u"--wait"_s, u"-1"_s} << 2 << QString();
+}
+
+// The connection test from the command line: one cause, its words in the
+// language asked for, as text or one JSON object, and an exit status a
+// script can act on. The port the program saved is the one tested by default.
+void TestLinkTools::doctor()
+{
+    QFETCH(QStringList, faults);
+    QFETCH(QStringList, arguments);
+    QFETCH(int, exitCode);
+    QFETCH(QString, output);
+    const QString device = startRadio(faults).section(u' ', 1);
+    QVERIFY(!device.isEmpty());
+    m_environment.insert(u"XDG_CONFIG_HOME"_s, filePath(u"config"_s));
+    SettingsStore(filePath(u"config/wrpd6t/settings.ini"_s))
+        .SetKeyValue(SettingsStore::Root::LocalMachine, SettingsStore::keyPath(), u"gbPort"_s, u"77"_s);
+
+    QString err;
+    QCOMPARE(tool(QStringList{u"doctor"_s} + arguments, &err), exitCode);
+    if (exitCode == 2)
+        return;
+    QVERIFY2(err.startsWith(output.replace(u"%1"_s, device) + u'\n'), qPrintable(err));
+}
+
+// A port that is not there is waited for; the port that comes instead is named.
+void TestLinkTools::doctorWaitsForThePort()
+{
+    QProcess doctor;
+    doctor.setProcessEnvironment(m_environment);
+    QElapsedTimer clock;
+    clock.start();
+    doctor.start(QStringLiteral(WRPD6T_TOOL_PATH), {u"doctor"_s, u"COM79"_s, u"--wait"_s, u"5"_s, u"--json"_s});
+    QVERIFY(doctor.waitForStarted(5000));
+    QTest::qWait(1000);
+    const QString device = startRadio({}).section(u' ', 1); // on COM77
+    QVERIFY(!device.isEmpty());
+    QVERIFY(doctor.waitForFinished(10000));
+    QVERIFY2(clock.elapsed() < 3000, qPrintable(QString::number(clock.elapsed())));
+    QCOMPARE(doctor.exitCode(), 1);
+    const QString said = QString::fromUtf8(doctor.readAllStandardOutput());
+    QVERIFY2(said.contains(u"\"cause\":\"no-device\""_s), qPrintable(said));
+    QVERIFY2(said.contains(u"While the test waited, COM77 (%1) appeared."_s.arg(device)), qPrintable(said));
+    QVERIFY2(said.contains(u"choose COM77 and run the test again"_s), qPrintable(said));
 }
 
 QTEST_GUILESS_MAIN(TestLinkTools)

@@ -22,6 +22,7 @@ installed_files() {
 bin/wrpd6t
 bin/wrpd6t-radio-sim
 bin/wrpd6t-tool
+lib/udev/rules.d/70-wrpd6t-cable.rules
 share/applications/$id.desktop
 share/doc/wrpd6t/changelog.gz
 share/doc/wrpd6t/copyright

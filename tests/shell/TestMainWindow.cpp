@@ -67,7 +67,7 @@ private Q_SLOTS:
             {u"mnuEdit"_s, u"mnuChannel_Info mnuFile_Bar3 mnuOptiom_Features -mnuFile_Bar14 -mnuVFO -mnuFile_Bar4 "
                            "-mnuDTMF -mnuFile_Bar8 -mnuMSK -mnuFile_Bar9 -mnuScramble -mnuFile_Bar7 -mnuRadio"_s},
             {u"mnuProgram"_s, u"mnuRead mnuWrite"_s},
-            {u"mnuSet"_s, u"mnuPort mnuFile_Bar5 mnuLanguage -mnuChange_Password -mnuFile_Bar6 -mnuGet_Password"_s},
+            {u"mnuSet"_s, u"mnuPort mnuVerify mnuFile_Bar5 mnuLanguage -mnuChange_Password -mnuFile_Bar6 -mnuGet_Password"_s},
             {u"mnuHelp"_s, u"mnuHelp_About"_s},
             {QString(), u"mnuFile -mnuMachine mnuEdit mnuProgram mnuSet mnuHelp"_s}};
         for (const auto &[name, items] : menus) {

@@ -1,19 +1,26 @@
 // Write and Read through the main window's menu against the virtual radio
-// on a pseudo-terminal: the radio's memory, the refreshed channel list and
-// the backup of what was read; and the whole round with the keyboard alone.
+// on a pseudo-terminal: the radio's memory, the refreshed channel list, the
+// backup of what was read, the read-back of a write, the port dialog's
+// connection test, and the whole round with the keyboard alone.
 // Cancelled confirmations are in TestMainWindow's shortcuts; the port scan
 // is tested with the link.
 #include "ShellHarness.h"
 
 #include "file/Backups.h"
 
+#include <QAccessible>
+#include <QComboBox>
 #include <QDeadlineTimer>
 #include <QTableView>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QLineEdit>
 #include <QProcess>
+#include <QPushButton>
 
 using namespace Qt::StringLiterals;
 using wr::test::ShellHarness;
+
 
 class TestShellTransfer : public wr::test::ShellSuite
 {
@@ -79,7 +86,8 @@ private Q_SLOTS:
         wr::app().image.setBytes(ShellHarness::imageWithChannels(1, 60));
         h->window->RefreshMainWindow();
         h->editRx(100, u"145.5"_s); // Write commits the grid first
-        transfer(u"mnuWrite"_s, u"Write data to radio.\nDo you wish to continue?"_s, u"Writing completed!"_s);
+        transfer(u"mnuWrite"_s, u"Write data to radio.\nDo you wish to continue?"_s,
+                 u"Writing completed! (verified)"_s);
         QCOMPARE(wr::app().LinkDirection, 1);
         QTRY_VERIFY_WITH_TIMEOUT(wr::DataFile::Read(saved).status == wr::DataFile::ReadStatus::Ok, 5000);
         const QByteArray inRadio = wr::DataFile::Read(saved).image;
@@ -180,6 +188,110 @@ private Q_SLOTS:
         QCOMPARE(answered, (QStringList{u"Read data from radio."_s, u"Reading completed!"_s, u"Write data to radio."_s,
                                         u"Writing completed!"_s}));
         QTRY_COMPARE_WITH_TIMEOUT(ShellHarness::rxOf(wr::DataFile::Read(saved).image, 5), u"146.52500"_s, 5000);
+    }
+
+    // Verify After Writing, in the Set menu, is on unless switched off, and
+    // remembered. On, a row the radio stores wrong is named; off, the write
+    // is taken on trust as before.
+    void verifyAfterWriting_data()
+    {
+        QTest::addColumn<QString>("stored"); // the setting; empty: never set
+        QTest::addColumn<QString>("done");   // the message the write ends with: "Icon|title|text"
+        QTest::newRow("on by default: a row stored wrong is named")
+            << QString()
+            << u"Warning|WR-PD6T|Writing completed, but reading it back found other bytes in row 120 (address 0x0780). "
+               "The radio is not as intended: write it again."_s;
+        QTest::newRow("switched off: taken on trust") << u"0"_s << u"Information|WR-PD6T|Writing completed!"_s;
+    }
+
+    void verifyAfterWriting()
+    {
+        QFETCH(QString, stored);
+        QFETCH(QString, done);
+        if (!stored.isEmpty())
+            h->storeSetting(u"VerifyWrites"_s, stored);
+        QVERIFY(startRadioAndWindow({u"--corrupt-row"_s, u"120"_s}));
+        QAction *verify = h->action(u"mnuVerify"_s);
+        QVERIFY(verify->isCheckable() && verify->isVisible());
+        QCOMPARE(verify->text(), u"Verify After Writing(&V)"_s);
+        QCOMPARE(verify->isChecked(), stored.isEmpty());
+
+        transfer(u"mnuWrite"_s, u"Write data to radio.\nDo you wish to continue?"_s, done.section(u'|', 2));
+        QCOMPARE(ShellHarness::shownBoxes().last(), done);
+        verify->trigger();
+        QCOMPARE(h->storedSetting(u"VerifyWrites"_s), stored.isEmpty() ? u"0"_s : u"1"_s);
+    }
+
+    void connectionTestInPortDialog_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QString>("typed");  // the port typed into the list; empty: COM200, the virtual radio's
+        QTest::addColumn<QString>("waiting"); // shown while the test waits for the cable; empty: it does not wait
+        QTest::addColumn<QString>("result");  // in the label once the test is over
+
+        QTest::newRow("a cable without radio, in Simplified Chinese")
+            << 1 << QString() << QString()
+            << u"发送到 COM200 (%1) 的数据原样返回，除此之外没有任何应答：写频线已连接，但对讲机没有应答。\n"
+               "请打开对讲机，并将写频线插头用力插到底，然后重新测试。"_s;
+        QTest::newRow("no cable yet, the wait cancelled")
+            << 0 << u"COM99"_s << u"No device for COM99 yet: plug the cable in now (10 s)\u2026"_s
+            << u"There is no COM99 now. Serial ports present: COM200 (%1).\nPlug the programming cable in, or choose "
+               "one of the ports present, then run the test again."_s;
+    }
+
+    // Test in the port dialog runs the connection test on the port in the
+    // list, on the event loop: the dialog keeps answering, the button
+    // cancels, and the result label says what a screen reader speaks.
+    void connectionTestInPortDialog()
+    {
+        QFETCH(int, language);
+        QFETCH(QString, typed);
+        QFETCH(QString, waiting);
+        QFETCH(QString, result);
+        QVERIFY(startRadioAndWindow({u"--echo"_s}));
+        const QString device = QFile::symLinkTarget(filePath(u"data-home/wrpd6t/serial-ports/com200"_s));
+        wr::app().LanguageIndex = quint8(language); // the dialog is told the window's language
+
+        QString shownWhileWaiting, buttonWhileRunning, shownAfter, heard;
+        qint64 longestStallMs = 0;
+        ShellHarness::whenModal([&](QDialog *form) {
+            auto *combo = form->findChild<QComboBox *>(u"Combo1"_s);
+            auto *test = form->findChild<QPushButton *>(u"cmdTest"_s);
+            auto *label = form->findChild<QLabel *>(u"lblTestResult"_s);
+            if (!typed.isEmpty()) {
+                combo->lineEdit()->selectAll();
+                QTest::keyClicks(combo->lineEdit(), typed);
+            }
+            QElapsedTimer beat;
+            QTimer heartbeat;
+            QObject::connect(&heartbeat, &QTimer::timeout, [&] {
+                longestStallMs = std::max(longestStallMs, beat.restart());
+            });
+            beat.start();
+            heartbeat.start(5);
+            QTest::mouseClick(test, Qt::LeftButton);
+            buttonWhileRunning = test->text();
+            if (!waiting.isEmpty()) {
+                QTRY_VERIFY(label->text().contains(u"plug"_s));
+                shownWhileWaiting = label->text();
+                QTest::mouseClick(test, Qt::LeftButton); // Cancel Test
+            }
+            QTRY_VERIFY_WITH_TIMEOUT(test->text() != buttonWhileRunning, 10000);
+            shownAfter = label->text();
+            // A label without a name of its own is named by its text, and
+            // tells a screen reader each time that changes.
+            heard = QAccessible::queryAccessibleInterface(label)->text(QAccessible::Name);
+            heartbeat.stop();
+            QTest::mouseClick(form->findChild<QPushButton *>(u"cmdCancel"_s), Qt::LeftButton);
+        });
+        h->trigger(u"mnuPort"_s);
+
+        QCOMPARE(buttonWhileRunning, language == 0 ? u"Cancel &Test"_s : u"取消测试(&T)"_s);
+        QCOMPARE(shownWhileWaiting, waiting);
+        QCOMPARE(shownAfter, result.replace(u"%1"_s, device));
+        QCOMPARE(heard, shownAfter);
+        QVERIFY2(longestStallMs < 100, qPrintable(QString::number(longestStallMs)));
+        QCOMPARE(int(wr::app().PortNumber), 200); // Cancel changed nothing
     }
 };
 

@@ -8,6 +8,7 @@
 #include "core/AppState.h"
 #include "core/Language.h"
 #include "link/CloneBatch.h"
+#include "link/TransferTexts.h"
 
 #include "BenchSupport.h"
 
@@ -39,15 +40,17 @@ Run writeAll(int count, const wr::MemoryImage &image)
         ports.append(FirstPort + i);
     wr::bench::StallWatch watch;
     watch.start();
-    wr::CloneBatch batch(wr::CloneEngine::Direction::Write, ports, image, wr::English);
+    wr::CloneBatch batch(wr::CloneEngine::Direction::Write, ports, image);
     QEventLoop loop;
     QObject::connect(&batch, &wr::CloneBatch::finished, &loop, &QEventLoop::quit);
     batch.start();
     loop.exec();
     Run run{batch.allCompleted(), watch.elapsedMs(), watch.widestMs()};
     for (int i = 0; i < batch.count(); ++i) {
-        if (batch.radio(i).outcome != wr::CloneBatch::Outcome::Completed)
-            std::printf("      COM%d failed: %s\n", batch.radio(i).port, qPrintable(batch.radio(i).message));
+        const wr::CloneBatch::Radio &radio = batch.radio(i);
+        if (!radio.outcome.succeeded())
+            std::printf("      COM%d failed: %s\n", radio.port,
+                        qPrintable(wr::outcomeText(radio.outcome, wr::English, wr::Wording::CommandLine)));
     }
     return run;
 }

@@ -1,13 +1,17 @@
-// wrpd6t-link-bench: a full read and a full write against the virtual radio
-// at its real 9600-baud pace, timing each and watching how long the event
-// loop is ever kept from running during the transfer.
+// wrpd6t-link-bench: a full read, a full write and a verified write against
+// the virtual radio at its real 9600-baud pace, timing each and watching how
+// long the event loop is ever kept from running during the transfer. A
+// verified write reads the written rows back: it should cost no more than
+// a write and a read together (at most 1.02 times their sum).
 //
-//   wrpd6t-link-bench [path/to/wrpd6t-radio-sim]
+//   wrpd6t-link-bench [path/to/wrpd6t-radio-sim] [RUNS]      (RUNS: 3 unless given; medians)
 
 #include "core/AppState.h"
 #include "core/BandLimits.h"
+#include "core/Language.h"
 #include "link/CloneDriver.h"
 #include "link/CloneEngine.h"
+#include "link/TransferTexts.h"
 
 #include "BenchSupport.h"
 
@@ -15,11 +19,14 @@
 #include <QEventLoop>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cstdio>
+#include <vector>
 
 namespace {
 
 constexpr double ByteMs = 11.0 * 1000.0 / 9600.0;
+constexpr double MostVerifyRatio = 1.02;
 
 // The shortest a transfer can take on the cable: every byte at 9600 baud
 // with two stop bits, plus the 10 ms pause before each reply is read; the
@@ -40,18 +47,19 @@ struct Result
     QString failure;
 };
 
-Result runTransfer(wr::AppState &state)
+Result runTransfer(wr::AppState &state, bool verify)
 {
     Result result;
     wr::CloneEngine engine(state);
+    engine.setVerify(verify);
     wr::CloneDriver::Prompts prompts;
-    prompts.askRetry = [&](const QString &, const QString &text) {
-        result.failure = text;
+    prompts.askRetry = [&](const wr::TransferOutcome &outcome) {
+        result.failure = wr::outcomeText(outcome, wr::English, wr::Wording::CommandLine);
         return false;
     };
-    prompts.showMessage = [&](wr::CloneEngine::MessageIcon icon, const QString &, const QString &text) {
-        if (icon == wr::CloneEngine::MessageIcon::Exclamation)
-            result.failure = text;
+    prompts.report = [&](const wr::TransferOutcome &outcome) {
+        if (!outcome.succeeded())
+            result.failure = wr::outcomeText(outcome, wr::English, wr::Wording::CommandLine);
     };
     wr::CloneDriver driver(engine, prompts);
 
@@ -65,14 +73,26 @@ Result runTransfer(wr::AppState &state)
     result.ms = watch.elapsedMs();
     result.stallMs = watch.widestMs();
     result.stallAtMs = watch.widestAtMs();
-    result.ok = engine.Finished;
+    result.ok = engine.outcome().succeeded() && (!verify || engine.outcome().verified);
     return result;
 }
 
-void report(const char *name, bool read, const Result &result)
+// The run of the median time among runs of one transfer.
+Result medianRun(wr::AppState &state, bool verify, int runs)
 {
-    const double floor = floorMs(read);
-    std::printf("%-5s %s  %.2f s  (floor %.2f s, %+.1f %%)  longest event-loop stall %.1f ms (at %.0f ms)\n", name,
+    std::vector<Result> results;
+    for (int run = 0; run < runs; ++run)
+        results.push_back(runTransfer(state, verify));
+    std::sort(results.begin(), results.end(), [](const Result &a, const Result &b) { return a.ms < b.ms; });
+    Result middle = results[results.size() / 2];
+    for (const Result &result : results)
+        middle.ok = middle.ok && result.ok;
+    return middle;
+}
+
+void report(const char *name, double floor, const Result &result)
+{
+    std::printf("%-14s %s  %.2f s  (floor %.2f s, %+.1f %%)  longest event-loop stall %.1f ms (at %.0f ms)\n", name,
                 result.ok ? "ok    " : "FAILED", result.ms / 1000.0, floor / 1000.0, (result.ms / floor - 1.0) * 100.0,
                 result.stallMs, result.stallAtMs);
     if (!result.ok)
@@ -88,6 +108,7 @@ int main(int argc, char *argv[])
 
     const QString sim = argc > 1 ? QString::fromLocal8Bit(argv[1])
                                  : QCoreApplication::applicationDirPath() + QStringLiteral("/wrpd6t-radio-sim");
+    const int runs = argc > 2 ? std::max(1, QByteArray(argv[2]).toInt()) : 3;
     if (!QFileInfo(sim).isExecutable()) {
         std::fprintf(stderr, "wrpd6t-link-bench: %s is not the virtual radio\n", qPrintable(sim));
         return 2;
@@ -104,9 +125,10 @@ int main(int argc, char *argv[])
     state.PortNumber = 250;
     state.image.InitImage();
 
+    std::printf("median of %d runs each\n", runs);
     state.LinkDirection = 0;
-    const Result read = runTransfer(state);
-    report("read", true, read);
+    const Result read = medianRun(state, false, runs);
+    report("read", floorMs(true), read);
 
     // What a fresh radio holds: its defaults and its band limits.
     wr::MemoryImage expected;
@@ -117,8 +139,14 @@ int main(int argc, char *argv[])
         std::printf("      the image read differs from the radio's memory\n");
 
     state.LinkDirection = 1;
-    const Result write = runTransfer(state);
-    report("write", false, write);
+    const Result write = medianRun(state, false, runs);
+    report("write", floorMs(false), write);
+    const Result verified = medianRun(state, true, runs);
+    // The read-back moves the 187 rows written, one fewer than a full read.
+    const double verifiedFloor = floorMs(false) + floorMs(true) - (4 + 20) * ByteMs - 10.0;
+    report("verified write", verifiedFloor, verified);
+    const double ratio = verified.ms / (write.ms + read.ms);
+    std::printf("verified write / (write + read) = %.3f (goal at most %.2f)\n", ratio, MostVerifyRatio);
 
-    return read.ok && readExact && write.ok ? 0 : 1;
+    return read.ok && readExact && write.ok && verified.ok && ratio <= MostVerifyRatio ? 0 : 1;
 }

@@ -20,6 +20,11 @@ PtyRadio::PtyRadio(VirtualRadio &radio, bool pacing, QObject *parent)
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &PtyRadio::pump);
+    m_idle.setSingleShot(true);
+    connect(&m_idle, &QTimer::timeout, this, [this] {
+        if (m_notifier)
+            m_notifier->setEnabled(true);
+    });
     m_clock.start();
 }
 
@@ -35,8 +40,7 @@ void PtyRadio::hangUp()
     m_timer.stop();
     m_inbound.clear();
     m_outbound.clear();
-    if (m_slaveKeeper >= 0)
-        ::close(std::exchange(m_slaveKeeper, -1));
+    m_idle.stop();
     if (m_master >= 0)
         ::close(std::exchange(m_master, -1));
 }
@@ -55,19 +59,23 @@ bool PtyRadio::open()
     }
     m_devicePath = QString::fromLocal8Bit(name);
 
-    // Holding the slave open keeps the master readable while no program has
-    // the port open (otherwise it reports a hang-up over and over), and
-    // raw mode stops the line discipline echoing or translating bytes.
-    m_slaveKeeper = ::open(name, O_RDWR | O_NOCTTY);
+    // Raw mode stops the line discipline echoing or translating bytes. The
+    // radio's side keeps no hold on the port itself: to the program, and to
+    // the connection test looking for other programs on it, the port is as
+    // free as a real cable's.
+    const int slave = ::open(name, O_RDWR | O_NOCTTY);
     termios settings{};
-    if (m_slaveKeeper < 0 || ::tcgetattr(m_slaveKeeper, &settings) != 0) {
+    if (slave < 0 || ::tcgetattr(slave, &settings) != 0) {
         m_error = QString::fromLocal8Bit(std::strerror(errno));
+        if (slave >= 0)
+            ::close(slave);
         return false;
     }
     ::cfmakeraw(&settings);
     ::cfsetispeed(&settings, B9600);
     ::cfsetospeed(&settings, B9600);
-    ::tcsetattr(m_slaveKeeper, TCSANOW, &settings);
+    ::tcsetattr(slave, TCSANOW, &settings);
+    ::close(slave);
     ::fcntl(m_master, F_SETFL, ::fcntl(m_master, F_GETFL) | O_NONBLOCK);
 
     m_notifier = new QSocketNotifier(m_master, QSocketNotifier::Read);
@@ -80,6 +88,14 @@ void PtyRadio::readMaster()
     char buffer[512];
     for (;;) {
         const ssize_t count = ::read(m_master, buffer, sizeof buffer);
+        if (count < 0 && errno == EIO && m_notifier) {
+            // No program has the port open: the master reports a hang-up
+            // for as long as that lasts. Look again a little later instead
+            // of spinning on it.
+            m_notifier->setEnabled(false);
+            m_idle.start(IdleCheckMs);
+            break;
+        }
         if (count <= 0)
             break;
         const qint64 now = m_clock.nsecsElapsed();

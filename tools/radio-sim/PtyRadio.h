@@ -24,6 +24,7 @@ class PtyRadio : public QObject
 public:
     static constexpr qint64 ByteTimeNs = 11LL * 1000000000LL / 9600; // ~1.146 ms
     static constexpr qint64 HalfMillisecondNs = 500000;
+    static constexpr int IdleCheckMs = 5;
 
     PtyRadio(VirtualRadio &radio, bool pacing, QObject *parent = nullptr);
     ~PtyRadio() override;
@@ -50,12 +51,12 @@ private:
     VirtualRadio &m_radio;
     bool m_pacing;
     int m_master = -1;
-    int m_slaveKeeper = -1;
     QString m_devicePath;
     QString m_error;
     QSocketNotifier *m_notifier = nullptr;
     QElapsedTimer m_clock;
     QTimer m_timer;
+    QTimer m_idle; // while no program has the port open
     std::deque<TimedByte> m_inbound;   // bytes on their way to the radio
     std::deque<TimedByte> m_outbound;  // bytes on their way to the PC
     qint64 m_inFreeNs = 0;

@@ -25,8 +25,18 @@ VirtualRadio::VirtualRadio(RadioFaults faults)
 
 VirtualRadio::Answer VirtualRadio::receive(QByteArrayView bytes)
 {
+    if (m_faults.echo)
+        return {Piece{0, bytes.toByteArray()}};
     m_pending.append(bytes);
-    return takeFrames();
+    Answer answer = takeFrames();
+    if (m_faults.wrongSpeed) {
+        // Read at the wrong speed, each byte turns into another; the ACK never shows.
+        for (Piece &piece : answer) {
+            for (char &byte : piece.bytes)
+                byte = static_cast<char>((static_cast<quint8>(byte) >> 1) | 0x80);
+        }
+    }
+    return answer;
 }
 
 QByteArray VirtualRadio::bytesOf(const Answer &answer)
@@ -143,7 +153,10 @@ VirtualRadio::Answer VirtualRadio::answerRow(char command, int address, QByteArr
     } else if (m_faults.nakWrites) {
         bytes = QByteArray(1, Nak);
     } else {
-        m_memory.setRow(row, rowBytes);
+        QByteArray stored = rowBytes.toByteArray();
+        if (row == m_faults.corruptRow)
+            stored[CorruptColumn] = static_cast<char>(~stored[CorruptColumn]);
+        m_memory.setRow(row, stored);
         bytes = QByteArray(1, Ack);
     }
 

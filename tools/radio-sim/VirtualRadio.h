@@ -29,6 +29,12 @@ struct RadioFaults
     // The first write of this row is acknowledged twice, the second ACK
     // DuplicateAckMs after the first.
     int duplicateAckRow = -1;
+    // Every write of this row is acknowledged, but one byte of it is stored wrong.
+    int corruptRow = -1;
+    // No radio at all: a cable whose chip sends back every byte it gets.
+    bool echo = false;
+    // Answers at another line speed: every byte of every answer arrives mangled.
+    bool wrongSpeed = false;
 };
 
 // The radio's side of the clone protocol, without any port or clock: bytes
@@ -59,6 +65,7 @@ public:
     static constexpr int SplitGapMs = 20;
     static constexpr int DuplicateAckMs = 40;
     static constexpr int AnswerGapMs = 12;
+    static constexpr int CorruptColumn = 7; // the byte --corrupt-row stores wrong
 
     // Part of an answer: its bytes leave the radio atMs after the request was
     // in, or as soon as the part before them is out, whichever is later.

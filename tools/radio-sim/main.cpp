@@ -94,8 +94,16 @@ int main(int argc, char *argv[])
                                           QStringLiteral("Acknowledge the first write of ROW twice, %1 ms apart.")
                                               .arg(wr::sim::VirtualRadio::DuplicateAckMs),
                                           QStringLiteral("ROW"));
-    parser.addOptions({versionOption, comOption, countOption, imageOption, saveOption, noPacing, silent, wrongId, noise, dropReply, delay, hangUp,
-                       nakWrites, lateReply, splitReply, duplicateAck});
+    const QCommandLineOption corruptRow(QStringLiteral("corrupt-row"),
+                                        QStringLiteral("Acknowledge every write of ROW but store one byte of it wrong."),
+                                        QStringLiteral("ROW"));
+    const QCommandLineOption echo(QStringLiteral("echo"),
+                                  QStringLiteral("Be a cable with no radio: send back every byte received."));
+    const QCommandLineOption wrongSpeed(QStringLiteral("wrong-speed"),
+                                        QStringLiteral("Answer at another line speed: every byte arrives mangled."));
+    parser.addOptions({versionOption, comOption, countOption, imageOption, saveOption, noPacing, silent, wrongId, noise,
+                       dropReply, delay, hangUp, nakWrites, lateReply, splitReply, duplicateAck, corruptRow, echo,
+                       wrongSpeed});
     parser.process(application);
     if (parser.isSet(versionOption)) {
         std::printf("wrpd6t-radio-sim %s\n", qPrintable(QCoreApplication::applicationVersion()));
@@ -127,6 +135,9 @@ int main(int argc, char *argv[])
     faults.lateReplyRow = number(lateReply, 0, wr::MemoryImage::RowCount - 1, -1);
     faults.splitReplyRow = number(splitReply, 0, wr::MemoryImage::RowCount - 1, -1);
     faults.duplicateAckRow = number(duplicateAck, 0, wr::MemoryImage::RowCount - 1, -1);
+    faults.corruptRow = number(corruptRow, 0, wr::MemoryImage::RowCount - 1, -1);
+    faults.echo = parser.isSet(echo);
+    faults.wrongSpeed = parser.isSet(wrongSpeed);
 
     wr::MemoryImage memory;
     if (parser.isSet(imageOption)) {

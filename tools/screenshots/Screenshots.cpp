@@ -4,15 +4,17 @@
 //   QT_QPA_PLATFORM=offscreen:configfile=tests/shell/screens/large.json wrpd6t-screenshots OUTPUT_FOLDER
 // (QT_SCALE_FACTOR=1.5 for 150 %).
 // The progress form is also shown retrying and searching the ports against a
-// silent virtual radio, and the port error boxes with made-up devices. For
-// each dialog, focus-*.png shows it once for every stop of the Tab key, to
-// check that the focus can be seen on every control.
+// silent virtual radio and verifying a write, the port dialog after its
+// connection test, and the port error and verification boxes with made-up
+// devices and rows. For each dialog, focus-*.png shows it once for every
+// stop of the Tab key, to check that the focus can be seen on every control.
 #include "channels/ChannelRecord.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
 #include "link/CloneEngine.h"
 #include "link/PortCatalogue.h"
 #include "link/PortProblem.h"
+#include "link/TransferTexts.h"
 #include "link/frmclone.h"
 #include "shell/LanguageForm.h"
 #include "shell/MDIForm1.h"
@@ -30,6 +32,9 @@
 #include "VirtualRadio.h"
 
 #include <QApplication>
+#include <QComboBox>
+#include <QProgressBar>
+#include <QPushButton>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
@@ -112,18 +117,43 @@ void waitFor(const std::function<bool()> &done, int ms)
         QApplication::processEvents(QEventLoop::AllEvents, 10);
 }
 
+// A virtual radio in this process on a pseudo-terminal, registered as COM3
+// and the only port listed while it lives.
+class RadioOnCom3
+{
+public:
+    explicit RadioOnCom3(wr::sim::RadioFaults faults)
+        : radio(faults)
+        , m_line(radio, false)
+    {
+        m_open = m_line.open() && QFile::link(m_line.devicePath(), m_links.filePath(QStringLiteral("com3")));
+        wr::setSerialPortsFolder(m_links.path());
+        wr::setSystemPortSource([] { return QList<wr::SystemPort>{}; });
+        wr::app().PortNumber = 3;
+    }
+    ~RadioOnCom3()
+    {
+        wr::setSerialPortsFolder(QString());
+        wr::setSystemPortSource({});
+    }
+    bool isOpen() const { return m_open; }
+
+    wr::sim::VirtualRadio radio;
+
+private:
+    wr::sim::PtyRadio m_line;
+    QTemporaryDir m_links;
+    bool m_open = false;
+};
+
 // A read against a radio that never answers: once retrying, once trying the
 // next port of the search.
 void saveRetrying(QWidget *window, const QString &folder, const QString &tag)
 {
-    wr::sim::VirtualRadio radio(wr::sim::RadioFaults{.silent = true});
-    wr::sim::PtyRadio line(radio, false);
-    QTemporaryDir links;
-    if (!line.open() || !QFile::link(line.devicePath(), links.filePath(QStringLiteral("com3"))))
+    RadioOnCom3 com3(wr::sim::RadioFaults{.silent = true});
+    if (!com3.isOpen())
         return;
-    wr::setSerialPortsFolder(links.path());
-    wr::setSystemPortSource([] { return QList<wr::SystemPort>{}; });
-    wr::app().PortNumber = 3;
+    wr::app().LinkDirection = 0;
     auto *clone = new wr::frmclone(window);
     auto *status = clone->findChild<QLabel *>(QStringLiteral("lblStatus"));
     clone->show();
@@ -132,8 +162,50 @@ void saveRetrying(QWidget *window, const QString &folder, const QString &tag)
     waitFor([status] { return status->text().contains(QStringLiteral("COM3\u2026")); }, 5000);
     save(clone, folder, QStringLiteral("progress-port-search-") + tag);
     delete clone;
-    wr::setSerialPortsFolder(QString());
-    wr::setSystemPortSource({});
+}
+
+// A write read back: the progress form while it verifies.
+void saveVerifying(QWidget *window, wr::Language language, const QString &folder, const QString &tag)
+{
+    RadioOnCom3 com3(wr::sim::RadioFaults{});
+    if (!com3.isOpen())
+        return;
+    wr::app().LinkDirection = 1;
+    auto *clone = new wr::frmclone(window);
+    clone->setVerifyAfterWrite(true);
+    auto *status = clone->findChild<QLabel *>(QStringLiteral("lblStatus"));
+    auto *bar = clone->findChild<QProgressBar *>(QStringLiteral("prgPercent"));
+    const QString verifying = wr::statusText({wr::TransferStatus::Kind::Verifying}, language);
+    clone->show();
+    waitFor([&] { return status->text() == verifying && bar->value() >= 60; }, 20000);
+    save(clone, folder, QStringLiteral("progress-verifying-") + tag);
+    delete clone;
+}
+
+// The port dialog after its Test: the answer of a cable without a radio,
+// and the wait for a cable on a port that is not there.
+void saveConnectionTest(QWidget *window, wr::Language language, const QString &folder, const QString &tag)
+{
+    RadioOnCom3 com3(wr::sim::RadioFaults{.echo = true});
+    if (!com3.isOpen())
+        return;
+    for (const int port : {3, 9}) {
+        wr::frmComPort dialog(3, language, window);
+        auto *combo = dialog.findChild<QComboBox *>(QStringLiteral("Combo1"));
+        auto *test = dialog.findChild<QPushButton *>(QStringLiteral("cmdTest"));
+        auto *result = dialog.findChild<QLabel *>(QStringLiteral("lblTestResult"));
+        combo->setEditText(QStringLiteral("COM%1").arg(port));
+        dialog.show();
+        const QString idle = test->text();
+        test->click();
+        if (port == 3) {
+            waitFor([&] { return test->text() == idle && !result->text().isEmpty(); }, 10000);
+            save(&dialog, folder, QStringLiteral("port-dialog-test-") + tag);
+        } else {
+            waitFor([&] { return !result->text().isEmpty(); }, 2000);
+            save(&dialog, folder, QStringLiteral("port-dialog-waiting-") + tag);
+        }
+    }
 }
 
 void saveBox(QWidget *window, QMessageBox::Icon icon, const QString &title, const QString &text,
@@ -157,24 +229,50 @@ void savePortBoxes(QWidget *window, int language, const QString &folder, const Q
         {"port-permission-", {Kind::NoPermission, usb, QStringLiteral("Permission denied"), QStringLiteral("dialout")}},
         {"port-busy-", {Kind::Busy, usb, QStringLiteral("Permission error while locking the device"), {}}},
     };
+    const auto failed = [](int port, const wr::PortProblem &problem) {
+        wr::TransferOutcome outcome;
+        outcome.kind = wr::TransferOutcome::Kind::PortFailed;
+        outcome.port = port;
+        outcome.chosenPort = 33;
+        outcome.chosenByScan = port != 33;
+        outcome.problem = problem;
+        return outcome;
+    };
     for (const auto &failure : failures)
-        saveBox(window, QMessageBox::Warning, wr::ModelName(), wr::describePortProblem(33, failure.problem, language),
+        saveBox(window, QMessageBox::Warning, wr::ModelName(), wr::outcomeText(failed(33, failure.problem), language),
                 QMessageBox::Ok, folder, QString::fromLatin1(failure.name) + tag);
     const wr::PortProblem scanned{Kind::NoPermission, QStringLiteral("/dev/ttyS0"), QStringLiteral("Permission denied"),
                                   QStringLiteral("dialout")};
-    saveBox(window, QMessageBox::Warning, wr::ModelName(),
-            wr::describePortProblem(1, scanned, language) + u'\n' + wr::scanNote(1, 33, language), QMessageBox::Ok,
-            folder, QStringLiteral("port-search-permission-") + tag);
+    saveBox(window, QMessageBox::Warning, wr::ModelName(), wr::outcomeText(failed(1, scanned), language),
+            QMessageBox::Ok, folder, QStringLiteral("port-search-permission-") + tag);
 
-    const QString title = wr::CloneEngine::lostConnectionTitle(language);
-    const wr::PortProblem lost{Kind::Lost, usb, QStringLiteral("Input/output error"), {}};
-    saveBox(window, QMessageBox::Critical, title,
-            wr::CloneEngine::lostConnectionText(language, wr::describePortProblem(33, lost, language)),
+    const QString title = wr::lostConnectionTitle(language);
+    wr::TransferOutcome lost;
+    lost.kind = wr::TransferOutcome::Kind::PortLost;
+    lost.port = 33;
+    lost.problem = {Kind::Lost, usb, QStringLiteral("Input/output error"), {}};
+    saveBox(window, QMessageBox::Critical, title, wr::lostConnectionText(lost, language),
             QMessageBox::Retry | QMessageBox::Cancel, folder, QStringLiteral("port-lost-") + tag);
-    saveBox(window, QMessageBox::Critical, title,
-            wr::CloneEngine::lostConnectionText(
-                language, wr::portsTriedLine({{33, usb}, {1, QStringLiteral("/dev/ttyS0")}}, language)),
+    wr::TransferOutcome silent;
+    silent.kind = wr::TransferOutcome::Kind::NoAnswer;
+    silent.port = 1;
+    silent.portsTried = {{33, usb}, {1, QStringLiteral("/dev/ttyS0")}};
+    saveBox(window, QMessageBox::Critical, title, wr::lostConnectionText(silent, language),
             QMessageBox::Retry | QMessageBox::Cancel, folder, QStringLiteral("port-no-answer-") + tag);
+
+    // How a write that was read back ends: equal, or rows that differ.
+    wr::TransferOutcome verified;
+    verified.kind = wr::TransferOutcome::Kind::Completed;
+    verified.read = false;
+    verified.verified = true;
+    saveBox(window, QMessageBox::Information, wr::ModelName(), wr::outcomeText(verified, language), QMessageBox::Ok,
+            folder, QStringLiteral("verify-done-") + tag);
+    wr::TransferOutcome differs = verified;
+    differs.kind = wr::TransferOutcome::Kind::VerificationFailed;
+    differs.verified = false;
+    differs.differingRows = {5, 120, 230, 300, 409};
+    saveBox(window, QMessageBox::Warning, wr::ModelName(), wr::outcomeText(differs, language), QMessageBox::Ok,
+            folder, QStringLiteral("verify-failed-") + tag);
 }
 
 } // namespace
@@ -232,6 +330,8 @@ int main(int argc, char *argv[])
         save(clone, folder, QStringLiteral("progress-form-") + tag);
         delete clone;
         saveRetrying(&window, folder, tag);
+        saveVerifying(&window, language, folder, tag);
+        saveConnectionTest(&window, language, folder, tag);
         savePortBoxes(&window, language, folder, tag);
         window.close();
     }

@@ -1,7 +1,9 @@
-// The radio link subcommands of wrpd6t-tool: ports, read and write. They run
-// the same clone engine and serial driver as the progress form, with the
-// progress on stderr instead of a window. Given several ports, read and
-// write move all those radios at once, one cable each.
+// The radio link subcommands of wrpd6t-tool: ports, read and write (and the
+// doctor, in DoctorCommand.cpp). They run the same clone engine and serial
+// driver as the progress form, with the progress on stderr instead of a
+// window. Every transfer is a batch: one radio, which may be looked for on
+// the other ports and whose lost-connection question is asked on the
+// terminal, or several at once, one cable each.
 
 #include "Commands.h"
 
@@ -9,19 +11,21 @@
 #include "core/Language.h"
 #include "file/DataFile.h"
 #include "link/CloneBatch.h"
-#include "link/CloneDriver.h"
 #include "link/CloneEngine.h"
 #include "link/PortCatalogue.h"
 #include "link/PortProblem.h"
+#include "link/TransferTexts.h"
+
+#include "DoctorCommand.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QEventLoop>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QTimer>
 
 #include <cstdio>
+#include <memory>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -29,7 +33,6 @@ namespace wr::tool {
 
 namespace {
 
-constexpr int BarWidth = 40;
 constexpr int BatchBarWidth = 20;
 constexpr int RedrawMs = 100;
 
@@ -43,11 +46,9 @@ int linkFailure(const QString &command, const QString &message)
 // "COM7", "com7" or "7" -> 7; 0 when it is no port number from 1 to 255.
 int parsePort(const QString &text)
 {
-    static const QRegularExpression pattern(QStringLiteral("^(?:com)?(\\d{1,3})$"),
-                                            QRegularExpression::CaseInsensitiveOption);
-    const QRegularExpressionMatch match = pattern.match(text.trimmed());
-    const int number = match.hasMatch() ? match.captured(1).toInt() : 0;
-    return number >= 1 && number <= 255 ? number : 0;
+    const QString trimmed = text.trimmed();
+    const bool bare = !trimmed.isEmpty() && trimmed.front().isDigit();
+    return portNumberOf(bare ? QStringLiteral("COM") + trimmed : trimmed).value_or(0);
 }
 
 bool stderrIsTerminal()
@@ -71,26 +72,17 @@ QString progressBar(int value, int width)
         + QStringLiteral("] %1/%2 %3%").arg(value).arg(CloneEngine::ProgressMaximum).arg(percent);
 }
 
-void drawProgress(int value, bool final)
+// Lines after the first indented under a port's name.
+QString indented(const QString &text)
 {
-    const bool terminal = stderrIsTerminal();
-    if (!terminal && !final)
-        return;
-    err() << (terminal ? "\r" : "") << progressBar(value, BarWidth) << (final ? "\n" : "");
-    err().flush();
+    return QString(text).replace(u'\n', QStringLiteral("\n  "));
 }
 
-// What a transfer that found nobody to answer its question ends with.
-QString noValidAnswer(int port)
+// The lost-connection question, with what Cancel would end with under it:
+// asked on the terminal, answered Cancel when nobody is there to answer it.
+bool askRetry(const TransferOutcome &outcome)
 {
-    return QStringLiteral("no valid answer from the radio on COM%1; check the connection").arg(port);
-}
-
-// The lost-connection question, with the ports tried under it: asked on the
-// terminal, answered Cancel when nobody is there to answer it.
-bool askRetry(const QString &text)
-{
-    err() << '\n' << text << '\n';
+    err() << '\n' << lostConnectionText(outcome, English, Wording::CommandLine) << '\n';
     if (::isatty(STDIN_FILENO) == 0) {
         err() << "Cancel (no terminal to answer)\n";
         err().flush();
@@ -104,56 +96,8 @@ bool askRetry(const QString &text)
     return line[0] == 'r' || line[0] == 'R';
 }
 
-// Runs one transfer over "COM" + PortNumber of the application state. Returns
-// the message to fail with, or an empty string on success.
-QString transfer(AppState &state)
-{
-    CloneEngine engine(state);
-    QString failure;
-    QString completion;
-    int lastProgress = 0;
-    CloneDriver::Prompts prompts;
-    prompts.askRetry = [&](const QString &, const QString &text) {
-        const bool retry = askRetry(text);
-        if (!retry)
-            failure = noValidAnswer(state.PortNumber);
-        return retry;
-    };
-    prompts.showMessage = [&](CloneEngine::MessageIcon icon, const QString &, const QString &text) {
-        if (icon == CloneEngine::MessageIcon::Exclamation)
-            failure = text; // the port, the system's reason and what to do about it
-        else
-            completion = text; // shown under the finished bar
-    };
-    CloneDriver driver(engine, prompts);
-    QEventLoop loop;
-    QObject::connect(&driver, &CloneDriver::progressChanged, [&](int value, const QString &) {
-        lastProgress = value;
-        drawProgress(value, false);
-    });
-    QObject::connect(&driver, &CloneDriver::statusChanged, [&](const QString &text) {
-        // Retries and each port the search moves to, on a line of their
-        // own; the bar goes on below.
-        if (text.isEmpty())
-            return;
-        err() << (stderrIsTerminal() ? "\r\x1b[K" : "") << text << '\n';
-        err().flush();
-    });
-    QObject::connect(&driver, &CloneDriver::unloaded, &loop, &QEventLoop::quit);
-    driver.start();
-    if (driver.isRunning())
-        loop.exec();
-    if (engine.Finished) {
-        drawProgress(lastProgress, true);
-        err() << completion << '\n';
-        err().flush();
-        return {};
-    }
-    return failure.isEmpty() ? QStringLiteral("the transfer was interrupted") : failure;
-}
-
-// The progress of several transfers, one line per port: redrawn in place on
-// a terminal (at most every RedrawMs), otherwise a plain line for each
+// The progress of the transfers, one line per port: redrawn in place on a
+// terminal (at most every RedrawMs), otherwise a plain line for each
 // quarter of the way and each retry.
 class BatchProgress
 {
@@ -187,11 +131,12 @@ public:
             return;
         }
         const CloneBatch::Radio &radio = m_batch.radio(index);
-        if (radio.outcome != CloneBatch::Outcome::Running)
+        if (!radio.running)
             return; // the summary tells
-        if (!radio.status.isEmpty() && radio.status != m_statuses[index])
-            print(index, radio.status);
-        m_statuses[index] = radio.status;
+        const QString status = statusText(radio.status, English);
+        if (!status.isEmpty() && status != m_statuses[index])
+            print(index, status);
+        m_statuses[index] = status;
         // A retry starts the count over; its quarters are told again.
         const int quarter = radio.progress * 4 / CloneEngine::ProgressMaximum;
         if (quarter < m_quarters[index])
@@ -210,6 +155,14 @@ public:
             redraw();
     }
 
+    // Something else is about to be printed below the lines: the next
+    // redraw starts a new block under it instead of overwriting it.
+    void detach()
+    {
+        finish();
+        m_drawn = false;
+    }
+
 private:
     void print(int index, const QString &text)
     {
@@ -223,12 +176,11 @@ private:
             err() << "\x1b[" << m_batch.count() << 'A';
         for (int i = 0; i < m_batch.count(); ++i) {
             const CloneBatch::Radio &radio = m_batch.radio(i);
-            const char *state = radio.outcome == CloneBatch::Outcome::Running     ? ""
-                                : radio.outcome == CloneBatch::Outcome::Completed ? "  done"
-                                                                                  : "  failed";
+            const char *state = radio.running ? "" : radio.outcome.succeeded() ? "  done" : "  failed";
+            const QString status = statusText(radio.status, English);
             QString text = label(i).leftJustified(m_labelWidth) + QStringLiteral("  ")
                 + progressBar(radio.progress, BatchBarWidth) + QLatin1String(state)
-                + (radio.status.isEmpty() ? QString() : QStringLiteral("  ") + radio.status);
+                + (status.isEmpty() ? QString() : QStringLiteral("  ") + status);
             // A line that wrapped would throw the cursor off the lines to redraw.
             if (m_columns > 1)
                 text.truncate(m_columns - 1);
@@ -248,40 +200,44 @@ private:
     QTimer m_redraw;
 };
 
-// Runs a batch to its end with its progress on stderr.
-void runBatch(CloneBatch &batch)
+// Moves the radios on ports, each on its own cable, with the progress on
+// stderr. A single radio is moved as the progress form moves it: looked for
+// on the other ports when it does not answer on its own, and the
+// lost-connection question asked on the terminal.
+std::unique_ptr<CloneBatch> runBatch(CloneEngine::Direction direction, const QList<int> &ports,
+                                     const MemoryImage &image, bool verify)
 {
-    BatchProgress progress(batch);
+    CloneBatch::Options options;
+    options.verify = verify;
+    std::unique_ptr<BatchProgress> progress;
+    if (ports.size() == 1) {
+        options.portScan = true;
+        options.askRetry = [&progress](int, const TransferOutcome &outcome) {
+            progress->detach();
+            return askRetry(outcome);
+        };
+    }
+    auto batch = std::make_unique<CloneBatch>(direction, ports, image, options);
+    progress = std::make_unique<BatchProgress>(*batch);
     QEventLoop loop;
-    QObject::connect(&batch, &CloneBatch::changed, [&](int index) { progress.changed(index); });
-    QObject::connect(&batch, &CloneBatch::finished, &loop, &QEventLoop::quit);
-    batch.start();
+    QObject::connect(batch.get(), &CloneBatch::changed, [&](int index) { progress->changed(index); });
+    QObject::connect(batch.get(), &CloneBatch::finished, &loop, &QEventLoop::quit);
+    batch->start();
     loop.exec();
-    progress.finish();
+    progress->finish();
+    return batch;
 }
 
-// The summary line of a radio that was not moved: the same words as a
-// single transfer's message, under the port's name.
-QString batchFailure(const CloneBatch::Radio &radio)
+// The summary line of a radio: its port and how the transfer ended, in the
+// words of the progress form, what to do on the lines under it.
+QString summary(const CloneBatch::Radio &radio)
 {
-    const QString label = portLabel(radio.port, radio.device);
-    switch (radio.outcome) {
-    case CloneBatch::Outcome::NoAnswer:
-        return label + QStringLiteral(": ") + noValidAnswer(radio.port);
-    case CloneBatch::Outcome::PortFailed:
-        // Already under the port's name; the advice goes on an indented line.
-        return QString(radio.message).replace(u'\n', QStringLiteral("\n  "));
-    case CloneBatch::Outcome::PortLost:
-        // The window's advice for a lost port ends in its Retry button; a
-        // batch has none, so the user is told to run that port again.
-        return radio.message.section(u'\n', 0, 0)
-            + QStringLiteral("\n  The port went away during the transfer: check that the cable is still plugged "
-                             "in, then run the command again for this port.");
-    case CloneBatch::Outcome::Running:
-    case CloneBatch::Outcome::Completed:
-        break;
-    }
-    return label + QStringLiteral(": the transfer was interrupted");
+    QString text = indented(outcomeText(radio.outcome, English, Wording::CommandLine));
+    // The port's problem already begins with the port's name.
+    const TransferOutcome::Kind kind = radio.outcome.kind;
+    if (kind == TransferOutcome::Kind::PortFailed || kind == TransferOutcome::Kind::PortLost)
+        return text;
+    return portLabel(radio.port, radio.device) + QStringLiteral(": ") + text;
 }
 
 // The ports of a list, or a usage error for the first that is none or is
@@ -315,33 +271,33 @@ QString batchFileName(const QDir &folder, int port, const QDateTime &time)
     return path;
 }
 
-int readEach(const QList<int> &ports, const QString &folderPath)
+// Reads the radios on ports; one radio into the file at path, several into
+// one file each in the folder at path.
+int readRadios(const QList<int> &ports, const QString &path, bool each)
 {
-    if (!QDir().mkpath(folderPath))
-        return linkFailure(QStringLiteral("read"), QStringLiteral("%1: cannot create the folder").arg(folderPath));
-    const QDir folder(folderPath);
+    if (each && !QDir().mkpath(path))
+        return linkFailure(QStringLiteral("read"), QStringLiteral("%1: cannot create the folder").arg(path));
+    const QDir folder(path);
     const QDateTime started = QDateTime::currentDateTime();
 
     MemoryImage fresh;
     fresh.InitImage();
-    CloneBatch batch(CloneEngine::Direction::Read, ports, fresh, English);
-    runBatch(batch);
+    const std::unique_ptr<CloneBatch> batch = runBatch(CloneEngine::Direction::Read, ports, fresh, false);
 
     bool allSaved = true;
-    for (int i = 0; i < batch.count(); ++i) {
-        const CloneBatch::Radio &radio = batch.radio(i);
-        const QString label = portLabel(radio.port, radio.device);
-        if (radio.outcome != CloneBatch::Outcome::Completed) {
-            err() << batchFailure(radio) << '\n';
+    for (int i = 0; i < batch->count(); ++i) {
+        const CloneBatch::Radio &radio = batch->radio(i);
+        if (!radio.outcome.succeeded()) {
+            err() << summary(radio) << '\n';
             allSaved = false;
             continue;
         }
-        const QString path = QDir::toNativeSeparators(batchFileName(folder, radio.port, started));
+        const QString file = QDir::toNativeSeparators(each ? batchFileName(folder, radio.port, started) : path);
         QString errorString;
-        if (DataFile::Write(path, batch.image(i), &errorString)) {
-            err() << label << ": " << radio.message << " Saved as " << path << '\n';
+        if (DataFile::Write(file, batch->image(i), &errorString)) {
+            err() << summary(radio) << " Saved as " << file << '\n';
         } else {
-            err() << label << ": " << path << ": " << errorString << '\n';
+            err() << portLabel(radio.port, radio.device) << ": " << file << ": " << errorString << '\n';
             allSaved = false;
         }
     }
@@ -349,19 +305,13 @@ int readEach(const QList<int> &ports, const QString &folderPath)
     return allSaved ? Success : Failure;
 }
 
-int writeEach(const QList<int> &ports, const MemoryImage &image)
+int writeRadios(const QList<int> &ports, const MemoryImage &image, bool verify)
 {
-    CloneBatch batch(CloneEngine::Direction::Write, ports, image, English);
-    runBatch(batch);
-    for (int i = 0; i < batch.count(); ++i) {
-        const CloneBatch::Radio &radio = batch.radio(i);
-        if (radio.outcome == CloneBatch::Outcome::Completed)
-            err() << portLabel(radio.port, radio.device) << ": " << radio.message << '\n';
-        else
-            err() << batchFailure(radio) << '\n';
-    }
+    const std::unique_ptr<CloneBatch> batch = runBatch(CloneEngine::Direction::Write, ports, image, verify);
+    for (int i = 0; i < batch->count(); ++i)
+        err() << summary(batch->radio(i)) << '\n';
     err().flush();
-    return batch.allCompleted() ? Success : Failure;
+    return batch->allCompleted() ? Success : Failure;
 }
 
 int ports(const QStringList &arguments)
@@ -404,7 +354,7 @@ int read(const QStringList &arguments)
         if (!line.parser().isSet(into))
             return line.usageError(QStringLiteral("--each needs --into FOLDER"));
         const std::optional<QList<int>> ports = parsePorts(line, line.arguments());
-        return ports ? readEach(*ports, line.parser().value(into)) : UsageError;
+        return ports ? readRadios(*ports, line.parser().value(into), true) : UsageError;
     }
     if (line.parser().isSet(into))
         return line.usageError(QStringLiteral("--into goes with --each"));
@@ -412,24 +362,8 @@ int read(const QStringList &arguments)
         return line.usageError(line.arguments().size() < 2 ? QStringLiteral("missing argument")
                                                            : QStringLiteral("too many arguments; use --each "
                                                                             "--into FOLDER for several radios"));
-    const int port = parsePort(line.arguments().at(0));
-    if (port == 0)
-        return line.usageError(QStringLiteral("'%1' is not a port from COM1 to COM255").arg(line.arguments().at(0)));
-
-    AppState &state = app();
-    state.LanguageIndex = 0;
-    state.PortNumber = static_cast<quint8>(port);
-    state.LinkDirection = 0;
-    state.image.InitImage();
-    const QString failure = transfer(state);
-    if (!failure.isEmpty())
-        return linkFailure(QStringLiteral("read"), failure);
-
-    const QString path = line.arguments().at(1);
-    QString errorString;
-    if (!DataFile::Write(path, state.image, &errorString))
-        return linkFailure(QStringLiteral("read"), QStringLiteral("%1: %2").arg(path, errorString));
-    return Success;
+    const std::optional<QList<int>> port = parsePorts(line, line.arguments().first(1));
+    return port ? readRadios(*port, line.arguments().at(1), false) : UsageError;
 }
 
 int write(const QStringList &arguments)
@@ -437,7 +371,11 @@ int write(const QStringList &arguments)
     CommandLine line(QStringLiteral("write"),
                      QStringLiteral("Writes a data file into the radio on COM<N>. Given several ports, writes all "
                                     "those radios at once, one line of progress each; the exit status is 0 only "
-                                    "when every radio was written."));
+                                    "when every radio was written (and, with --verify, read back equal)."));
+    const QCommandLineOption verify(QStringLiteral("verify"),
+                                    QStringLiteral("Read every radio back after writing it and compare it byte for "
+                                                   "byte; a radio that differs names the first rows that do."));
+    line.parser().addOption(verify);
     line.addArgument(QStringLiteral("IN.tw"), QStringLiteral("The data file to send."));
     line.addArgument(QStringLiteral("COM<N>..."),
                      QStringLiteral("The port the radio is connected to, or several ports. A radio that does not "
@@ -448,29 +386,10 @@ int write(const QStringList &arguments)
     const std::optional<QList<int>> ports = parsePorts(line, line.arguments().mid(1));
     if (!ports)
         return UsageError;
-
-    const QString path = line.arguments().at(0);
-    const DataFile::ReadResult file = DataFile::Read(path);
-    if (file.status != DataFile::ReadStatus::Ok) {
-        return linkFailure(QStringLiteral("write"),
-                           QStringLiteral("%1: %2").arg(path, file.status == DataFile::ReadStatus::CannotOpen
-                                                                  ? file.errorString
-                                                                  : QStringLiteral("Incorrect File Type.")));
-    }
-    if (ports->size() > 1) {
-        MemoryImage image;
-        image.setBytes(file.image);
-        return writeEach(*ports, image);
-    }
-    AppState &state = app();
-    state.LanguageIndex = 0;
-    state.PortNumber = static_cast<quint8>(ports->first());
-    state.LinkDirection = 1;
-    state.image.setBytes(file.image);
-    const QString failure = transfer(state);
-    if (!failure.isEmpty())
-        return linkFailure(QStringLiteral("write"), failure);
-    return Success;
+    const std::optional<MemoryImage> image = readImage(line.arguments().at(0));
+    if (!image)
+        return Failure;
+    return writeRadios(*ports, *image, line.parser().isSet(verify));
 }
 
 } // namespace
@@ -482,7 +401,9 @@ QList<Command> linkCommands()
         {QStringLiteral("read"),
          QStringLiteral("read a radio into a data file: read COM<N> OUT.tw, or read --each COM<N>... --into FOLDER"),
          read},
-        {QStringLiteral("write"), QStringLiteral("write a data file into radios: write IN.tw COM<N>..."), write},
+        {QStringLiteral("write"),
+         QStringLiteral("write a data file into radios: write [--verify] IN.tw COM<N>..."), write},
+        doctorCommand(),
     };
 }
 
