@@ -98,7 +98,7 @@ void showChannelSheet(QWidget *parent, const MemoryImage &image, Language langua
     printer.setPageLayout(sheetPageLayout(rememberedPaper(settings)));
     printer.setDocName(SheetTitle.in(language));
 
-    readListBoxesByName();
+    useSpokenNames();
     QPrintPreviewDialog dialog(&printer, parent);
     dialog.setObjectName(u"frmChannelSheet"_s);
     dialog.setWindowTitle(SheetTitle.in(language));
