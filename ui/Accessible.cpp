@@ -36,7 +36,9 @@ QString spokenCaption(const QString &caption)
 void nameControlsAfterLabels(QWidget *form)
 {
     for (const QLabel *label : form->findChildren<QLabel *>()) {
-        if (QWidget *buddy = label->buddy())
+        // A label that is another's buddy keeps its text as its name: it
+        // shows a value ("/dev/ttyUSB0"), which its label's relation names.
+        if (QWidget *buddy = label->buddy(); buddy && !qobject_cast<QLabel *>(buddy))
             buddy->setAccessibleName(spokenCaption(label->text()));
     }
     nameListTexts(form);

@@ -9,6 +9,8 @@
 #include "channels/ChannelRecord.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
+#include "link/PortCatalogue.h"
+#include "link/frmclone.h"
 #include "shell/MDIForm1.h"
 #include "ui/Accessible.h"
 #include "sheet/SheetPreview.h"
@@ -16,6 +18,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
+#include <QFile>
 #include <QPointer>
 #include <QSocketNotifier>
 #include <QStandardPaths>
@@ -23,6 +26,9 @@
 #include <QTest>
 #include <QTimer>
 #include <QWindow>
+
+#include "PtyRadio.h"
+#include "VirtualRadio.h"
 
 #include <cstdio>
 #include <functional>
@@ -182,6 +188,21 @@ int main(int argc, char *argv[])
         {u"frmMemoryMap"_s, command("actMemoryMap")},
         {u"frmChannelSheet"_s, [&] {
              wr::sheet::showChannelSheet(&window, wr::app().image, wr::Language(language), {}, {}, settings);
+         }},
+        // The progress form during a read from a radio at the line's real
+        // speed on COM3, long enough to be walked.
+        {u"frmclone"_s, [&window] {
+             wr::sim::VirtualRadio radio(wr::sim::RadioFaults{});
+             wr::sim::PtyRadio line(radio, true);
+             QTemporaryDir ports;
+             if (!line.open() || !QFile::link(line.devicePath(), ports.filePath(u"com3"_s)))
+                 return;
+             wr::setSerialPortsFolder(ports.path());
+             wr::setSystemPortSource([] { return QList<wr::SystemPort>{}; });
+             wr::app().PortNumber = 3;
+             wr::app().LinkDirection = 0;
+             wr::frmclone(&window).exec();
+             wr::setSerialPortsFolder({});
          }},
         // The question before a read: a message box, read as an alert.
         {u"QMessageBox"_s, command("mnuRead")},

@@ -4,7 +4,7 @@
 # where the accessibility bus (at-spi2-core) starts on demand and Qt programs
 # publish their accessible objects as they would to a running screen reader.
 set -euo pipefail
-for program in Xvfb dbus-run-session; do
+for program in Xvfb dbus-run-session dbus-send; do
     command -v "$program" >/dev/null || { echo "$program is missing: run .ci/install-deps" >&2; exit 1; }
 done
 scratch=$(mktemp -d)
@@ -21,4 +21,7 @@ done
 export DISPLAY=":$(cat "$scratch/display")"
 export QT_QPA_PLATFORM=xcb QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1
 export XDG_RUNTIME_DIR="$scratch"
-dbus-run-session -- "$@"
+# Qt joins the accessibility bus once it is there, but does not start it: a
+# screen reader's session would have; asking for its address starts it.
+dbus-run-session -- sh -c 'dbus-send --session --print-reply --dest=org.a11y.Bus /org/a11y/bus \
+    org.a11y.Bus.GetAddress >/dev/null && exec "$@"' sh "$@"

@@ -186,7 +186,7 @@ private Q_SLOTS:
         keys(Qt::Key_Return);
         keys(Qt::CTRL | Qt::Key_W);
         QCOMPARE(answered, (QStringList{u"Read data from radio."_s, u"Reading completed!"_s, u"Write data to radio."_s,
-                                        u"Writing completed!"_s}));
+                                        u"Writing completed! (verified)"_s}));
         QTRY_COMPARE_WITH_TIMEOUT(ShellHarness::rxOf(wr::DataFile::Read(saved).image, 5), u"146.52500"_s, 5000);
     }
 
