@@ -9,6 +9,7 @@
 #include "ui/Accessible.h"
 
 #include <QAbstractItemView>
+#include <QAction>
 #include <QCloseEvent>
 #include <QContextMenuEvent>
 #include <QComboBox>
@@ -230,9 +231,24 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     ChannelToolHost &host = *this;
     m_tools = new ChannelTools(host, *m_model, *m_history, m_state.BandLimits, m_grid);
 
+    // The memory map's key, beside its mouse gesture, anywhere in the window.
+    auto *memoryMap = new QAction(this);
+    memoryMap->setObjectName(QStringLiteral("actMemoryMap"));
+    memoryMap->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::ALT | Qt::Key_M));
+    memoryMap->setShortcutContext(Qt::WindowShortcut);
+    connect(memoryMap, &QAction::triggered, this, &frmChannel::requestMemoryMap);
+    addAction(memoryMap);
+
     RefreshChannelOP();
     RefreshChannel();
     keepCurrentCell(m_grid);
+}
+
+void frmChannel::requestMemoryMap()
+{
+    commitOpenEditor();
+    SaveData();
+    Q_EMIT memoryMapRequested();
 }
 
 frmChannel::~frmChannel() = default;
@@ -648,9 +664,7 @@ bool frmChannel::eventFilter(QObject *watched, QEvent *event)
         const auto *mouse = static_cast<QMouseEvent *>(event);
         const auto gesture = Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier;
         if (mouse->button() == Qt::RightButton && (mouse->modifiers() & gesture) == gesture) {
-            commitOpenEditor();
-            SaveData();
-            Q_EMIT memoryMapRequested();
+            requestMemoryMap();
             return true;
         }
     }

@@ -93,7 +93,8 @@ public:
     QList<int> selectedChannels() const override;
 
 Q_SIGNALS:
-    // Right click with Shift, Ctrl and Alt held, after the grid was saved.
+    // Right click with Shift, Ctrl and Alt held, or Ctrl+Shift+Alt+M, after
+    // the grid was saved.
     void memoryMapRequested();
 
 protected:
@@ -115,6 +116,7 @@ private:
     void commitEdit() override;
     int lastChannel() const override;
 
+    void requestMemoryMap();
     void SetupChannelGrid();
     void SyncGridCursor();
     void edit(int channel, const Channel &edited);

@@ -128,12 +128,6 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
     buildToolBar();
     m_status = new StatusPanels(statusBar());
 
-    // The memory map's key, for the same as the channel list's mouse gesture.
-    auto *memoryMap = addCommand(new QAction(this), Commit::ChannelEdit, &MDIForm1::openMemoryMapByKey);
-    memoryMap->setObjectName(u"actMemoryMap"_s);
-    memoryMap->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::ALT | Qt::Key_M));
-    addAction(memoryMap);
-
     Form_Load();
 }
 
@@ -601,13 +595,6 @@ void MDIForm1::openMemoryMap()
     m_memoryMap->show();
     m_memoryMap->raise();
     m_memoryMap->activateWindow();
-}
-
-void MDIForm1::openMemoryMapByKey()
-{
-    if (m_channels)
-        m_channels->SaveData();
-    openMemoryMap();
 }
 
 void MDIForm1::showEvent(QShowEvent *event)

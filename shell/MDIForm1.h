@@ -129,8 +129,6 @@ private:
     void openScramble();
     void openRadio();
     void openMemoryMap();
-    // Ctrl+Shift+Alt+M: the grid saved as the gesture saves it, then the map.
-    void openMemoryMapByKey();
 
     void Tree0_NodeClick(QTreeWidgetItem *node);
     void keepBackup(BackupReason reason);
