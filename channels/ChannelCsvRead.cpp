@@ -1,31 +1,23 @@
 // Reading CHIRP CSV: the columns a header names, each row on its own
 // (reading), where the rows go (placing, ChannelPlans.h), and what the whole
-// text gives (counting).
+// text gives (counting). Rows of the channel list's own cells are read in
+// ChannelCsvGrid.cpp.
 
-#include "channels/ChannelCsv.h"
+#include "channels/CsvRowReader.h"
 
-#include "channels/ChirpColumns.h"
-#include "core/CsvText.h"
-#include "core/ToneCodec.h"
-
-#include <algorithm>
-#include <array>
-#include <optional>
+#include <span>
+#include <utility>
 
 namespace wr {
 
 using namespace Qt::StringLiterals;
 using namespace chirp;
+using namespace csvread;
 
 namespace {
 
 using enum ImportNote::Reason;
-
-// A tone in a file counts as one of ours when it is this close (hundredths
-// of a hertz).
-constexpr int ToneTolerance = 10;
-// Power from this many tenths of a watt upward is the radio's high power.
-constexpr qint64 HighPowerTenthsOfWatt = 30;
+using csvread::Column; // not CHIRP's enumeration of its columns
 
 // What each reason says, in the order of the reasons.
 struct ReasonText
@@ -88,20 +80,6 @@ static_assert([] {
     return at == int(ImportNote::Reason::CommentsNotKept) + 1;
 }());
 
-// Where each column stands in the rows.
-struct Layout
-{
-    bool hasHeader = false;
-    bool refused = false;
-    QChar separator = u',';
-    std::array<int, ColumnCount> at{};
-    QStringList names;        // the header's names by field
-    qsizetype fieldCount = 0; // fields of a whole row
-    QStringList ignored;      // header names not used
-
-    Layout() { at.fill(-1); }
-};
-
 // The first line that is neither blank nor a comment.
 QStringView firstLine(QStringView text)
 {
@@ -114,24 +92,55 @@ QStringView firstLine(QStringView text)
     return {};
 }
 
-// A header starts with Location; its separator follows that first name.
-// Rows alone, as a spreadsheet copies them, are CHIRP's columns in order,
-// separated by the TAB, ';' or ',' their first line holds.
-Layout layoutOf(QStringView text)
+// The CHIRP column a header's name is, in any case; -1 when it is none.
+int chirpColumnNamed(QStringView name)
+{
+    const auto found = std::find_if(Names.begin(), Names.end(), [name](QStringView known) {
+        return name.compare(known, Qt::CaseInsensitive) == 0;
+    });
+    return found == Names.end() ? -1 : int(found - Names.begin());
+}
+
+// A field that reads as a number (a frequency, a tone, a channel number) is
+// a row's, never a header's.
+bool isNumber(const QString &field)
+{
+    return freq::parseDecimal(field, 6).has_value() || freq::parseDecimal(field, 6, u',').has_value();
+}
+
+// A first line is a header when, split at a TAB, ';' or ',', its fields name
+// known columns and none is a number; of the separators, the one giving the
+// most names. Rows alone, as a spreadsheet copies them, are separated by
+// the TAB, ';' or ',' their first line holds: the channel list's cells from
+// firstColumn on, or CHIRP's columns in order when they are too many for
+// the list.
+Layout layoutOf(QStringView text, int firstColumn)
 {
     Layout layout;
     const QStringView first = firstLine(text);
+    qsizetype mostNames = 0;
     for (const QChar separator : {u'\t', u';', u','}) {
-        if (csv::records(first, separator).value(0).fields.value(0).trimmed() == Names[Location]) {
-            layout.hasHeader = true;
+        const QStringList fields = csv::records(first, separator).value(0).fields;
+        if (std::any_of(fields.begin(), fields.end(), isNumber))
+            continue;
+        const qsizetype names = std::count_if(fields.begin(), fields.end(), [](const QString &field) {
+            return chirpColumnNamed(field.trimmed()) >= 0 || gridColumnNamed(field.trimmed()) >= 0;
+        });
+        if (names > mostNames) {
+            mostNames = names;
             layout.separator = separator;
-            return layout;
+            layout.hasHeader = true;
         }
     }
+    if (layout.hasHeader)
+        return layout;
+
     layout.separator = first.contains(u'\t') ? u'\t' : first.count(u';') > first.count(u',') ? u';' : u',';
     qsizetype widest = 0;
     for (const csv::Record &row : csv::records(text, layout.separator))
         widest = std::max(widest, row.fields.size());
+    if (layoutGridBlock(layout, widest, firstColumn))
+        return layout;
     layout.fieldCount = std::min<qsizetype>(widest, ColumnCount);
     for (int column = 0; column < layout.fieldCount; ++column) {
         layout.at[std::size_t(column)] = column;
@@ -140,6 +149,10 @@ Layout layoutOf(QStringView text)
     return layout;
 }
 
+// The fields a header names: CHIRP's columns, whose rows need a Frequency,
+// or else the channel list's cells (a Location column then gives the
+// channel numbers). Names of the other kind, unknown and repeated names
+// are not used.
 void readHeader(Layout &layout, const csv::Record &header)
 {
     for (int at = 0; at < header.fields.size(); ++at) {
@@ -148,179 +161,30 @@ void readHeader(Layout &layout, const csv::Record &header)
         if (name.isEmpty())
             continue;
         layout.fieldCount = at + 1;
-        const auto found = std::find(Names.begin(), Names.end(), name);
-        int *slot = found != Names.end() ? &layout.at[std::size_t(found - Names.begin())] : nullptr;
+        const int chirpColumn = chirpColumnNamed(name);
+        const int gridColumn = gridColumnNamed(name);
+        int *slot = chirpColumn >= 0 ? &layout.at[std::size_t(chirpColumn)]
+            : gridColumn >= 0        ? &layout.cells[std::size_t(gridColumn)]
+                                     : nullptr;
         if (slot && *slot < 0)
             *slot = at;
-        else
-            layout.ignored.append(name);
     }
-    layout.refused = layout.at[Location] < 0 || layout.at[Frequency] < 0;
+    const bool anyCell = std::any_of(layout.cells.begin() + ColRx, layout.cells.end(), [](int at) { return at >= 0; });
+    layout.gridRows = layout.at[Frequency] < 0 && anyCell;
+    if (layout.gridRows && layout.cells[ColNumber] < 0)
+        layout.cells[ColNumber] = std::exchange(layout.at[Location], -1);
+    layout.refused = layout.at[Frequency] < 0 && !layout.gridRows;
+
+    QList<int> used;
+    for (int at : layout.gridRows ? std::span<const int>(layout.cells) : std::span<const int>(layout.at)) {
+        if (at >= 0)
+            used.append(at);
+    }
+    for (int at = 0; at < layout.names.size(); ++at) {
+        if (!layout.names.at(at).isEmpty() && !used.contains(at))
+            layout.ignored.append(layout.names.at(at));
+    }
 }
-
-// A column of the layout: where its field is and what the file calls it.
-struct Column
-{
-    int index = -1;
-    QString name;
-};
-
-// Turns one row into a channel, or finds why it must be skipped. The notes
-// of a skipped row are only the reason it was skipped.
-class RowReader
-{
-public:
-    RowReader(const csv::Record &record, const Layout &layout, const BandLimitArray &limits)
-        : m_record(record)
-        , m_layout(layout)
-        , m_limits(limits)
-    {
-    }
-
-    Column chirp(chirp::Column column) const
-    {
-        return columnAt(m_layout.at[std::size_t(column)], Names[std::size_t(column)]);
-    }
-    QString field(const Column &column) const { return m_record.fields.value(column.index); }
-    QString trimmed(const Column &column) const { return field(column).trimmed(); }
-
-    void note(const Column &column, ImportNote::Reason reason, const QString &argument1 = {},
-              const QString &argument2 = {}, const Text *word = nullptr)
-    {
-        if (!m_failed)
-            m_notes.append({m_record.line, column.name, field(column), reason, argument1, argument2, word});
-    }
-    void fail(const Column &column, ImportNote::Reason reason)
-    {
-        if (m_failed)
-            return;
-        m_notes.clear();
-        note(column, reason);
-        m_failed = true;
-    }
-    bool failed() const { return m_failed; }
-    const QList<ImportNote> &notes() const { return m_notes; }
-
-    std::optional<qint64> megahertz(const Column &column)
-    {
-        const QString text = trimmed(column);
-        const std::optional<qint64> hz = freq::parseDecimal(text, 6, decimalPoint(text));
-        if (!hz)
-            fail(column, ImportNote::Reason::NotAFrequency);
-        return hz;
-    }
-
-    // The receive frequency, in the bands and on the raster.
-    QString receive(const Column &column)
-    {
-        if (trimmed(column).isEmpty()) {
-            fail(column, ImportNote::Reason::EmptyFrequency);
-            return {};
-        }
-        const std::optional<qint64> hz = megahertz(column);
-        if (!hz)
-            return {};
-        if (!inReceiveBands(*hz, m_limits)) {
-            fail(column, ImportNote::Reason::RxOutOfBand);
-            return {};
-        }
-        const QString text = NormaliseRxFreq(mhzText(*hz), m_limits);
-        if (hzOf(text) != *hz)
-            note(column, ImportNote::Reason::MovedOntoRaster, text);
-        return text;
-    }
-
-    // A transmit frequency, dropped when outside the transmit bands.
-    QString transmit(const Column &column, qint64 hz)
-    {
-        if (!inTransmitBands(hz, m_limits)) {
-            note(column, ImportNote::Reason::TxOutOfBand, mhzText(hz));
-            return {};
-        }
-        const QString text = NormaliseTxFreq(mhzText(hz), m_limits);
-        if (hzOf(text) != hz)
-            note(column, ImportNote::Reason::MovedOntoRaster, text);
-        return text;
-    }
-
-    // A CTCSS tone of the radio's list within a tenth of a hertz.
-    QString ctcss(const Column &column)
-    {
-        const QString text = trimmed(column);
-        const std::optional<qint64> hundredths = freq::parseDecimal(text, 2, decimalPoint(text));
-        if (!hundredths) {
-            fail(column, ImportNote::Reason::NotATone);
-            return {};
-        }
-        const auto nearest = std::min_element(CtcssTones.begin(), CtcssTones.end(), [&](int a, int b) {
-            return qAbs(a * 10 - *hundredths) < qAbs(b * 10 - *hundredths);
-        });
-        const qint64 distance = qAbs(*nearest * 10 - *hundredths);
-        if (distance > ToneTolerance) {
-            fail(column, ImportNote::Reason::ToneNotListed);
-            return {};
-        }
-        const QString tone = u"%1.%2"_s.arg(*nearest / 10).arg(*nearest % 10);
-        if (distance != 0)
-            note(column, ImportNote::Reason::ToneTaken, tone);
-        return tone;
-    }
-
-    // A DCS code of the radio's list ("23" or "023"), as the tone text with
-    // its polarity N or R.
-    QString dcs(const Column &column, QChar polarity)
-    {
-        const QString text = trimmed(column);
-        return dcsTone(column, text.size() <= 3 ? text.rightJustified(3, u'0') : text, polarity);
-    }
-
-    bool power(const Column &column)
-    {
-        QString text = trimmed(column);
-        if (text.isEmpty() || Words::High.matches(text))
-            return true;
-        if (Words::Low.matches(text))
-            return false;
-        if (text.endsWith(u'W') || text.endsWith(u'w'))
-            text.chop(1);
-        if (const auto tenths = freq::parseDecimal(text, 1, decimalPoint(text)))
-            return *tenths >= HighPowerTenthsOfWatt;
-        note(column, ImportNote::Reason::NotUnderstood, {}, {}, &Words::High);
-        return true;
-    }
-
-private:
-    Column columnAt(int index, QStringView name) const
-    {
-        return {index, m_layout.names.value(index, name.toString())};
-    }
-
-    QString dcsTone(const Column &column, const QString &code, QChar polarity)
-    {
-        const auto digit = [](QChar c) { return c >= u'0' && c <= u'9'; };
-        if (code.size() != 3 || !std::all_of(code.begin(), code.end(), digit)) {
-            fail(column, ImportNote::Reason::NotATone);
-            return {};
-        }
-        if (std::find(DcsCodes.begin(), DcsCodes.end(), code.toInt()) == DcsCodes.end()) {
-            fail(column, ImportNote::Reason::CodeNotListed);
-            return {};
-        }
-        return u'D' + code + (polarity == u'R' ? u'I' : u'N');
-    }
-
-    // Files separated by ';' or a TAB may write a decimal comma.
-    QChar decimalPoint(const QString &text) const
-    {
-        return m_layout.separator != u',' && text.contains(u',') ? u',' : u'.';
-    }
-
-    const csv::Record &m_record;
-    const Layout &m_layout;
-    const BandLimitArray &m_limits;
-    QList<ImportNote> m_notes;
-    bool m_failed = false;
-};
 
 void readChirpTones(RowReader &row, ImportedChannel &channel)
 {
@@ -451,10 +315,10 @@ std::optional<int> channelNumber(const QString &text)
     return ok ? std::optional<int>(number) : std::nullopt;
 }
 
-ImportNote makeNote(int line, const QString &column, const QString &value, ImportNote::Reason reason,
+ImportNote makeNote(int line, const Column &column, const QString &value, ImportNote::Reason reason,
                     const QString &argument1 = {}, const QString &argument2 = {})
 {
-    return {line, column, value, reason, argument1, argument2, nullptr};
+    return {line, column.name, value, reason, argument1, argument2, nullptr, column.gridColumn};
 }
 
 // A row read, before it is given its channel.
@@ -469,13 +333,15 @@ struct Candidate
 };
 
 // Reading: each row on its own, and once for the text the names and
-// comments that are not kept, at the first row holding one.
+// comments that are not kept, at the first row holding one. Rows without a
+// Location take the channels from firstChannel on, one for each line.
 QList<Candidate> readRows(const QList<csv::Record> &records, const Layout &layout, const BandLimitArray &limits,
-                          QList<ImportNote> &notes)
+                          int firstChannel, QList<ImportNote> &notes)
 {
     QList<Candidate> candidates;
     int names = 0, comments = 0;
     ImportNote firstName, firstComment;
+    const int firstLine = records.isEmpty() ? 0 : records.front().line;
     for (const csv::Record &record : records) {
         // A spreadsheet's empty rows (",,,,") are no rows.
         if (std::all_of(record.fields.begin(), record.fields.end(), [](const QString &f) { return f.trimmed().isEmpty(); }))
@@ -483,8 +349,20 @@ QList<Candidate> readRows(const QList<csv::Record> &records, const Layout &layou
         RowReader row(record, layout, limits);
         Candidate candidate;
         candidate.line = record.line;
-        candidate.locationColumn = row.chirp(Location);
+        candidate.locationColumn = layout.gridRows ? row.cell(ColNumber) : row.chirp(Location);
         candidate.location = row.field(candidate.locationColumn);
+        if (layout.gridRows) {
+            // A row of cells may stop short: the cells it lacks are not given.
+            candidate.number = layout.hasLocation() ? channelNumber(candidate.location)
+                                                    : firstChannel + record.line - firstLine;
+            if (!candidate.number)
+                row.fail(candidate.locationColumn, NotAChannelNumber);
+            else
+                candidate.channel = readGridRow(row, record.line, limits);
+            candidate.notes = row.notes();
+            candidates.append(candidate);
+            continue;
+        }
         if (record.fields.size() < layout.fieldCount) {
             row.fail({-1, layout.names.value(record.fields.size())}, ShortRow);
             candidate.notes = row.notes();
@@ -493,17 +371,18 @@ QList<Candidate> readRows(const QList<csv::Record> &records, const Layout &layou
             candidates.append(candidate);
             continue;
         }
-        candidate.number = channelNumber(candidate.location);
+        candidate.number = layout.hasLocation() ? channelNumber(candidate.location)
+                                                : firstChannel + record.line - firstLine;
         if (!candidate.number) {
             row.fail(candidate.locationColumn, NotAChannelNumber);
         } else if ((candidate.channel = readChirpRow(row, record.line))) {
             const Column name = row.chirp(Name), comment = row.chirp(Comment);
             if (!row.trimmed(name).isEmpty() && names++ == 0)
-                firstName = makeNote(record.line, name.name, row.field(name), NamesNotKept);
+                firstName = makeNote(record.line, name, row.field(name), NamesNotKept);
             bool otherComment = false;
             bclOfComment(row.trimmed(comment), &otherComment);
             if (otherComment && comments++ == 0)
-                firstComment = makeNote(record.line, comment.name, row.field(comment), CommentsNotKept);
+                firstComment = makeNote(record.line, comment, row.field(comment), CommentsNotKept);
         }
         candidate.notes = row.notes();
         candidates.append(candidate);
@@ -520,31 +399,37 @@ QList<Candidate> readRows(const QList<csv::Record> &records, const Layout &layou
 }
 
 // Placing: the channel of each row; a row that goes nowhere keeps only the
-// note that says why.
-void placeCandidates(QList<Candidate> &candidates, int pasteAt, CsvImport &result)
+// note that says why. Rows numbered by their lines go to those channels; a
+// row giving some cells only goes to a channel in use.
+void placeCandidates(QList<Candidate> &candidates, const CsvTarget &target, bool byLocation, CsvImport &result)
 {
     QList<RowLocation> locations;
     for (const Candidate &candidate : std::as_const(candidates))
         locations.append({candidate.number, candidate.channel.has_value()});
-    const Placement placement = placeRows(locations, pasteAt);
+    const Placement placement = placeRows(locations, byLocation ? target.pasteAt : 0);
     if (placement.firstZero >= 0) {
         const Candidate &zero = candidates[placement.firstZero];
-        result.notes.append(makeNote(zero.line, zero.locationColumn.name, zero.location, LocationZero));
+        result.notes.append(makeNote(zero.line, zero.locationColumn, zero.location, LocationZero));
     }
     for (qsizetype at = 0; at < candidates.size(); ++at) {
         Candidate &candidate = candidates[at];
         const PlacedRow &placed = placement.rows[at];
         const auto skip = [&](ImportNote::Reason reason, const QString &argument1 = {}, const QString &argument2 = {}) {
             candidate.channel.reset();
-            candidate.notes = {makeNote(candidate.line, candidate.locationColumn.name, candidate.location, reason,
-                                        argument1, argument2)};
+            candidate.notes = {
+                makeNote(candidate.line, candidate.locationColumn, candidate.location, reason, argument1, argument2)};
         };
         switch (placed.outcome) {
         case PlacedRow::Placed:
+            if (!candidate.channel->gives(ColRx) && !(target.table && target.table->at(placed.channel).inUse())) {
+                candidate.channel.reset();
+                candidate.notes = {makeNote(candidate.line, {-1, {}, ColRx}, {}, EmptyFrequency)};
+                break;
+            }
             result.channels[placed.channel] = *candidate.channel;
             break;
         case PlacedRow::Outside:
-            skip(pasteAt > 0 ? PastLastChannel : NotAChannelNumber);
+            skip(target.pasteAt > 0 || !byLocation ? PastLastChannel : NotAChannelNumber);
             break;
         case PlacedRow::Replaced:
             skip(Replaced, QString::number(placed.channel), QString::number(candidates[placed.replacedBy].line));
@@ -586,6 +471,13 @@ QString ImportNote::text(Language language) const
     return result;
 }
 
+QString ImportNote::columnName(Language language) const
+{
+    if (column.isEmpty() && gridColumn >= 0 && gridColumn < ChannelColumnCount)
+        return ChannelColumnCaptions[std::size_t(gridColumn)].in(language);
+    return column;
+}
+
 ChannelTexts ImportedChannel::texts(Language language) const
 {
     const QString none = Words::None.in(language);
@@ -601,12 +493,33 @@ ChannelTexts ImportedChannel::texts(Language language) const
     return cells;
 }
 
-CsvImport readChannelCsv(QStringView text, const BandLimitArray &limits, int pasteAt)
+Channel ImportedChannel::appliedTo(Channel channel, Language language) const
+{
+    const ChannelTexts row = texts(language);
+    if (!channel.inUse()) {
+        channel.hidden = Channel::Created;
+        channel.texts = row;
+        return channel;
+    }
+    ChannelTexts &cells = channel.texts;
+    for (int column = ColRx; column <= ColBcl; ++column) {
+        if (gives(column))
+            cells.cell(column) = row.cell(column);
+    }
+    // As typing keeps a row: an encode tone only with a transmit frequency.
+    if (cells.tx.isEmpty())
+        cells.encode.clear();
+    else if (cells.encode.isEmpty())
+        cells.encode = Words::None.in(language);
+    return channel;
+}
+
+CsvImport readChannelCsv(QStringView text, const BandLimitArray &limits, const CsvTarget &target)
 {
     if (text.startsWith(QChar(0xFEFF)))
         text = text.mid(1);
     CsvImport result;
-    Layout layout = layoutOf(text);
+    Layout layout = layoutOf(text, target.firstColumn);
     QList<csv::Record> records = csv::records(text, layout.separator);
     if (layout.hasHeader) {
         const csv::Record header = records.takeFirst();
@@ -616,10 +529,16 @@ CsvImport readChannelCsv(QStringView text, const BandLimitArray &limits, int pas
             return result;
         }
         if (!layout.ignored.isEmpty())
-            result.notes.append(makeNote(header.line, QString(), layout.ignored.join(u", "), ColumnsIgnored));
+            result.notes.append(makeNote(header.line, {}, layout.ignored.join(u", "), ColumnsIgnored));
+    } else if (layout.gridRows) {
+        for (int column = ColRx; column <= ColBcl; ++column) {
+            if (layout.cells[std::size_t(column)] >= 0)
+                result.readAs.append(column);
+        }
     }
-    QList<Candidate> candidates = readRows(records, layout, limits, result.notes);
-    placeCandidates(candidates, pasteAt, result);
+    result.byLocation = layout.hasLocation();
+    QList<Candidate> candidates = readRows(records, layout, limits, target.firstChannel, result.notes);
+    placeCandidates(candidates, target, result.byLocation, result);
     countRows(candidates, result);
     return result;
 }
@@ -627,13 +546,8 @@ CsvImport readChannelCsv(QStringView text, const BandLimitArray &limits, int pas
 ChannelChanges importedChannels(const ChannelTable &table, const CsvImport &import, Language language)
 {
     ChannelChanges changes;
-    for (const auto &[number, values] : import.channels) {
-        Channel channel = table.at(number);
-        if (!channel.inUse())
-            channel.hidden = Channel::Created;
-        channel.texts = values.texts(language);
-        changes[number] = channel;
-    }
+    for (const auto &[number, values] : import.channels)
+        changes[number] = values.appliedTo(table.at(number), language);
     return changes;
 }
 

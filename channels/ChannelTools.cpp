@@ -61,9 +61,10 @@ constexpr Text ImportStep{u"Import", u"导入", u"匯入"};
 constexpr Text NoRoomToInsert{u"Channel 128 is in use: there is no room to insert a channel.",
                               u"信道 128 已被使用，无法插入信道。", u"信道 128 已被使用，無法插入信道。"};
 constexpr Text NotAChannelList{
-    u"There is no Location or no Frequency column, so this is not a CHIRP channel list. Nothing was changed.",
-    u"没有 Location 或 Frequency 列，不是 CHIRP 信道列表。未做任何更改。",
-    u"沒有 Location 或 Frequency 欄，不是 CHIRP 信道列表。未做任何變更。"};
+    u"There is no Frequency column and no column of the channel list, so this is not a channel list. Nothing was "
+    u"changed.",
+    u"没有 Frequency 列，也没有信道列表的列，不是信道列表。未做任何更改。",
+    u"沒有 Frequency 欄，也沒有信道列表的欄，不是信道列表。未做任何變更。"};
 constexpr Text TooLarge{u"The file is too large for a channel list.", u"文件太大，不是信道列表。",
                         u"檔案太大，不是信道列表。"};
 constexpr Text ReplaceFile{u"%1 already exists. Replace it?", u"%1 已存在，是否替换？", u"%1 已存在，是否取代？"};
@@ -123,8 +124,8 @@ void ChannelTools::build()
         {{u"redoChannels", RedoCaption, {Qt::CTRL | Qt::Key_Y, Qt::CTRL | Qt::SHIFT | Qt::Key_Z}}, nullptr},
         {{}, nullptr},
         {{u"cutChannels", CutCaption, {Qt::SHIFT | Qt::Key_Delete}}, &ChannelTools::cutChannels},
-        {{u"copyChannels", CopyCaption, {Qt::CTRL | Qt::Key_C}}, &ChannelTools::copyChannels},
-        {{u"pasteChannels", PasteCaption, {Qt::CTRL | Qt::Key_V}}, &ChannelTools::pasteChannels},
+        {{u"copyChannels", CopyCaption, {Qt::CTRL | Qt::Key_C, Qt::CTRL | Qt::Key_Insert}}, &ChannelTools::copyChannels},
+        {{u"pasteChannels", PasteCaption, {Qt::CTRL | Qt::Key_V, Qt::SHIFT | Qt::Key_Insert}}, &ChannelTools::pasteChannels},
         {{u"clearChannels", DeleteCaption, {QKeyCombination(Qt::Key_Delete)}}, &ChannelTools::clearChannels},
         {{}, nullptr},
         {{u"insertChannel", InsertCaption}, &ChannelTools::insertChannel},
@@ -150,11 +151,13 @@ void ChannelTools::build()
         }
         tool->setShortcuts(keys);
         // Keys with Ctrl work in the grid and in its editors, which leave
-        // such keys to shortcuts and never paste themselves (a click on an
-        // empty row's number opens its receive frequency, where Ctrl+V must
-        // still paste rows). Delete and Shift+Delete act on rows only from
-        // the grid; in an open editor they edit its text. None of the keys is
-        // one of the main window's (Ctrl+X Exit, Ctrl+A Save As).
+        // such keys to shortcuts, all but their own copy and paste: there
+        // Ctrl+C, Ctrl+V, Ctrl+Insert and Shift+Insert work on the editor's
+        // text, unless rows are pasted into an editor nothing was typed
+        // into (frmChannel::pasteGoesToGrid). Delete and Shift+Delete act on
+        // rows only from the grid; in an open editor they edit its text.
+        // None of the keys is one of the main window's (Ctrl+X Exit, Ctrl+A
+        // Save As).
         const bool withCtrl = !keys.isEmpty() && (keys.front()[0].keyboardModifiers() & Qt::ControlModifier);
         tool->setShortcutContext(withCtrl ? Qt::WidgetWithChildrenShortcut : Qt::WidgetShortcut);
         m_grid->addAction(tool);
@@ -267,8 +270,9 @@ void ChannelTools::emptyChannels(const Text &name)
 }
 
 // Rows from the clipboard (a copy of this list, a spreadsheet, another
-// programmer's CHIRP rows) go in from the first selected channel on. Rows
-// that would be changed or skipped are shown first, as an import does.
+// programmer's CHIRP rows) go in from the first selected channel on; a block
+// of cells without a header holds the grid's columns from the current one on.
+// Rows that would be changed or skipped are shown first, as an import does.
 void ChannelTools::pasteChannels()
 {
     m_host.commitEdit();
@@ -276,12 +280,16 @@ void ChannelTools::pasteChannels()
     const QList<int> rows = m_host.selectedChannels();
     if (text.trimmed().isEmpty() || rows.isEmpty())
         return;
-    const CsvImport import = readChannelCsv(text, m_limits, rows.front());
+    const CsvImport import = readChannelCsv(
+        text, m_limits,
+        {.pasteAt = rows.front(), .firstChannel = rows.front(), .firstColumn = m_host.currentColumn(), .table = &m_model.table()});
     if (import.refused) {
         MessageBox::show(m_grid, QMessageBox::Warning, ModelName(), NotAChannelList.in(language()));
         return;
     }
-    if (import.notes.isEmpty() && import.imported > 0) {
+    // Rows that named their channels and went in unchanged need no look
+    // first; rows placed by their lines or read by position do.
+    if (import.notes.isEmpty() && import.imported > 0 && import.byLocation) {
         applyImport(import, PasteCaption);
         return;
     }
@@ -365,8 +373,15 @@ void ChannelTools::importCsv()
     m_host.commitEdit();
     const QString path =
         FileDialog::getOpenFileName(m_grid, titleOf(ImportCaption, language()), QString(), openFilter());
-    if (path.isEmpty())
-        return;
+    if (!path.isEmpty())
+        importCsvFile(path);
+}
+
+// A file's channels go to their Locations, or without that column from the
+// first selected channel on; what changes is shown first.
+void ChannelTools::importCsvFile(const QString &path)
+{
+    m_host.commitEdit();
     const csv::File file = csv::readFile(path);
     if (file.problem == csv::File::Problem::Unreadable) {
         MessageBox::show(m_grid, QMessageBox::Critical, Words::Error.in(language()), file.error);
@@ -376,7 +391,9 @@ void ChannelTools::importCsv()
         MessageBox::show(m_grid, QMessageBox::Warning, ModelName(), TooLarge.in(language()));
         return;
     }
-    const CsvImport import = readChannelCsv(file.text, m_limits);
+    const QList<int> selected = m_host.selectedChannels();
+    const CsvImport import =
+        readChannelCsv(file.text, m_limits, {.firstChannel = selected.value(0, 1), .table = &m_model.table()});
     if (import.refused) {
         MessageBox::show(m_grid, QMessageBox::Warning, ModelName(), NotAChannelList.in(language()));
         return;

@@ -36,6 +36,8 @@ public:
     virtual void commitEdit() = 0;
     // The last channel row the list shows.
     virtual int lastChannel() const = 0;
+    // The column of the current cell (ChannelColumn).
+    virtual int currentColumn() const = 0;
 };
 
 // The channel list's tools on whole channels: undo and redo, the clipboard,
@@ -57,6 +59,8 @@ public:
     void showMenu(const QPoint &globalPosition);
     // Captions in the model's language.
     void caption();
+    // Imports the channels of a CSV file: its preview first, then one step.
+    void importCsvFile(const QString &path);
 
 private:
     void build();

@@ -12,6 +12,9 @@
 #include <QTextDocument>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <utility>
+
 namespace wr {
 
 using namespace Qt::StringLiterals;
@@ -27,6 +30,12 @@ constexpr Text ReplacedText{u"Channels in use that will be replaced: %1", u"将�
 constexpr Text ReportCaption{u"Rows changed or skipped:", u"改动或跳过的行：", u"變動或略過的列："};
 constexpr Text ReportHeader{u"Line\tColumn\tValue\tWhat happens", u"行号\t列\t值\t处理", u"行號\t欄\t值\t處理"};
 constexpr Text NothingText{u"No row can be imported.", u"没有可以导入的行。", u"沒有可以匯入的列。"};
+constexpr Text TargetsText{u"Where the rows go: %1", u"各行的去向：%1", u"各列的去向：%1"};
+constexpr Text RowTarget{u"line %1 → channel %2", u"第 %1 行 → 信道 %2", u"第 %1 列 → 信道 %2"};
+constexpr Text RowsTarget{u"lines %1-%2 → channels %3-%4", u"第 %1-%2 行 → 信道 %3-%4", u"第 %1-%2 列 → 信道 %3-%4"};
+constexpr Text TargetSeparator{u"; ", u"；", u"；"};
+constexpr Text ReadAsText{u"Read as the columns: %1", u"按以下各列读取：%1", u"按以下各欄讀取：%1"};
+constexpr Text CaptionSeparator{u", ", u"、", u"、"};
 
 // Values longer than this do not widen the report's columns.
 constexpr int WidestColumnCharacters = 20;
@@ -39,6 +48,31 @@ QLabel *addLabel(QVBoxLayout *layout, const QString &name, const QString &text)
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     layout->addWidget(label);
     return label;
+}
+
+// Which channel each row goes to, in runs of consecutive lines going to
+// consecutive channels: "line 2 → channel 7; lines 3-5 → channels 8-10".
+QString rowTargets(const CsvImport &import, Language language)
+{
+    QList<std::pair<int, int>> rows; // line, channel
+    for (const auto &[channel, values] : import.channels)
+        rows.append({values.line, channel});
+    std::sort(rows.begin(), rows.end());
+    QStringList runs;
+    for (qsizetype i = 0; i < rows.size();) {
+        qsizetype end = i;
+        while (end + 1 < rows.size() && rows[end + 1].first == rows[end].first + 1
+               && rows[end + 1].second == rows[end].second + 1)
+            ++end;
+        runs << (end == i ? RowTarget.in(language).arg(rows[i].first).arg(rows[i].second)
+                          : RowsTarget.in(language)
+                                .arg(rows[i].first)
+                                .arg(rows[end].first)
+                                .arg(rows[i].second)
+                                .arg(rows[end].second));
+        i = end + 1;
+    }
+    return runs.join(TargetSeparator.in(language));
 }
 
 } // namespace
@@ -74,8 +108,16 @@ CsvImportPreview::CsvImportPreview(const CsvImport &import, const QList<int> &re
     addLabel(layout, u"lblSkipped"_s, SkippedText.in(language).arg(import.skipped));
     addLabel(layout, u"lblReplaced"_s,
              ReplacedText.in(language).arg(replaced.isEmpty() ? Words::None.in(language) : channelRanges(replaced)));
+    if (!import.readAs.isEmpty()) {
+        QStringList captions;
+        for (int column : import.readAs)
+            captions << ChannelColumnCaptions[std::size_t(column)].in(language);
+        addLabel(layout, u"lblReadAs"_s, ReadAsText.in(language).arg(captions.join(CaptionSeparator.in(language))));
+    }
     if (import.imported == 0)
         addLabel(layout, u"lblNothing"_s, NothingText.in(language));
+    else
+        addLabel(layout, u"lblTargets"_s, TargetsText.in(language).arg(rowTargets(import, language)));
 
     QStringList lines{ReportHeader.in(language)};
     int widest = 0;        // of the line, column and value cells
@@ -88,8 +130,9 @@ CsvImportPreview::CsvImportPreview(const CsvImport &import, const QList<int> &re
         widest = std::max(widest, metrics.horizontalAdvance(cell));
     for (const ImportNote &note : import.notes) {
         const QString value = QString(note.value).replace(u'\n', u' ').replace(u'\t', u' ');
-        lines << QStringList{QString::number(note.line), note.column, value, note.text(language)}.join(u'\t');
-        for (const QString &cell : {note.column, value})
+        const QString column = note.columnName(language);
+        lines << QStringList{QString::number(note.line), column, value, note.text(language)}.join(u'\t');
+        for (const QString &cell : {column, value})
             widest = std::max(widest, std::min(widthLimit, metrics.horizontalAdvance(cell)));
         widestReason = std::max(widestReason, metrics.horizontalAdvance(note.text(language)));
     }

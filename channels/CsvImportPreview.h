@@ -13,8 +13,9 @@ struct CsvImport;
 
 // What an import or a paste will do, shown before anything changes: how
 // many rows are imported, changed and skipped, which channels in use are
-// replaced, and every changed or skipped row with its line, column, value
-// and what happens to it, as text that can be copied. OK applies it (the
+// replaced, which channel each row goes to (and which columns a block
+// without a header was read as), and every changed or skipped row with its
+// line, column, value and what happens to it, as text that can be copied. OK applies it (the
 // caller does), Cancel changes nothing; with no row to import only Cancel
 // is offered.
 class CsvImportPreview : public QDialog

@@ -3,13 +3,13 @@
 #include "channels/ChannelHistory.h"
 #include "channels/ChannelModel.h"
 #include "channels/ChannelSelection.h"
+#include "channels/ChannelSheetCommand.h"
 #include "core/AppState.h"
 #include "core/Language.h"
 #include "core/ToneCodec.h"
 #include "ui/Accessible.h"
 
 #include <QAbstractItemView>
-#include <QAction>
 #include <QCloseEvent>
 #include <QContextMenuEvent>
 #include <QComboBox>
@@ -32,7 +32,6 @@
 #include <array>
 #include <numeric>
 #include <optional>
-#include <utility>
 
 namespace wr {
 
@@ -67,12 +66,6 @@ constexpr Text EditStep{u"Edit", u"编辑", u"編輯"};
 
 // What a screen reader calls the list; its window caption stays empty.
 constexpr Text ChannelListName{u"Channel list", u"信道列表", u"信道列表"};
-
-// The keys that open a context menu: the menu key and Shift+F10.
-bool isMenuKey(const QKeyEvent *key)
-{
-    return key->key() == Qt::Key_Menu || (key->key() == Qt::Key_F10 && key->modifiers() == Qt::ShiftModifier);
-}
 
 // While the grid has the focus, one notch of the wheel pages the list up or
 // down, as Page Up and Page Down would; anything else (a touchpad's small
@@ -230,25 +223,12 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     m_selection = std::make_unique<ChannelSelection>(m_grid, [this] { m_editor->commit(); });
     ChannelToolHost &host = *this;
     m_tools = new ChannelTools(host, *m_model, *m_history, m_state.BandLimits, m_grid);
+    m_sheet = new ChannelSheetCommand(m_state, *m_model, host, *m_tools->menu(), m_grid);
 
-    // The memory map's key, beside its mouse gesture, anywhere in the window.
-    auto *memoryMap = new QAction(this);
-    memoryMap->setObjectName(QStringLiteral("actMemoryMap"));
-    memoryMap->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::ALT | Qt::Key_M));
-    memoryMap->setShortcutContext(Qt::WindowShortcut);
-    connect(memoryMap, &QAction::triggered, this, &frmChannel::requestMemoryMap);
-    addAction(memoryMap);
-
+    openMenuByKeys(m_grid);
     RefreshChannelOP();
     RefreshChannel();
     keepCurrentCell(m_grid);
-}
-
-void frmChannel::requestMemoryMap()
-{
-    commitOpenEditor();
-    SaveData();
-    Q_EMIT memoryMapRequested();
 }
 
 frmChannel::~frmChannel() = default;
@@ -256,6 +236,16 @@ frmChannel::~frmChannel() = default;
 QTableView *frmChannel::grid() const
 {
     return m_grid;
+}
+
+void frmChannel::setSettingsStore(SettingsStore *settings)
+{
+    m_sheet->setSettingsStore(settings);
+}
+
+void frmChannel::importCsvFile(const QString &path)
+{
+    m_tools->importCsvFile(path);
 }
 
 QUndoStack *frmChannel::undoStack() const
@@ -283,6 +273,11 @@ QString frmChannel::cellText(int row, int column) const
 int frmChannel::lastChannel() const
 {
     return std::min(m_rows - 1, int(ChannelRecord::ChannelCount));
+}
+
+int frmChannel::currentColumn() const
+{
+    return m_grid->currentIndex().column();
 }
 
 void frmChannel::RefreshChannelOP()
@@ -484,8 +479,7 @@ QWidget *frmChannel::editorFor(const QModelIndex &cell, const QString &text)
     if (cell.row() < 1 || cell.row() > lastChannel())
         return nullptr;
     // An editor is named after its column: it has no label of its own.
-    for (QWidget *editor : {static_cast<QWidget *>(m_text), static_cast<QWidget *>(m_combo[0]),
-                            static_cast<QWidget *>(m_combo[1])})
+    for (QWidget *editor : std::initializer_list<QWidget *>{m_text, m_combo[0], m_combo[1]})
         editor->setAccessibleName(headerText(cell.column(), language()));
     nameListTexts(this);
     switch (cell.column()) {
@@ -574,11 +568,17 @@ void frmChannel::commit(const QModelIndex &cell, QWidget *editor, const QString 
             setChannelRx(row, text);
         else if (column == ColTx)
             setChannelTx(row, text);
+        if (const auto corrected = frequencyCorrection(row, column, text, cellText(row, column), m_state.BandLimits))
+            Q_EMIT valueCorrected(*corrected);
         return;
     }
     Channel edited = m_model->table().at(row);
     edited.texts.cell(column) = editor == m_combo[0] ? typedTone(text, language()) : text;
     edit(row, edited);
+    if (editor != m_combo[0])
+        return;
+    if (const auto corrected = toneCorrection(row, column, text, cellText(row, column)))
+        Q_EMIT valueCorrected(*corrected);
 }
 
 // Enter in a frequency moves one column right. Enter in a list moves on
@@ -609,6 +609,36 @@ CellEditRules::Escape frmChannel::onEscape(QWidget *editor) const
     return editor == m_text ? Escape::Close : Escape::RevertText;
 }
 
+// Tab walks the data cells row by row, as in a spreadsheet: from BCL to the
+// receive frequency of the next channel shown, from the receive frequency
+// back to BCL of the one before; the last channel wraps to the first. The
+// channel numbers are no stop.
+QModelIndex frmChannel::cellAfterTab(const QModelIndex &cell, bool backwards) const
+{
+    int row = cell.row();
+    int column = std::clamp(cell.column(), int(ColNumber), int(ColBcl)) + (backwards ? -1 : 1);
+    if (column >= ColRx && column <= ColBcl)
+        return cell.siblingAtColumn(column);
+    const int last = lastChannel();
+    for (int step = 0; step < last; ++step) {
+        row = backwards ? (row <= 1 ? last : row - 1) : (row >= last ? 1 : row + 1);
+        if (!m_grid->isRowHidden(row))
+            return m_model->index(row, backwards ? ColBcl : ColRx);
+    }
+    return {};
+}
+
+// More than one cell of a spreadsheet, or rows copied from this list, are
+// channels even when a click has just opened an editor (a click on an empty
+// row's number opens its receive frequency); one cell's text is the cell's.
+bool frmChannel::pasteGoesToGrid(const QString &text) const
+{
+    QStringView cells(text);
+    while (cells.endsWith(u'\n') || cells.endsWith(u'\r'))
+        cells.chop(1);
+    return cells.contains(u'\n') || cells.contains(u'\r') || cells.contains(u'\t');
+}
+
 QList<int> frmChannel::selectedChannels() const
 {
     return m_selection->channels(lastChannel());
@@ -622,20 +652,6 @@ void frmChannel::selectChannels(const QList<int> &channels)
 bool frmChannel::eventFilter(QObject *watched, QEvent *event)
 {
     const QEvent::Type type = event->type();
-    // The menu key and Shift+F10 open the context menu at the current cell.
-    // Some platforms turn the menu key into a context menu event of their
-    // own before its key press; the menu is then open already.
-    if (type == QEvent::KeyPress && watched == m_grid) {
-        const auto *key = static_cast<QKeyEvent *>(event);
-        const bool opened = std::exchange(m_menuOpenedByKey, false);
-        if (isMenuKey(key)) {
-            if (!(opened && key->key() == Qt::Key_Menu)) {
-                QContextMenuEvent menu(QContextMenuEvent::Keyboard, QPoint(), QPoint(), Qt::NoModifier);
-                eventFilter(m_grid, &menu);
-            }
-            return true;
-        }
-    }
     // The context menu opens on a right click without keys held (the
     // Shift+Ctrl+Alt right click is the memory map's gesture) or the menu
     // key, over the selected rows or the row clicked.
@@ -643,7 +659,6 @@ bool frmChannel::eventFilter(QObject *watched, QEvent *event)
         const auto *menu = static_cast<QContextMenuEvent *>(event);
         if (menu->modifiers() != Qt::NoModifier)
             return true;
-        m_menuOpenedByKey = menu->reason() == QContextMenuEvent::Keyboard && menu->spontaneous();
         m_editor->commit();
         const bool mouse = menu->reason() == QContextMenuEvent::Mouse;
         const int row = mouse ? m_grid->rowAt(menu->pos().y()) : m_grid->currentIndex().row();

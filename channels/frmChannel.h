@@ -2,6 +2,7 @@
 
 #include "channels/ChannelRecord.h"
 #include "channels/ChannelTools.h"
+#include "channels/TypedCorrection.h"
 #include "ui/CellEditor.h"
 #include "ui/Twips.h"
 
@@ -22,7 +23,9 @@ struct AppState;
 class ChannelHistory;
 class ChannelModel;
 class ChannelSelection;
+class ChannelSheetCommand;
 class MemoryImage;
+class SettingsStore;
 
 // The channel list: 128 channels in a grid edited in place. The grid is a
 // view over the working copy (ChannelModel) between RefreshData (image ->
@@ -74,6 +77,16 @@ public:
     // other than the program's (the exit backup's copy).
     void saveInto(MemoryImage &image);
 
+    // Commits the open editor, saves the grid and asks for the memory map,
+    // as the gesture on the grid does; the main window's key for the map
+    // runs it too.
+    void requestMemoryMap()
+    {
+        commitOpenEditor();
+        SaveData();
+        Q_EMIT memoryMapRequested();
+    }
+
     // Commits whichever in-place editor is open and gives the focus back to
     // the grid. The main window runs it before every command.
     void commitOpenEditor();
@@ -88,6 +101,14 @@ public:
     // Caption of a grid column in a language.
     static QString headerText(int column, int languageIndex);
 
+    // Imports the channels of a CSV file (a file given to File > Open, on
+    // the command line or dropped): the import's preview, then one step of
+    // the history. Messages say why a file cannot be read.
+    void importCsvFile(const QString &path);
+
+    // Where the channel sheet's preview keeps its paper.
+    void setSettingsStore(SettingsStore *settings);
+
     QUndoStack *undoStack() const;
     // The channels the tools work on: the selected rows, else the current row.
     QList<int> selectedChannels() const override;
@@ -96,6 +117,9 @@ Q_SIGNALS:
     // Right click with Shift, Ctrl and Alt held, or Ctrl+Shift+Alt+M, after
     // the grid was saved.
     void memoryMapRequested();
+    // A value typed into a cell was stored as another (7 became 174.00000);
+    // the main window shows it in its status bar.
+    void valueCorrected(const wr::TypedCorrection &correction);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -110,13 +134,15 @@ private:
     void commit(const QModelIndex &cell, QWidget *editor, const QString &text) override;
     QModelIndex cellAfterEnter(const QModelIndex &cell) override;
     Escape onEscape(QWidget *editor) const override;
+    bool pasteGoesToGrid(const QString &text) const override;
+    QModelIndex cellAfterTab(const QModelIndex &cell, bool backwards) const override;
 
     // What the tools need.
     void selectChannels(const QList<int> &channels) override;
     void commitEdit() override;
     int lastChannel() const override;
+    int currentColumn() const override;
 
-    void requestMemoryMap();
     void SetupChannelGrid();
     void SyncGridCursor();
     void edit(int channel, const Channel &edited);
@@ -131,10 +157,10 @@ private:
     QComboBox *m_combo[2] = {};      // CboChannel0 (tones), CboChannel1 (list columns)
     std::unique_ptr<CellEditor> m_editor; // goes before the grid and the rules it calls
     ChannelTools *m_tools = nullptr;
+    ChannelSheetCommand *m_sheet = nullptr;
     QObject *m_wheelPager = nullptr; // installed on the grid while it has the focus
     std::unique_ptr<ChannelSelection> m_selection;
     int m_rows = RowCount;           // rows of the grid, the hidden header row included
-    bool m_menuOpenedByKey = false;  // by the platform's own context menu event for the menu key
 };
 
 } // namespace wr

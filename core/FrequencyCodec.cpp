@@ -137,6 +137,21 @@ QString normalise(QStringView text, qint64 lower1, qint64 upper1, qint64 lower2,
     return freq::formatTenHz(chosen);
 }
 
+FreqCorrection correction(QStringView text, qint64 lower1, qint64 upper1, qint64 lower2, qint64 upper2)
+{
+    const qint64 f = typedFrequency(text);
+    const QString stored = normalise(text, lower1, upper1, lower2, upper2);
+    if (freq::parseDecimal(stored, FineScale) == f)
+        return FreqCorrection::None;
+    if (f >= upper2 * FinePerMHz)
+        return FreqCorrection::AboveBands;
+    if (f < lower1 * FinePerMHz)
+        return FreqCorrection::BelowBands;
+    if (f > upper1 * FinePerMHz && f < lower2 * FinePerMHz)
+        return FreqCorrection::BetweenBands;
+    return FreqCorrection::OntoRaster;
+}
+
 int frequencyColumn(Side side)
 {
     return side == Side::Rx ? 0 : 4;
@@ -217,6 +232,16 @@ QString NormaliseRxFreq(QStringView text, const BandLimitArray &limits)
 QString NormaliseTxFreq(QStringView text, const BandLimitArray &limits)
 {
     return normalise(text, limits[TxLower1], limits[TxUpper1], limits[TxLower2], limits[TxUpper2]);
+}
+
+FreqCorrection RxFreqCorrection(QStringView text, const BandLimitArray &limits)
+{
+    return correction(text, limits[RxLower1], limits[RxUpper1], limits[RxLower2], limits[RxUpper2]);
+}
+
+FreqCorrection TxFreqCorrection(QStringView text, const BandLimitArray &limits)
+{
+    return correction(text, limits[TxLower1], limits[TxUpper1], limits[TxLower2], limits[TxUpper2]);
 }
 
 } // namespace wr

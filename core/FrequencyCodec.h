@@ -38,6 +38,13 @@ bool WriteFreq(MemoryImage &image, Side side, int channel, QStringView text);
 QString NormaliseRxFreq(QStringView text, const BandLimitArray &limits);
 QString NormaliseTxFreq(QStringView text, const BandLimitArray &limits);
 
+// Why a normaliser gives a typed frequency another value: below the lower
+// band, between the bands, at or above the upper band's top, or between two
+// raster steps. None when the value stays ("146.52" stored as 146.52000).
+enum class FreqCorrection : quint8 { None, BelowBands, BetweenBands, AboveBands, OntoRaster };
+FreqCorrection RxFreqCorrection(QStringView text, const BandLimitArray &limits);
+FreqCorrection TxFreqCorrection(QStringView text, const BandLimitArray &limits);
+
 namespace freq {
 // A frequency in 10 Hz units formatted "0.00000" MHz.
 QString formatTenHz(qint64 tenHz);

@@ -161,6 +161,7 @@ void frmMemoryMap::StartByteEdit(int column, int row)
 void frmMemoryMap::accept()
 {
     m_editor->commit();
+    Q_EMIT aboutToStore();
     m_model->writeTo(m_image);
     QDialog::accept();
 }

@@ -41,6 +41,11 @@ public:
     // Writes the copy back into the image, then closes.
     void accept() override;
 
+Q_SIGNALS:
+    // OK was pressed: the image is about to be overwritten with every byte
+    // the map shows.
+    void aboutToStore();
+
 private:
     void Form_Load();
     void showCurrentCell(const QModelIndex &cell);

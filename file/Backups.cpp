@@ -8,6 +8,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <optional>
 
 namespace wr::Backups {
 
@@ -15,13 +16,57 @@ namespace {
 
 const QString StampFormat = QStringLiteral("yyyy-MM-dd_HHmmss");
 
+struct ReasonWords
+{
+    BackupReason reason;
+    QStringView name; // in the file name
+    Text text;        // in the backups dialog
+};
+
+constexpr ReasonWords Reasons[]{
+    {BackupReason::Read, u"read", {u"Read from the radio", u"从对讲机读取", u"從對講機讀取"}},
+    {BackupReason::Exit, u"exit", {u"Program closed", u"程序关闭", u"程序關閉"}},
+    {BackupReason::ExitUnsaved, u"exit-unsaved",
+     {u"Program closed with unsaved changes", u"程序关闭时有未保存的修改", u"程序關閉時有未保存的修改"}},
+    {BackupReason::BeforeRead, u"before-read",
+     {u"Unsaved changes before a read", u"读取前未保存的修改", u"讀取前未保存的修改"}},
+    {BackupReason::BeforeNew, u"before-new", {u"Unsaved changes before New", u"新建前未保存的修改", u"新建前未保存的修改"}},
+    {BackupReason::BeforeOpen, u"before-open",
+     {u"Unsaved changes before Open", u"打开前未保存的修改", u"打開前未保存的修改"}},
+    {BackupReason::BeforeMemoryMap, u"before-memory-map",
+     {u"Before the memory map's OK", u"Memory Map 确定前", u"Memory Map 確定前"}},
+};
+
+const ReasonWords &wordsFor(BackupReason reason)
+{
+    for (const ReasonWords &words : Reasons) {
+        if (words.reason == reason)
+            return words;
+    }
+    return Reasons[0];
+}
+
 // A backup's name: the stamp, a sequence number from 2 on for the second and
 // later backups of one second, the reason.
 const QRegularExpression &namePattern()
 {
-    static const QRegularExpression pattern(
-        QStringLiteral(R"(^(\d{4}-\d\d-\d\d_\d{6})(?:_([2-9]|[1-9]\d{1,5}))?-(read|exit)\.tw$)"));
+    static const QRegularExpression pattern = [] {
+        QStringList names;
+        for (const ReasonWords &words : Reasons)
+            names.append(QRegularExpression::escape(words.name.toString()));
+        return QRegularExpression(QStringLiteral(R"(^(\d{4}-\d\d-\d\d_\d{6})(?:_([2-9]|[1-9]\d{1,5}))?-(%1)\.tw$)")
+                                      .arg(names.join(u'|')));
+    }();
     return pattern;
+}
+
+std::optional<BackupReason> reasonNamed(QStringView name)
+{
+    for (const ReasonWords &words : Reasons) {
+        if (words.name == name)
+            return words.reason;
+    }
+    return std::nullopt;
 }
 
 struct Named
@@ -47,7 +92,7 @@ QList<Named> scan(const QString &folder)
         if (!named.entry.time.isValid())
             continue;
         named.sequence = match.hasCaptured(2) ? match.captured(2).toInt() : 1;
-        named.entry.reason = match.captured(3) == u"exit" ? BackupReason::Exit : BackupReason::Read;
+        named.entry.reason = reasonNamed(match.capturedView(3)).value_or(BackupReason::Read);
         named.entry.path = dir.filePath(name);
         found.append(named);
     }
@@ -79,7 +124,12 @@ QString defaultFolder()
 
 QString reasonName(BackupReason reason)
 {
-    return reason == BackupReason::Exit ? QStringLiteral("exit") : QStringLiteral("read");
+    return wordsFor(reason).name.toString();
+}
+
+Text reasonText(BackupReason reason)
+{
+    return wordsFor(reason).text;
 }
 
 Result keep(const MemoryImage &image, BackupReason reason)
@@ -93,9 +143,11 @@ Result keep(const QString &folder, const MemoryImage &image, BackupReason reason
         return failure(QStringLiteral("Cannot create the folder %1").arg(QDir::toNativeSeparators(folder)));
 
     const QList<Named> existing = scan(folder);
-    // Closing the program after opening, reading or saving without a change
-    // would otherwise keep the same memory twice.
-    if (reason == BackupReason::Exit && !existing.isEmpty() && equalsImage(existing.first().entry.path, image)) {
+    // Closing the program after opening, reading or saving without a change,
+    // or a second New after the first one's backup, would otherwise keep the
+    // same memory twice. A read is a record of what a radio held, so it is
+    // kept however often the same memory comes back.
+    if (reason != BackupReason::Read && !existing.isEmpty() && equalsImage(existing.first().entry.path, image)) {
         Result result;
         result.status = Status::Unchanged;
         result.path = existing.first().entry.path;

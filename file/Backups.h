@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Language.h"
 #include "core/MemoryImage.h"
 
 #include <QDateTime>
@@ -8,15 +9,18 @@
 
 namespace wr {
 
-// Why a backup was kept: a completed read from a radio, or the memory as the
-// program closed.
-enum class BackupReason { Read, Exit };
+// Why a backup was kept: a completed read from a radio; the memory as the
+// program closed, with or without changes the modified test (the snapshot
+// comparison) reported; or unsaved changes about to be replaced by a read,
+// New, Open or the memory map's OK.
+enum class BackupReason { Read, Exit, ExitUnsaved, BeforeRead, BeforeNew, BeforeOpen, BeforeMemoryMap };
 
 // Automatic backups: the memory image kept as an ordinary data file in
 // <application data folder>/backups, named after the local time it was kept
 // and the reason, for example 2026-11-23_141502-read.tw. A second backup in
 // the same second gets a sequence number: 2026-11-23_141502_2-exit.tw. The
-// names sort in the order the backups were kept.
+// names sort in the order the backups were kept. Only a read is always kept:
+// any other backup equal to the newest one is not written again.
 //
 // Backups happen behind the user's back, so they never disturb the command
 // that caused them: a backup that cannot be written is reported in the result
@@ -29,7 +33,7 @@ constexpr int KeptCount = 200;
 
 enum class Status {
     Written,
-    Unchanged, // an exit backup equal to the newest backup was not written again
+    Unchanged, // equal to the newest backup, so not written again
     Failed,    // errorString says why; the folder is as it was
 };
 
@@ -60,7 +64,11 @@ Result keep(const QString &folder, const MemoryImage &image, BackupReason reason
 // backups and are left alone.
 QList<Entry> list(const QString &folder = defaultFolder());
 
-QString reasonName(BackupReason reason); // "read" or "exit"
+// The reason as the file name spells it: "read", "exit", "exit-unsaved",
+// "before-read", "before-new", "before-open" or "before-memory-map".
+QString reasonName(BackupReason reason);
+// The reason as the backups dialog shows it.
+Text reasonText(BackupReason reason);
 
 } // namespace Backups
 

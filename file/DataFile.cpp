@@ -241,19 +241,22 @@ std::optional<QByteArray> UnpackData(QByteArrayView packed)
 ReadResult Decode(QByteArrayView fileBytes)
 {
     ReadResult result;
-    if (fileBytes.size() > MaxUnpackedSize) {
-        result.status = ReadStatus::WrongType;
+    const auto failure = [&result](ReadStatus status, ReadProblem problem) {
+        result.status = status;
+        result.problem = problem;
         return result;
-    }
+    };
+    if (fileBytes.size() > MaxUnpackedSize)
+        return failure(ReadStatus::WrongType, ReadProblem::TooLarge);
     std::optional<QByteArray> container = UnpackData(fileBytes);
-    if (!container) {
-        result.status = ReadStatus::Damaged;
-        return result;
-    }
-    if (container->size() != ContainerSize || !container->startsWith(Marker())) {
-        result.status = ReadStatus::WrongType;
-        return result;
-    }
+    if (!container) // an empty file lacks even the pass count
+        return failure(ReadStatus::Damaged, fileBytes.isEmpty() ? ReadProblem::TooShort : ReadProblem::BadPacking);
+    if (container->size() < ContainerSize)
+        return failure(ReadStatus::WrongType, ReadProblem::TooShort);
+    if (container->size() > ContainerSize)
+        return failure(ReadStatus::WrongType, ReadProblem::TooLong);
+    if (!container->startsWith(Marker()))
+        return failure(ReadStatus::WrongType, ReadProblem::NoMarker);
     result.status = ReadStatus::Ok;
     result.image = container->sliced(HeaderSize);
     result.container = std::move(*container);
@@ -317,6 +320,7 @@ ReadResult Read(const QString &path)
     if (file.status != ReadStatus::Ok) {
         ReadResult result;
         result.status = file.status;
+        result.problem = file.status == ReadStatus::WrongType ? ReadProblem::NotAFile : ReadProblem::None;
         result.errorString = file.errorString;
         return result;
     }

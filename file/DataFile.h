@@ -63,9 +63,21 @@ enum class ReadStatus {
     WrongType,  // wrong length or marker, or no regular file ("Incorrect File Type." titled WR-PD6T)
 };
 
+// What is wrong with a file that is no data file, for the message that says so.
+enum class ReadProblem {
+    None,
+    NotAFile,   // a folder, a pipe, a device
+    TooLarge,   // far larger than any data file could be
+    BadPacking, // the passes cannot be undone
+    TooShort,   // unpacked, shorter than the container; or empty
+    TooLong,    // unpacked, longer than the container
+    NoMarker,   // unpacked to the container's length, without "PDZUNK" at its start
+};
+
 struct ReadResult
 {
     ReadStatus status = ReadStatus::CannotOpen;
+    ReadProblem problem = ReadProblem::None; // for Damaged and WrongType
     QByteArray image;     // 16 384 bytes when status is Ok
     QByteArray container; // the unpacked 16 400 bytes when status is Ok
     QString errorString;  // the system's text when status is CannotOpen

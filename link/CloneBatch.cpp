@@ -82,8 +82,24 @@ void CloneBatch::start()
     }
     // Opening a port looks through the system's devices; one pass of the
     // event loop between two keeps the transfers already going on time.
-    for (const std::unique_ptr<Transfer> &transfer : m_transfers)
-        QTimer::singleShot(0, transfer->driver.get(), &CloneDriver::start);
+    // A transfer cancelled before its turn never starts.
+    for (const std::unique_ptr<Transfer> &transfer : m_transfers) {
+        QTimer::singleShot(0, transfer->driver.get(), [t = transfer.get()] {
+            if (t->radio.running)
+                t->driver->start();
+        });
+    }
+}
+
+void CloneBatch::cancel()
+{
+    for (int index = 0; index < count(); ++index) {
+        Transfer &transfer = *m_transfers.at(std::size_t(index));
+        if (!transfer.radio.running)
+            continue;
+        transfer.driver->abort();
+        ended(transfer, index);
+    }
 }
 
 const CloneBatch::Radio &CloneBatch::radio(int index) const

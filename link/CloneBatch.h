@@ -63,6 +63,9 @@ public:
     // the ports; finished() follows once every one has ended.
     void start();
     bool isRunning() const { return m_running > 0; }
+    // Ends every transfer still running as closing its progress form would
+    // (each outcome says Cancelled); finished() follows at once.
+    void cancel();
 
     int count() const { return int(m_transfers.size()); }
     const Radio &radio(int index) const;

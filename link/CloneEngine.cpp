@@ -155,6 +155,7 @@ TransferOutcome CloneEngine::outcomeOf(TransferOutcome::Kind kind) const
     outcome.port = m_state.PortNumber;
     outcome.chosenPort = m_t.SavedPort;
     outcome.portsTried = m_portsTried;
+    outcome.partlyWritten = m_partlyWritten;
     return outcome;
 }
 
@@ -292,6 +293,15 @@ Actions CloneEngine::sendTick(qint64 bytesWaiting)
     actions += make(Action::StartSendTimer, SendIntervalMs);
     m_t.SentStep = m_t.Step;
     actions += make(Action::StartTimeout, TimeoutMs);
+    if (!reading()) {
+        // From the first row on, the radio on this port may hold part of the
+        // write; the end frame says that it took all of it.
+        const int port = m_state.PortNumber;
+        if (m_t.Step == m_t.LastStep)
+            m_partlyWritten.removeAll(port);
+        else if (rowForStep(m_t.Step) >= 0 && !m_partlyWritten.contains(port))
+            m_partlyWritten.append(port);
+    }
     if (m_t.Step != m_t.LastStep) {
         actions += wait(WaitKind::AfterFrame, WaitAfterFrameMs);
         return actions;

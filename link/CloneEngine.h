@@ -75,6 +75,16 @@ struct AppState;
 // attempt like any other, with its own retry budget and the question at its
 // end, but no port search: the radio was on this port a moment ago.
 //
+// A radio partly written. The radio stores each row as it takes it, and
+// nothing in the protocol rolls one back. From the first write request sent
+// on a port until the end frame of that write has gone out, the radio on
+// that port may hold new rows beside old ones: channels without their
+// in-use marks, or without the settings that go with them. A write that
+// fails before its first row (no answer to "PROGRAM", another radio's
+// identification, a port that will not open) leaves the radio as it was;
+// so does a read-back that fails after the write went through. Whatever
+// ends the transfer, the outcome lists the ports left partly written.
+//
 // The engine speaks no language: it ends with a TransferOutcome and reports
 // its progress and status as numbers; the forms and the tool word them.
 class CloneEngine
@@ -240,6 +250,7 @@ private:
     bool m_staleBytes = false;  // drain before the next frame: the last reply was long, or followed a resend
     bool m_resent = false;      // the frame awaiting its reply has been sent more than once
     QByteArray m_refusedIdentity; // the last identification refused, empty when none
+    QList<int> m_partlyWritten; // ports sent write requests whose end frame has not gone out
     TransferStatus m_status;
     QList<PortTried> m_portsTried;
     MemoryImage m_readBack;     // the rows read back while verifying, in their image rows

@@ -32,6 +32,10 @@ struct TransferOutcome
     QByteArray identity;     // WrongIdentification: what came back for the identification request
     QList<PortTried> portsTried;
     QList<int> differingRows; // VerificationFailed: image rows read back with other bytes, in transfer order
+    // Ports whose radio was sent rows of this write but never the end of it:
+    // it holds some new rows beside old ones and must be written again.
+    // Empty for a read, and for a write that stopped before its first row.
+    QList<int> partlyWritten;
 
     bool succeeded() const { return kind == Kind::Completed; }
 };

@@ -42,6 +42,10 @@ constexpr Text RowsDiffer{u"Writing completed, but reading it back found other b
                           u"intended: write it again.",
     u"写入已完成，但回读校验发现%1与写入的数据不同。对讲机中的数据与预期不符：请重新写入。",
     u"寫入已完成，但回讀校驗發現%1與寫入的數據不同。對講機中的數據與預期不符：請重新寫入。"};
+constexpr Text PartlyWritten{
+    u"The radio is only partly written: the write on %1 did not finish.\nWrite the radio again before using it.",
+    u"对讲机只写入了一部分：%1 上的写入没有完成。\n请重新写入对讲机后再使用。",
+    u"對講機只寫入了一部分：%1 上的寫入沒有完成。\n請重新寫入對講機後再使用。"};
 constexpr Text Row{u"row %1 (address 0x%2)", u"第 %1 行（地址 0x%2）", u"第 %1 行（地址 0x%2）"};
 constexpr Text MoreRows{u"%1 and %2 more rows", u"%1及另外 %2 行", u"%1及另外 %2 行"};
 constexpr Text TestInWindow{u"Run the connection test: Set \u2192 Communication Port \u2192 Test.",
@@ -151,6 +155,16 @@ QString outcomeText(const TransferOutcome &outcome, int language, Wording wordin
     if (wantsConnectionTest(outcome.kind))
         text += u'\n' + connectionTestAdvice(outcome.port, language, wording);
     return text;
+}
+
+QString partlyWrittenText(const TransferOutcome &outcome, int language)
+{
+    if (outcome.partlyWritten.isEmpty())
+        return {};
+    QStringList ports;
+    for (const int port : outcome.partlyWritten)
+        ports.append(comName(port));
+    return PartlyWritten.in(language).arg(ports.join(listSeparator(language)));
 }
 
 QString connectionTestAdvice(int port, int language, Wording wording)

@@ -30,6 +30,11 @@ QString lostConnectionTitle(int language);
 // reason, the rows that differ after a write.
 QString outcomeText(const TransferOutcome &outcome, int language, Wording wording = Wording::Window);
 
+// "The radio is only partly written": the ports of a write that stopped
+// after its first row, and that the radio must be written again before it
+// is used; empty when no radio was left partly written.
+QString partlyWrittenText(const TransferOutcome &outcome, int language);
+
 // "Run the connection test", where it is: the Set menu's port dialog, or
 // the tool's doctor command for the port.
 QString connectionTestAdvice(int port, int language, Wording wording);

@@ -14,6 +14,8 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace wr {
 
 frmclone::frmclone(QWidget *parent)
@@ -55,7 +57,7 @@ frmclone::frmclone(QWidget *parent)
     layout->addLayout(buttons);
     setMinimumWidth(380);
 
-    const int language = app().LanguageIndex;
+    const int language = m_language = app().LanguageIndex;
     CloneDriver::Prompts prompts;
     prompts.askRetry = [this, language](const TransferOutcome &outcome) {
         return MessageBox::show(this, QMessageBox::Critical, lostConnectionTitle(language),
@@ -82,7 +84,7 @@ frmclone::frmclone(QWidget *parent)
     connect(m_driver.get(), &CloneDriver::portNumberChanged, this, &frmclone::portNumberChanged);
     connect(m_driver.get(), &CloneDriver::readCompleted, this, &frmclone::readCompleted);
     connect(m_driver.get(), &CloneDriver::unloaded, this,
-            [this] { done(m_engine->outcome().succeeded() ? Accepted : Rejected); });
+            [this] { end(m_engine->outcome().succeeded() ? Accepted : Rejected); });
 
     // Captions as the form loads, by LinkDirection.
     m_engine->prepare();
@@ -133,9 +135,23 @@ void frmclone::showEvent(QShowEvent *event)
 void frmclone::reject()
 {
     // Closing the form ends the transfer: the port closes, rows already read
-    // stay in the image, nothing is snapshotted.
+    // stay in the image, nothing is snapshotted; rows already written stay
+    // in the radio, and the warning says so.
     m_driver->abort();
-    QDialog::reject();
+    end(Rejected);
+}
+
+// After the messages the transfer has shown, as it showed them (the
+// question answered Cancel, a port that failed): a radio that took part of
+// the write would otherwise look like one that took none of it.
+void frmclone::end(int result)
+{
+    if (!std::exchange(m_ended, true)) {
+        const QString partly = partlyWrittenText(m_engine->outcome(), m_language);
+        if (!partly.isEmpty())
+            MessageBox::show(this, QMessageBox::Warning, ModelName(), partly);
+    }
+    done(result);
 }
 
 } // namespace wr

@@ -19,7 +19,9 @@ class CloneEngine;
 // and owns the serial port for the length of the transfer. Under the bar a
 // line says when the transfer retries or the port search moves on; Cancel
 // ends the transfer as closing the form does. A write can be read back and
-// compared before it counts as done.
+// compared before it counts as done. A write that stopped after its first
+// row, however it stopped, ends with a warning that the radio is only partly
+// written, after the messages the transfer has already shown.
 class frmclone : public QDialog
 {
     Q_OBJECT
@@ -54,12 +56,17 @@ protected:
     void reject() override;
 
 private:
+    // The transfer is over: warns of a radio left partly written, then closes.
+    void end(int result);
+
     std::unique_ptr<CloneEngine> m_engine;
     std::unique_ptr<CloneDriver> m_driver;
     QProgressBar *m_progress = nullptr;
     QLabel *m_label = nullptr;
     QLabel *m_status = nullptr;
+    int m_language = 0;
     bool m_started = false;
+    bool m_ended = false;
 };
 
 } // namespace wr

@@ -4,11 +4,14 @@
 #include "core/Language.h"
 #include "core/SettingsStore.h"
 #include "file/DataFile.h"
+#include "file/FileKind.h"
 #include "ui/MessageBox.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QUrl>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -28,9 +31,26 @@ const QString &untitled()
     return name;
 }
 
-QString incorrectFileType()
+// "Incorrect File Type.", and on a second line the file and what is wrong
+// with it, so that the user knows which file and whether it is worth trying
+// another copy.
+QString incorrectFileType(const QString &path, DataFile::ReadProblem problem)
 {
-    return text({u"Incorrect File Type.", u"文件类型不正确。", u"文件類型不正確。"});
+    using enum DataFile::ReadProblem;
+    static constexpr std::pair<DataFile::ReadProblem, Text> Problems[]{
+        {NotAFile, {u"%1: not a regular file", u"%1：不是普通文件", u"%1：不是普通文件"}},
+        {TooLarge, {u"%1: far too large for a data file", u"%1：文件太大，不是数据文件", u"%1：文件太大，不是數據文件"}},
+        {BadPacking, {u"%1: its packing is damaged", u"%1：压缩数据已损坏", u"%1：壓縮數據已損壞"}},
+        {TooShort, {u"%1: too short for a data file", u"%1：文件太短，不是数据文件", u"%1：文件太短，不是數據文件"}},
+        {TooLong, {u"%1: too long for a data file", u"%1：文件太长，不是数据文件", u"%1：文件太長，不是數據文件"}},
+        {NoMarker, {u"%1: no data file marker at its start", u"%1：开头没有数据文件标记", u"%1：開頭沒有數據文件標記"}},
+    };
+    QString message = text({u"Incorrect File Type.", u"文件类型不正确。", u"文件類型不正確。"});
+    for (const auto &[kind, words] : Problems) {
+        if (kind == problem)
+            message += u'\n' + text(words).arg(QFileInfo(path).fileName());
+    }
+    return message;
 }
 
 QString saveDialogTitle()
@@ -61,6 +81,16 @@ QString FileCommands::DataFileFilter()
     return u"tw Files (*.tw)"_s;
 }
 
+QString FileCommands::OpenFilter()
+{
+    return DataFileFilter() + u";;"_s + text({u"All files (*)", u"所有文件 (*)", u"所有文件 (*)"});
+}
+
+void FileCommands::setBeforeReplacing(std::function<void()> beforeReplacing)
+{
+    m_beforeReplacing = std::move(beforeReplacing);
+}
+
 QString FileCommands::dialogFolder() const
 {
     const QString stored = m_settings.GetKeyValue(SettingsStore::Root::LocalMachine, folderKey(), FolderValue);
@@ -85,6 +115,8 @@ bool FileCommands::FileNew()
         QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Cancel);
     if (answer != QMessageBox::Ok)
         return false;
+    if (m_beforeReplacing)
+        m_beforeReplacing();
     app().image.InitImage();
     return true;
 }
@@ -107,20 +139,30 @@ bool FileCommands::saveModifiedFirst()
     return true;
 }
 
-bool FileCommands::FileOpen(const std::optional<QString> &path)
+FileCommands::Opened FileCommands::FileOpen(const std::optional<QString> &path, Folder folder)
 {
+    if (path && fileKindOf(*path) == FileKind::ChannelCsv) {
+        m_chosen = *path;
+        return Opened::ChannelCsv;
+    }
     if (!saveModifiedFirst())
-        return false;
-    if (path)
-        return load(*path);
-    const QString chosen = FileDialog::getOpenFileName(m_parent, text({u"Open", u"打开", u"打開"}), dialogFolder(),
-                                                       DataFileFilter());
-    return !chosen.isEmpty() && load(chosen);
+        return Opened::Nothing;
+    m_chosen = path ? *path
+                    : FileDialog::getOpenFileName(m_parent, text({u"Open", u"打开", u"打開"}), dialogFolder(),
+                                                  OpenFilter());
+    if (m_chosen.isEmpty())
+        return Opened::Nothing;
+    if (!path && fileKindOf(m_chosen) == FileKind::ChannelCsv) {
+        rememberFolder(m_chosen);
+        return Opened::ChannelCsv;
+    }
+    return load(m_chosen, folder) ? Opened::Image : Opened::Nothing;
 }
 
-bool FileCommands::load(const QString &path)
+bool FileCommands::load(const QString &path, Folder folder)
 {
-    rememberFolder(path);
+    if (folder == Folder::Remember)
+        rememberFolder(path);
     if (!QFileInfo::exists(path)) {
         // Reached from outside the program, a name may well be wrong; say which.
         MessageBox::show(m_parent, QMessageBox::Critical, text(Words::Error),
@@ -133,15 +175,17 @@ bool FileCommands::load(const QString &path)
     const DataFile::ReadResult result = DataFile::Read(path);
     switch (result.status) {
     case DataFile::ReadStatus::Ok:
+        if (m_beforeReplacing)
+            m_beforeReplacing();
         state.image.setBytes(result.image);
         state.image.TakeSnapshot();
         state.LoadBandLimits();
         return true;
     case DataFile::ReadStatus::WrongType:
-        MessageBox::show(m_parent, QMessageBox::Critical, ModelName(), incorrectFileType());
+        MessageBox::show(m_parent, QMessageBox::Critical, ModelName(), incorrectFileType(path, result.problem));
         return false;
     case DataFile::ReadStatus::Damaged:
-        MessageBox::show(m_parent, QMessageBox::Critical, text(Words::Error), incorrectFileType());
+        MessageBox::show(m_parent, QMessageBox::Critical, text(Words::Error), incorrectFileType(path, result.problem));
         return false;
     case DataFile::ReadStatus::CannotOpen:
         MessageBox::show(m_parent, QMessageBox::Critical, text(Words::Error), result.errorString);

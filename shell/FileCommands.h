@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 class QWidget;
@@ -25,16 +26,31 @@ public:
     // parent: the window the questions and dialogs belong to.
     FileCommands(QWidget *parent, SettingsStore &settings);
 
+    // Runs just before New or Open replaces the image, once it is sure to:
+    // the last moment to keep what is about to go.
+    void setBeforeReplacing(std::function<void()> beforeReplacing);
+
     // "All data will be cleared." then a fresh image. True when cleared.
     bool FileNew();
 
+    enum class Opened {
+        Nothing,    // cancelled, or the file could not be loaded (and said so)
+        Image,      // the image was replaced
+        ChannelCsv, // the file is a channel list in CSV: chosenFile() names it
+    };
+    // How the chosen file's folder is treated: remembered for the next
+    // dialog, unless it is one of the program's own folders.
+    enum class Folder { Remember, Forget };
+
     // Asks to save a modified image first, then loads a ".tw" file into the
     // image with its snapshot and band limits: `path` when the file was chosen
-    // outside the program (on the command line or dropped on the window), else
-    // the one the file dialog picks. True when the image was replaced. A save
-    // that the user cancels or that fails ends the command, so the unsaved data
-    // stays where it is.
-    bool FileOpen(const std::optional<QString> &path = std::nullopt);
+    // outside the program (on the command line, dropped on the window, a
+    // backup), else the one the file dialog picks. A save that the user
+    // cancels or that fails ends the command, so the unsaved data stays where
+    // it is. A CSV file is not loaded but handed back: from outside the
+    // program before any question, as it replaces nothing.
+    Opened FileOpen(const std::optional<QString> &path = std::nullopt, Folder folder = Folder::Remember);
+    QString chosenFile() const { return m_chosen; }
 
     // Writes the image to CurrentFileName, asking for a name while it is
     // "Untitled". True when the file was written.
@@ -49,18 +65,22 @@ public:
 
     // "tw Files (*.tw)", the filter of both file dialogs.
     static QString DataFileFilter();
+    // The open dialog's filters: the data files, then all files.
+    static QString OpenFilter();
 
 private:
     // The folder the dialogs open in; "" when none is known or it is gone.
     QString dialogFolder() const;
     bool saveModifiedFirst();
-    bool load(const QString &path);
+    bool load(const QString &path, Folder folder);
     QString askSaveName(const QString &proposed);
     bool saveTo(const QString &path);
     void rememberFolder(const QString &file);
 
     QWidget *m_parent;
     SettingsStore &m_settings;
+    std::function<void()> m_beforeReplacing;
+    QString m_chosen;
 };
 
 } // namespace wr

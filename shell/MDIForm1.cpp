@@ -11,7 +11,7 @@
 #include "features/frmSMB.h"
 #include "link/frmclone.h"
 #include "shell/AppIcon.h"
-#include "shell/FileCommands.h"
+#include "shell/EditorTree.h"
 #include "shell/LanguageForm.h"
 #include "shell/MainWindowNames.h"
 #include "shell/QtTranslations.h"
@@ -24,14 +24,10 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QDragEnterEvent>
-#include <QDropEvent>
-#include <QFileInfo>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMimeData>
 #include <QScreen>
 #include <QShowEvent>
 #include <QStyle>
@@ -40,7 +36,6 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QTreeWidget>
-#include <QUrl>
 
 #include <span>
 
@@ -60,6 +55,9 @@ constexpr int CommitClearedAddress = 0x0CD0;
 
 constexpr Text ContinueQuestion{u"Do you wish to continue?", u"是否继续？", u"是否繼續？"};
 
+// How long the status bar says what became of a corrected value.
+constexpr int CorrectionNoteTime = 10'000; // ms
+
 // The values of LinkDirection.
 constexpr QStringView VerifySetting = u"VerifyWrites"; // "0": writes are not read back
 
@@ -68,24 +66,6 @@ constexpr quint8 WriteToRadio = 1;
 
 // The tree node's data holding the QAction a click runs.
 constexpr int CommandRole = Qt::UserRole + 1;
-
-// The data file a drag brings: one local file named *.tw. The window takes
-// it as a copy, since it only reads it: taken as a move (Shift held), the
-// file manager would delete the file afterwards. Anything else it refuses
-// and gives "".
-QString acceptDataFile(QDropEvent *event)
-{
-    const QList<QUrl> urls = event->mimeData() ? event->mimeData()->urls() : QList<QUrl>();
-    const QString path = urls.size() == 1 && urls.first().isLocalFile() ? urls.first().toLocalFile() : QString();
-    if (QFileInfo(path).suffix().compare(u"tw", Qt::CaseInsensitive) != 0
-        || !(event->possibleActions() & Qt::CopyAction)) {
-        event->ignore();
-        return {};
-    }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    return path;
-}
 
 } // namespace
 
@@ -104,7 +84,7 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
     auto *split = new QSplitter(Qt::Horizontal, this);
     split->setObjectName(u"PicClone"_s);
     split->setChildrenCollapsible(false);
-    m_tree = new QTreeWidget(split);
+    m_tree = new EditorTree(split);
     m_tree->setObjectName(u"Tree0"_s);
     m_tree->setHeaderHidden(true);
     // A narrow pane: the channel grid needs the width more than the tree,
@@ -127,6 +107,16 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
     m_verify = findChild<QAction *>(u"mnuVerify"_s);
     buildToolBar();
     m_status = new StatusPanels(statusBar());
+
+    // The memory map's key, beside the channel list's mouse gesture.
+    auto *memoryMap = new QAction(this);
+    memoryMap->setObjectName(u"actMemoryMap"_s);
+    memoryMap->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::ALT | Qt::Key_M));
+    connect(memoryMap, &QAction::triggered, this, [this] {
+        if (m_channels)
+            m_channels->requestMemoryMap();
+    });
+    addAction(memoryMap);
 
     Form_Load();
 }
@@ -206,14 +196,17 @@ void MDIForm1::buildMenus()
          ctrl(Qt::Key_S)},
         {u"mnuFile_SaveAs", {u"Save &As", u"另存为(&A)", u"另存為(&A)"}, ChannelEditAndStep, &MDIForm1::fileSaveAs,
          ctrl(Qt::Key_A)},
+        // The automatic backups, which would otherwise go unnoticed. The
+        // Chinese captions have no access key, which would add "(B)".
+        {u"mnuFile_Backups", {u"&Backups…", u"备份…", u"備份…"}, ChannelEdit, &MDIForm1::showBackups},
         separator(u"mnuFile_Bar1", false),
         // Printing does not exist.
         {u"mnuFile_Print", {u"&Print", u"打印(&P)", u"打印(&P)"}, Nothing, nullptr, ctrl(Qt::Key_P), false},
         {u"mnuFile_PrintView", {u"P&rint View", u"打印预览(&R)", u"打印預覽(&R)"}, Nothing, nullptr, ctrl(Qt::Key_V),
          false},
         separator(u"mnuFile_Bar2", true),
-        {u"mnuFile_Exit", {u"&Exit", u"退出(&E)", u"退出(&E)"}, ChannelEditAndStep, &MDIForm1::fileExit,
-         ctrl(Qt::Key_X)},
+        // Exit's commit step is its handler's first step (fileExit).
+        {u"mnuFile_Exit", {u"&Exit", u"退出(&E)", u"退出(&E)"}, ChannelEdit, &MDIForm1::fileExit, ctrl(Qt::Key_X)},
     };
     static constexpr MenuItem Machine[]{
         {u"mnuMachine_Info", {u"Machine Info(&M)", u"机型信息(&M)", u"機型信息(&M)"}},
@@ -361,6 +354,7 @@ void MDIForm1::buildTree()
     m_tree->expandItem(root);
     m_tree->setCurrentItem(root->child(0));
     connect(m_tree, &QTreeWidget::itemClicked, this, &MDIForm1::Tree0_NodeClick);
+    connect(m_tree, &EditorTree::nodeChosen, this, &MDIForm1::Tree0_NodeClick);
 }
 
 void MDIForm1::captionStep()
@@ -414,6 +408,7 @@ void MDIForm1::showChannelList()
 {
     if (!m_channels) {
         auto *form = new frmChannel(app());
+        form->setSettingsStore(m_settings);
         m_channelWindow = m_mdiArea->addSubWindow(form);
         m_channelWindow->setAttribute(Qt::WA_DeleteOnClose);
         m_channelWindow->setWindowIcon(AppIcon());
@@ -425,11 +420,18 @@ void MDIForm1::showChannelList()
         }
         m_channels = form;
         connect(form, &frmChannel::memoryMapRequested, this, &MDIForm1::openMemoryMap);
+        connect(form, &frmChannel::valueCorrected, this, [this](const TypedCorrection &correction) {
+            m_status->showNote(correction.text(language()), CorrectionNoteTime);
+        });
         // Bit 0 of the open-forms flags follows the channel list's life.
         app().FormOpenFlags |= AppState::ChannelListOpen;
         connect(form, &QObject::destroyed, this, [] { app().FormOpenFlags &= ~AppState::ChannelListOpen; });
-        // Restored from maximised, the list comes back at its opening size.
         m_channelWindow->resize(frmChannel::OpeningSize);
+        connect(m_channelWindow, &QMdiSubWindow::windowStateChanged, this,
+                [this](Qt::WindowStates before, Qt::WindowStates now) {
+                    if ((before & Qt::WindowMaximized) && !(now & (Qt::WindowMaximized | Qt::WindowMinimized)))
+                        restoreChannelWindow();
+                });
         m_channelWindow->showMaximized();
     }
     m_channelWindow->show();
@@ -437,40 +439,25 @@ void MDIForm1::showChannelList()
     m_channelWindow->raise();
 }
 
-void MDIForm1::fileNew()
+// Restored from maximised, the channel list comes back at the size it opens
+// with, not the few pixels it had before it was first maximised; where the
+// document area is smaller, as large as the area, so that its scroll bar
+// and its right edge stay in sight.
+void MDIForm1::restoreChannelWindow()
 {
-    if (FileCommands(this, *m_settings).FileNew())
-        RefreshMainWindow();
+    const QSize room = m_mdiArea->viewport()->size();
+    QRect frame(m_channelWindow->pos(), frmChannel::OpeningSize.boundedTo(room));
+    frame.moveTo(std::clamp(frame.left(), 0, room.width() - frame.width()),
+                 std::clamp(frame.top(), 0, room.height() - frame.height()));
+    m_channelWindow->setGeometry(frame);
 }
 
-void MDIForm1::fileOpen()
-{
-    openFile();
-}
-
-void MDIForm1::openFile(const std::optional<QString> &path)
-{
-    // Edits typed into the grid count as modifications: they are moved into
-    // the image before the modified test, so the question can protect them.
-    CommitChannelEdit();
-    if (m_channels)
-        m_channels->SaveData();
-    if (FileCommands(this, *m_settings).FileOpen(path))
-        RefreshMainWindow();
-}
-
-void MDIForm1::fileSave()
-{
-    FileCommands(this, *m_settings).FileSave();
-}
-
-void MDIForm1::fileSaveAs()
-{
-    FileCommands(this, *m_settings).FileSaveAs();
-}
-
+// Exit runs the commit step, which takes the snapshot; whether there were
+// unsaved changes is asked before, for the exit backup.
 void MDIForm1::fileExit()
 {
+    m_exitWithUnsavedChanges = workingImage().IsModified();
+    CommitStep();
     close();
 }
 
@@ -523,11 +510,21 @@ void MDIForm1::transfer(quint8 direction)
     // What the question names, by LinkDirection.
     static constexpr Text Transfers[]{{u"Read data from radio.", u"从对讲机读取数据。", u"從對講機讀取數據。"},
                                       {u"Write data to radio.", u"向对讲机写入数据。", u"向對講機寫入數據。"}};
-    const QString text = Transfers[direction].in(language()) + u'\n' + ContinueQuestion.in(language());
+    static constexpr Text KeptAsBackup{u"The unsaved changes will be kept as a backup (File → Backups…).",
+                                       u"未保存的修改将保留为备份（文件 → 备份…）。",
+                                       u"未保存的修改將保留為備份（文件 → 備份…）。"};
+    QString text = Transfers[direction].in(language()) + u'\n' + ContinueQuestion.in(language());
+    // A read replaces the whole image, and its rows as they come in: what
+    // was not saved is kept first, and the question says so.
+    const bool keepsChanges = direction == ReadFromRadio && workingImage().IsModified();
+    if (keepsChanges)
+        text += u'\n' + KeptAsBackup.in(language());
     if (MessageBox::show(this, QMessageBox::Question, ModelName(), text, QMessageBox::Ok | QMessageBox::Cancel,
                          QMessageBox::Ok)
         != QMessageBox::Ok)
         return;
+    if (keepsChanges)
+        keepUnsavedChanges(BackupReason::BeforeRead);
     app().LinkDirection = direction;
 
     // The progress form owns the port for the length of one transfer and
@@ -536,7 +533,7 @@ void MDIForm1::transfer(quint8 direction)
     form->setVerifyAfterWrite(m_verify->isChecked());
     connect(form, &frmclone::portNumberChanged, this, &MDIForm1::showPortPanel);
     connect(form, &frmclone::readCompleted, this, &MDIForm1::RefreshMainWindow);
-    connect(form, &frmclone::readCompleted, this, [this] { keepBackup(BackupReason::Read); });
+    connect(form, &frmclone::readCompleted, this, [this] { keepBackup(BackupReason::Read, app().image); });
     form->exec();
     delete form.data();
     // A cancelled scan puts the chosen port back.
@@ -580,13 +577,21 @@ void MDIForm1::openRadio()
 }
 
 // The memory map stays open beside this window; a second gesture brings it
-// to the front. After its OK the channel list reloads from the image, or
-// its older texts would undo a patch of the channel rows at the next save.
+// to the front. Its OK writes every byte it shows, over whatever changed
+// since it opened: that is kept as a backup first. After its OK the channel
+// list reloads from the image, or its older texts would undo a patch of the
+// channel rows at the next save.
 void MDIForm1::openMemoryMap()
 {
     if (!m_memoryMap) {
         m_memoryMap = new frmMemoryMap(app().image, language(), this);
         m_memoryMap->setAttribute(Qt::WA_DeleteOnClose);
+        m_memoryMapOpenedWith = app().image.bytes();
+        connect(m_memoryMap, &frmMemoryMap::aboutToStore, this, [this] {
+            const MemoryImage now = workingImage();
+            if (now.bytes() != m_memoryMapOpenedWith)
+                keepBackup(BackupReason::BeforeMemoryMap, now);
+        });
         connect(m_memoryMap, &QDialog::accepted, this, [this] {
             if (m_channels)
                 m_channels->RefreshChannel();
@@ -595,6 +600,14 @@ void MDIForm1::openMemoryMap()
     m_memoryMap->show();
     m_memoryMap->raise();
     m_memoryMap->activateWindow();
+}
+
+void MDIForm1::closeEvent(QCloseEvent *event)
+{
+    // Closing by any means writes the settings back; only Exit commits.
+    SaveSettings(app(), *m_settings);
+    keepExitBackup();
+    QMainWindow::closeEvent(event);
 }
 
 void MDIForm1::showEvent(QShowEvent *event)
@@ -606,6 +619,7 @@ void MDIForm1::showEvent(QShowEvent *event)
     // The layout is done here and the window is not on the screen yet, so
     // it appears once, at its final size.
     fitToScreen();
+    noteUnsavedChangesOfLastRun();
 }
 
 // The tree pane is as wide as its captions, in the language and font of the
@@ -643,56 +657,6 @@ void MDIForm1::fitToScreen()
     wanted = wanted.boundedTo(room);
     if (wanted != size())
         resize(wanted);
-}
-
-void MDIForm1::closeEvent(QCloseEvent *event)
-{
-    // Closing by any means writes the settings back; only Exit commits.
-    SaveSettings(app(), *m_settings);
-    keepBackup(BackupReason::Exit);
-    QMainWindow::closeEvent(event);
-}
-
-void MDIForm1::setBackupFolder(const QString &folder)
-{
-    m_backupFolder = folder;
-}
-
-// A backup is kept behind the user's back: whatever becomes of it, the read or
-// the exit that caused it goes on as if there were none.
-void MDIForm1::keepBackup(BackupReason reason)
-{
-    const QString folder = m_backupFolder.isEmpty() ? Backups::defaultFolder() : m_backupFolder;
-    if (reason == BackupReason::Read || !m_channels) {
-        Backups::keep(folder, app().image, reason, QDateTime::currentDateTime());
-        return;
-    }
-    // What is lost at exit is mostly what was typed into the channel list and
-    // never saved, so the exit backup holds the list as it stands, saved into
-    // a copy: closing other than by Exit commits nothing to the image.
-    MemoryImage image = app().image;
-    m_channels->saveInto(image);
-    Backups::keep(folder, image, reason, QDateTime::currentDateTime());
-}
-
-void MDIForm1::dragEnterEvent(QDragEnterEvent *event)
-{
-    acceptDataFile(event);
-}
-
-void MDIForm1::dragMoveEvent(QDragMoveEvent *event)
-{
-    acceptDataFile(event);
-}
-
-void MDIForm1::dropEvent(QDropEvent *event)
-{
-    const QString path = acceptDataFile(event);
-    if (path.isEmpty())
-        return;
-    // The program the file came from waits until the drop is over; the
-    // questions of Open come after that.
-    QTimer::singleShot(0, this, [this, path] { openFile(path); });
 }
 
 } // namespace wr

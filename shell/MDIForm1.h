@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Language.h"
+#include "shell/FileCommands.h"
 
 #include <QList>
 #include <QMainWindow>
@@ -14,11 +15,12 @@ class QAction;
 class QMdiArea;
 class QMdiSubWindow;
 class QToolBar;
-class QTreeWidget;
 class QTreeWidgetItem;
 
 namespace wr {
 
+class MemoryImage;
+class EditorTree;
 class SettingsStore;
 class StatusPanels;
 class frmChannel;
@@ -63,12 +65,17 @@ public:
 
     // Open: the modified question, then the file: `path` when it was chosen
     // outside the program (given on the command line or dropped on the
-    // window), else the one the file dialog picks.
+    // window), else the one the file dialog picks. A channel list in CSV goes
+    // to the channel list's import instead.
     void openFile(const std::optional<QString> &path = std::nullopt);
 
     // Where the automatic backups go; the application data folder's unless a
     // test gives a folder of its own.
     void setBackupFolder(const QString &folder);
+
+    // The image as the channel list's edits would leave it, with the
+    // snapshot: what the modified test compares, without touching the image.
+    MemoryImage workingImage() const;
 
     // How much a command commits before it runs.
     enum class Commit {
@@ -107,6 +114,7 @@ private:
     // Command handlers; the commit the table names has already run.
     void fileNew();
     void fileOpen();
+    void showBackups();
     void fileSave();
     void fileSaveAs();
     void fileExit();
@@ -131,7 +139,25 @@ private:
     void openMemoryMap();
 
     void Tree0_NodeClick(QTreeWidgetItem *node);
-    void keepBackup(BackupReason reason);
+
+    // Automatic backups (MDIForm1Backups.cpp).
+    QString backupFolder() const;
+    void keepBackup(BackupReason reason, const MemoryImage &image);
+    // Keeps the working image when the modified test reports changes that
+    // a read, New or Open is about to replace.
+    void keepUnsavedChanges(BackupReason reason);
+    void keepExitBackup();
+    // Once a start: a note when the last run left unsaved changes behind.
+    void noteUnsavedChangesOfLastRun();
+
+    // Open of a file from outside or of one of the program's own (a backup),
+    // whose folder the file dialogs do not take up.
+    void open(const std::optional<QString> &path, FileCommands::Folder folder);
+    // A channel list in CSV handed to Open goes to the channel list's import.
+    void importChannelCsv(const QString &path);
+    // Restored from maximised, the channel list comes back at its opening
+    // size, or smaller where the document area is.
+    void restoreChannelWindow();
 
     std::unique_ptr<SettingsStore> m_ownedSettings;
     SettingsStore *m_settings;
@@ -140,7 +166,7 @@ private:
     QPointer<frmChannel> m_channels;
     QPointer<QMdiSubWindow> m_channelWindow;
     QPointer<frmMemoryMap> m_memoryMap; // open beside this window, at most one
-    QTreeWidget *m_tree = nullptr;
+    EditorTree *m_tree = nullptr;
     QToolBar *m_toolBar = nullptr;
     QAction *m_verify = nullptr; // Verify After Writing
     StatusPanels *m_status = nullptr;
@@ -148,6 +174,8 @@ private:
     QList<std::pair<QTreeWidgetItem *, Text>> m_nodeCaptions; // the tree's
     bool m_shownOnce = false;
     QString m_backupFolder;
+    bool m_exitWithUnsavedChanges = false; // the modified test before Exit's commit step
+    QByteArray m_memoryMapOpenedWith;      // the image the open memory map shows
 };
 
 } // namespace wr

@@ -39,6 +39,8 @@ constexpr Text PanelDescriptions[]{{u"Serial port", u"串口", u"串口"}, {u"Da
 StatusPanels::StatusPanels(QStatusBar *bar)
     : QObject(bar)
     , m_time(new QTimer(this))
+    , m_note(new QLabel(bar))
+    , m_noteTime(new QTimer(this))
 {
     bar->setObjectName(u"MSBar"_s);
     bar->setSizeGripEnabled(true);
@@ -55,11 +57,25 @@ StatusPanels::StatusPanels(QStatusBar *bar)
         m_panels.append(panel);
     }
 
+    m_note->setObjectName(u"MSBar_Note"_s);
+    m_note->setContentsMargins(4, 0, 4, 0);
+    m_note->hide();
+    bar->addWidget(m_note, 1);
+    m_noteTime->setObjectName(u"tmrNote"_s);
+    m_noteTime->setSingleShot(true);
+    connect(m_noteTime, &QTimer::timeout, this, &StatusPanels::endNote);
+
     m_time->setObjectName(u"Time"_s);
     m_time->setTimerType(Qt::PreciseTimer);
     m_time->setSingleShot(true);
     connect(m_time, &QTimer::timeout, this, &StatusPanels::Time_Timer);
     Time_Timer();
+}
+
+void StatusPanels::showNote(const Text &note, int milliseconds)
+{
+    showNote(note.in(m_language), milliseconds);
+    m_noteText = note;
 }
 
 void StatusPanels::showPort(quint8 portNumber)
@@ -74,12 +90,37 @@ void StatusPanels::showLanguage(Language language)
     static_cast<QWidget *>(parent())->setAccessibleName(BarName.in(language));
     for (int i = 0; i < PanelCount; ++i)
         m_panels[i]->setAccessibleDescription(PanelDescriptions[i].in(language));
+    if (m_noteText)
+        m_note->setText(m_noteText->in(language));
     showDate();
 }
 
 void StatusPanels::showDate()
 {
     m_panels[DatePanel]->setText(localeOf(m_language).toString(QDate::currentDate(), QLocale::ShortFormat));
+}
+
+void StatusPanels::showNote(const QString &text, int milliseconds)
+{
+    m_noteText.reset();
+    for (QLabel *panel : std::as_const(m_panels))
+        panel->hide();
+    // The note appears away from the focus; a label tells a screen reader
+    // when its text (its accessible name) changes, once it is shown, and a
+    // note repeated is a change too.
+    m_note->show();
+    m_note->clear();
+    m_note->setText(text);
+    m_noteTime->start(milliseconds);
+}
+
+void StatusPanels::endNote()
+{
+    m_noteText.reset();
+    m_note->hide();
+    m_note->clear();
+    for (QLabel *panel : std::as_const(m_panels))
+        panel->show();
 }
 
 void StatusPanels::Time_Timer()

@@ -8,8 +8,11 @@
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -32,6 +35,30 @@ constexpr Caption Captions[]{
 };
 constexpr FieldTable Texts{.captions = Captions};
 
+// The box around the port's details. The style draws a panel's line on the
+// widget's outermost row and column of pixels. At 150 % a widget at an odd
+// position starts half way into a screen pixel; its painting is clipped to
+// the whole pixels inside it, and with them go the top and left lines. Drawn
+// here half a pixel inside the edge, one screen pixel wide (two from 200 %)
+// in the palette's Mid, the colour of the style's own line, the box keeps
+// all four sides at any scale.
+class DetailsFrame : public QFrame
+{
+public:
+    using QFrame::QFrame;
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        QPen pen(palette().color(QPalette::Mid));
+        pen.setCosmetic(true);
+        pen.setWidth(std::max(1, int(devicePixelRatioF())));
+        painter.setPen(pen);
+        painter.drawRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5));
+    }
+};
+
 } // namespace
 
 frmComPort::frmComPort(quint8 portNumber, Language language, QWidget *parent)
@@ -48,8 +75,9 @@ frmComPort::frmComPort(quint8 portNumber, Language language, QWidget *parent)
 
     // Which device the selected name stands for, so the user can tell the
     // programming cable from other serial adapters.
-    auto *details = new QFrame(this);
-    details->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    auto *details = new DetailsFrame(this);
+    details->setObjectName(u"fraDetails"_s);
+    details->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken); // its width still spaces the contents
     auto *detailsLayout = new QFormLayout(details);
     m_lblDevice = makeControl<QLabel>(u"lblDevice"_s, details);
     m_lblDevice->setTextInteractionFlags(Qt::TextSelectableByMouse);

@@ -26,7 +26,9 @@ int main(int argc, char *argv[])
                        "English, Simplified Chinese and Traditional Chinese."));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addPositionalArgument(QStringLiteral("FILE.tw"), QStringLiteral("A .tw data file to open."),
+    parser.addPositionalArgument(QStringLiteral("FILE.tw"),
+                                 QStringLiteral("A .tw data file to open, or a channel list in CSV (as CHIRP "
+                                                "writes it) to import into the channel list."),
                                  QStringLiteral("[FILE.tw]"));
     parser.process(application);
     const QStringList files = parser.positionalArguments();

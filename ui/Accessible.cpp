@@ -10,11 +10,16 @@
 #include <QAccessible>
 #include <QAccessibleWidget>
 #include <QComboBox>
+#include <QContextMenuEvent>
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QRegularExpression>
 #include <QTableView>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -220,7 +225,53 @@ public:
     }
 };
 
+// Shift+F10 and the menu key as a context menu event of the keyboard. Some
+// platforms turn the menu key into such an event of their own just before
+// its key press; that key press then opens nothing.
+class MenuKeys : public QObject
+{
+public:
+    explicit MenuKeys(QAbstractItemView *view)
+        : QObject(view)
+        , m_view(view)
+    {
+        view->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::ContextMenu) {
+            const auto *menu = static_cast<QContextMenuEvent *>(event);
+            m_openedByPlatform = menu->reason() == QContextMenuEvent::Keyboard && menu->spontaneous();
+            return false;
+        }
+        if (event->type() != QEvent::KeyPress)
+            return false;
+        const auto *key = static_cast<QKeyEvent *>(event);
+        const bool opened = std::exchange(m_openedByPlatform, false);
+        const bool menuKey = key->key() == Qt::Key_Menu && key->modifiers() == Qt::NoModifier;
+        if (!menuKey && !(key->key() == Qt::Key_F10 && key->modifiers() == Qt::ShiftModifier))
+            return false;
+        if (!(opened && menuKey)) {
+            const QPoint cell = m_view->visualRect(m_view->currentIndex()).center();
+            QContextMenuEvent menu(QContextMenuEvent::Keyboard, cell, m_view->viewport()->mapToGlobal(cell));
+            QCoreApplication::sendEvent(m_view, &menu);
+        }
+        return true;
+    }
+
+private:
+    QAbstractItemView *m_view;
+    bool m_openedByPlatform = false;
+};
+
 } // namespace
+
+void openMenuByKeys(QAbstractItemView *view)
+{
+    new MenuKeys(view);
+}
 
 void useFocusFrames()
 {

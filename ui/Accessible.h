@@ -35,6 +35,12 @@ void nameListTexts(QWidget *form);
 // where it draws none of its own. The program calls it once at start-up.
 void useFocusFrames();
 
+// Opens the view's context menu at its current cell on Shift+F10 and the
+// menu key, as a context menu event of the keyboard (which the view or its
+// filters handle as they handle the menu key's own where the platform sends
+// one; then the key opens no second menu).
+void openMenuByKeys(QAbstractItemView *view);
+
 // Keeps a current cell in the view at all times: an assistive technology
 // that asks a table with none for its current cell crashes Qt 6.4. The view
 // gets the first cell it shows whenever it has none (at once, after a reset

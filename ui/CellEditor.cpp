@@ -3,7 +3,9 @@
 #include "ui/Accessible.h"
 
 #include <QAbstractItemView>
+#include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QFocusEvent>
 #include <QHeaderView>
@@ -38,6 +40,19 @@ QChar typedCharacter(const QKeyEvent *event)
     if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
         return {};
     return text.front();
+}
+
+// The clipboard's keys of a text box, the ones of every platform included.
+bool isCopyKey(const QKeyEvent *event)
+{
+    const QKeyCombination key = event->keyCombination();
+    return event->matches(QKeySequence::Copy) || key == (Qt::CTRL | Qt::Key_C) || key == (Qt::CTRL | Qt::Key_Insert);
+}
+
+bool isPasteKey(const QKeyEvent *event)
+{
+    const QKeyCombination key = event->keyCombination();
+    return event->matches(QKeySequence::Paste) || key == (Qt::CTRL | Qt::Key_V) || key == (Qt::SHIFT | Qt::Key_Insert);
 }
 
 QLineEdit *lineEditOf(QWidget *editor)
@@ -79,6 +94,16 @@ CellEditRules::Scroll CellEditRules::onScroll() const
     return Scroll::Commit;
 }
 
+QModelIndex CellEditRules::cellAfterTab(const QModelIndex &, bool) const
+{
+    return {};
+}
+
+bool CellEditRules::pasteGoesToGrid(const QString &) const
+{
+    return false;
+}
+
 CellEditor::CellEditor(QAbstractItemView *view, CellEditRules &rules)
     : m_view(view)
     , m_viewport(view->viewport())
@@ -89,6 +114,26 @@ CellEditor::CellEditor(QAbstractItemView *view, CellEditRules &rules)
     m_viewport->installEventFilter(this);
     for (QScrollBar *bar : {view->verticalScrollBar(), view->horizontalScrollBar()})
         connect(bar, &QScrollBar::valueChanged, this, &CellEditor::scrolled);
+
+    // Ctrl+Tab and Ctrl+Shift+Tab leave the grid, an open editor committed.
+    // They are shortcuts of the view because a document area takes those
+    // keys from its windows' children to switch between the windows.
+    for (const bool backwards : {false, true}) {
+        auto *leave = new QAction(view);
+        leave->setObjectName(backwards ? QStringLiteral("leaveGridBackwards") : QStringLiteral("leaveGrid"));
+        if (backwards)
+            leave->setShortcuts({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Tab),
+                                 QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Backtab),
+                                 QKeySequence(Qt::CTRL | Qt::Key_Backtab)});
+        else
+            leave->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Tab));
+        leave->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        view->addAction(leave);
+        connect(leave, &QAction::triggered, this, [this, backwards] {
+            commit();
+            leaveView(backwards);
+        });
+    }
 }
 
 void CellEditor::addEditor(QWidget *editor)
@@ -97,10 +142,12 @@ void CellEditor::addEditor(QWidget *editor)
     editor->hide();
     editor->setAcceptDrops(false);
     editor->setAttribute(Qt::WA_InputMethodEnabled, false);
+    editor->setContextMenuPolicy(Qt::NoContextMenu);
     editor->installEventFilter(this);
     if (QLineEdit *line = lineEditOf(editor); line && line != editor) {
         line->setAcceptDrops(false);
         line->setAttribute(Qt::WA_InputMethodEnabled, false);
+        line->setContextMenuPolicy(Qt::NoContextMenu);
         line->installEventFilter(this);
     }
 }
@@ -228,8 +275,42 @@ void CellEditor::escapePressed()
     }
 }
 
+// Tab and Shift+Tab move along the cells when the rules say where to. True
+// when the key was taken.
+bool CellEditor::tabPressed(const QKeyEvent *event, const QModelIndex &cell)
+{
+    if ((event->key() != Qt::Key_Tab && event->key() != Qt::Key_Backtab)
+        || (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)))
+        return false;
+    const bool backwards = event->key() == Qt::Key_Backtab || (event->modifiers() & Qt::ShiftModifier);
+    const QModelIndex next = m_rules.cellAfterTab(cell, backwards);
+    if (!next.isValid())
+        return false;
+    commit();
+    m_view->setFocus(Qt::OtherFocusReason);
+    m_view->setCurrentIndex(next);
+    return true;
+}
+
+// The focus goes to the widget before or after the view in its window's
+// chain, past the view's own children and the windows around it (a document
+// sub-window would give the focus straight back).
+void CellEditor::leaveView(bool backwards)
+{
+    QWidget *next = m_view;
+    do {
+        next = backwards ? next->previousInFocusChain() : next->nextInFocusChain();
+    } while (next != m_view
+             && (m_view->isAncestorOf(next) || next->isAncestorOf(m_view) || !next->isVisible() || !next->isEnabled()
+                 || !(next->focusPolicy() & Qt::TabFocus)));
+    if (next != m_view)
+        next->setFocus(backwards ? Qt::BacktabFocusReason : Qt::TabFocusReason);
+}
+
 bool CellEditor::viewKeyPress(QKeyEvent *event)
 {
+    if (tabPressed(event, m_view->currentIndex()))
+        return true;
     const QChar typed = typedCharacter(event);
     const bool enter = isEnterKey(event);
     const bool editKey = event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Escape;
@@ -250,8 +331,22 @@ bool CellEditor::viewKeyPress(QKeyEvent *event)
     return true;
 }
 
+// A character about to be typed into the open editor, with what it holds.
+TypedKey CellEditor::typedKey(QChar typed) const
+{
+    const QString text = textOf(m_editor, m_savedText);
+    TypedKey key{m_cell, m_editor, typed, text, true, true};
+    if (const QLineEdit *line = lineEditOf(m_editor)) {
+        key.hasSelection = line->hasSelectedText();
+        key.wholeSelected = !text.isEmpty() && line->selectedText() == text;
+    }
+    return key;
+}
+
 bool CellEditor::editorKeyPress(QKeyEvent *event)
 {
+    if (tabPressed(event, m_cell))
+        return true;
     if (isEnterKey(event)) {
         enterPressed();
         return true;
@@ -262,9 +357,14 @@ bool CellEditor::editorKeyPress(QKeyEvent *event)
     }
     if (event->key() == Qt::Key_Backspace)
         return false;
-    // Pasting would get around the character rules.
-    if (event->matches(QKeySequence::Paste))
+    if (isCopyKey(event)) {
+        copyText();
         return true;
+    }
+    if (isPasteKey(event)) {
+        pasteText();
+        return true;
+    }
     const QChar typed = typedCharacter(event);
     if (typed.isNull()) {
         // Keys that move or edit (arrows, Home, Delete, F4, Alt+Down) go to
@@ -272,21 +372,58 @@ bool CellEditor::editorKeyPress(QKeyEvent *event)
         return !event->text().isEmpty() && event->text().front().isPrint();
     }
 
-    QLineEdit *line = lineEditOf(m_editor);
-    const QString text = textOf(m_editor, m_savedText);
-    TypedKey key{m_cell, m_editor, typed, text, true, true};
-    if (line) {
-        key.hasSelection = line->hasSelectedText();
-        key.wholeSelected = !text.isEmpty() && line->selectedText() == text;
-    }
-    const std::optional<QChar> accepted = m_rules.acceptedCharacter(key);
+    const std::optional<QChar> accepted = m_rules.acceptedCharacter(typedKey(typed));
     if (!accepted)
         return true;
     if (*accepted == typed)
         return false;
-    if (line)
+    if (QLineEdit *line = lineEditOf(m_editor))
         line->insert(QString(*accepted));
     return true;
+}
+
+// Enter and Esc belong to the editor, not to a default button; so do the
+// clipboard's keys, unless a paste is meant for the grid. Other keys with
+// Ctrl or Alt belong to the window's shortcuts, not to the editor's own
+// select-all or cut.
+bool CellEditor::editorShortcutOverride(QKeyEvent *event)
+{
+    if (isPasteKey(event) && textOf(m_editor, m_savedText) == m_savedText
+        && m_rules.pasteGoesToGrid(QGuiApplication::clipboard()->text())) {
+        close(); // nothing typed: nothing to store
+        return true;
+    }
+    if (isEnterKey(event) || event->key() == Qt::Key_Escape || isCopyKey(event) || isPasteKey(event)) {
+        event->accept();
+        return true;
+    }
+    return (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
+}
+
+void CellEditor::copyText()
+{
+    if (const QLineEdit *line = lineEditOf(m_editor)) {
+        if (line->hasSelectedText())
+            QGuiApplication::clipboard()->setText(line->selectedText());
+    } else {
+        QGuiApplication::clipboard()->setText(textOf(m_editor, m_savedText));
+    }
+}
+
+// The clipboard's text as if typed: each character through the rules, in
+// place of the selection and at the caret, within the editor's length.
+void CellEditor::pasteText()
+{
+    QLineEdit *line = lineEditOf(m_editor);
+    if (!line)
+        return; // a list takes no typing
+    const QString text = QGuiApplication::clipboard()->text();
+    for (const QChar typed : text) {
+        if (!typed.isPrint())
+            continue;
+        if (const std::optional<QChar> accepted = m_rules.acceptedCharacter(typedKey(typed)))
+            line->insert(QString(*accepted));
+    }
 }
 
 QWidget *CellEditor::editorOf(QObject *watched) const
@@ -320,17 +457,8 @@ bool CellEditor::eventFilter(QObject *watched, QEvent *event)
     switch (type) {
     case QEvent::KeyPress:
         return editorKeyPress(static_cast<QKeyEvent *>(event));
-    case QEvent::ShortcutOverride: {
-        // Enter and Esc belong to the editor, not to a default button; keys
-        // with Ctrl or Alt belong to the window's shortcuts, not to the
-        // editor's own select-all or cut.
-        auto *key = static_cast<QKeyEvent *>(event);
-        if (isEnterKey(key) || key->key() == Qt::Key_Escape) {
-            event->accept();
-            return true;
-        }
-        return (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
-    }
+    case QEvent::ShortcutOverride:
+        return editorShortcutOverride(static_cast<QKeyEvent *>(event));
     case QEvent::FocusOut: {
         // Focus leaving the editor commits it, like a click elsewhere in the
         // grid; focus going to its own list or to another window does not.

@@ -58,8 +58,18 @@ public:
     // The cell made current after Enter committed `cell`, or an invalid
     // index to stay (the rules may then give the focus to another widget).
     virtual QModelIndex cellAfterEnter(const QModelIndex &cell) = 0;
+    // The cell Tab (or Shift+Tab, backwards) makes current, as in a
+    // spreadsheet; an open editor is committed first and none opens. An
+    // invalid index, the default, leaves Tab to move the focus on. Every
+    // grid is left with Ctrl+Tab and Ctrl+Shift+Tab.
+    virtual QModelIndex cellAfterTab(const QModelIndex &cell, bool backwards) const;
     virtual Escape onEscape(QWidget *editor) const;
     virtual Scroll onScroll() const;
+    // Text pasted into an editor nothing was typed into: true when it is
+    // meant for the grid rather than for the cell (rows of a spreadsheet,
+    // say). The editor then closes without storing, and the paste goes on
+    // to the window's commands. By default every paste is the cell's.
+    virtual bool pasteGoesToGrid(const QString &text) const;
 };
 
 // Edits the cells of an item view in place. The grid's rules decide what is
@@ -71,8 +81,11 @@ public:
 // into another never stores twice.
 //
 // Keys with Ctrl or Alt are left to the window's shortcuts while an editor
-// is open, so menu commands run wherever the focus is; only Enter and Esc
-// are kept from them.
+// is open, so menu commands run wherever the focus is; only Enter, Esc and
+// the clipboard's keys are kept from them. Copy (Ctrl+C, Ctrl+Insert) takes
+// the editor's selected text; paste (Ctrl+V, Shift+Insert) types the
+// clipboard's text into the editor character by character, so the rules
+// drop what the cell would refuse from the keyboard.
 //
 // It watches the view and its editors and calls the rules for as long as it
 // lives, so its owner holds it (a member, for instance) and destroys it
@@ -85,8 +98,9 @@ public:
     CellEditor(QAbstractItemView *view, CellEditRules &rules);
 
     // Takes an editor (a QLineEdit or a QComboBox) onto the view's viewport,
-    // hidden. Only typed keys that pass the rules put text into it: no
-    // pasting, dropping or input-method composition.
+    // hidden. Only typed keys that pass the rules put text into it, a paste
+    // typed as keys: no dropping, input-method composition or text box menu
+    // (a right click on it is the grid's).
     void addEditor(QWidget *editor);
 
     // Opens the editor of the view's current cell (after editableCell).
@@ -112,6 +126,12 @@ protected:
 private:
     bool viewKeyPress(QKeyEvent *event);
     bool editorKeyPress(QKeyEvent *event);
+    bool editorShortcutOverride(QKeyEvent *event);
+    bool tabPressed(const QKeyEvent *event, const QModelIndex &cell);
+    void leaveView(bool backwards);
+    TypedKey typedKey(QChar typed) const;
+    void copyText();
+    void pasteText();
     void enterPressed();
     void escapePressed();
     void scrolled();

@@ -24,6 +24,7 @@ struct FileDialogHooks
 {
     QQueue<QString> names;
     QStringList history;
+    QString filter;
 };
 
 FileDialogHooks &fileHooks()
@@ -93,6 +94,7 @@ QString FileDialog::getOpenFileName(QWidget *parent, const QString &title, const
                                     const QString &filter)
 {
     fileHooks().history.append(directory);
+    fileHooks().filter = filter;
     if (!fileHooks().names.isEmpty())
         return fileHooks().names.dequeue();
     return QFileDialog::getOpenFileName(parent, title, directory, filter, nullptr,
@@ -103,6 +105,7 @@ QString FileDialog::getSaveFileName(QWidget *parent, const QString &title, const
                                     const QString &filter)
 {
     fileHooks().history.append(proposed);
+    fileHooks().filter = filter;
     if (!fileHooks().names.isEmpty())
         return fileHooks().names.dequeue();
     return QFileDialog::getSaveFileName(parent, title, proposed, filter);
@@ -116,6 +119,11 @@ void FileDialog::setNextFileName(const QString &fileName)
 QStringList FileDialog::history()
 {
     return fileHooks().history;
+}
+
+QString FileDialog::lastFilter()
+{
+    return fileHooks().filter;
 }
 
 void FileDialog::reset()

@@ -57,6 +57,7 @@ public:
     // proposed name each dialog opened with, answered or shown.
     static void setNextFileName(const QString &fileName);
     static QStringList history();
+    static QString lastFilter(); // of the last dialog, answered or shown
     static void reset(); // names and history
 };
 

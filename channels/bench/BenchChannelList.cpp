@@ -125,6 +125,16 @@ int shots(const QString &folder)
         preview.show();
         QCoreApplication::processEvents();
         preview.grab().save(QStringLiteral("%1/csv-preview-%2.png").arg(folder, name));
+
+        // Cells pasted from a spreadsheet onto channel 7's receive column:
+        // the preview says where each row goes and which columns it holds.
+        const CsvImport pasted =
+            readChannelCsv(QStringLiteral("146.52\t146.52\n146.55\t147.15\n999\t999\n146.583\t\n"),
+                           app().BandLimits, {.pasteAt = 7, .firstChannel = 7, .firstColumn = frmChannel::ColRx});
+        CsvImportPreview pastePreview(pasted, {}, QString(), Text(u"Paste", u"粘贴", u"貼上"), Language(language));
+        pastePreview.show();
+        QCoreApplication::processEvents();
+        pastePreview.grab().save(QStringLiteral("%1/paste-preview-%2.png").arg(folder, name));
     }
     return 0;
 }

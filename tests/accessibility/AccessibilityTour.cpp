@@ -181,6 +181,7 @@ int main(int argc, char *argv[])
         {u"LanguageForm"_s, command("mnuLanguage")},
         {u"frmComPort"_s, command("mnuPort")},
         {u"frmAbout"_s, command("mnuHelp_About")},
+        {u"frmBackups"_s, command("mnuFile_Backups")},
         {u"frmOption"_s, command("mnuOptiom_Features")},
         {u"frmKey"_s, command("mnuVFO")},
         {u"frmSMB"_s, command("mnuScramble")},

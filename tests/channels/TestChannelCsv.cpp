@@ -2,7 +2,7 @@
 // with the import rules, whole files and pasted text, and a round trip of a
 // full radio.
 
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "channels/ChannelCsv.h"
 #include "core/CsvText.h"
@@ -35,7 +35,7 @@ QStringList notesOf(const CsvImport &import)
 {
     QStringList notes;
     for (const ImportNote &note : import.notes)
-        notes << u"%1 %2: %3"_s.arg(note.line).arg(note.column, note.text(English));
+        notes << u"%1 %2: %3"_s.arg(note.line).arg(note.columnName(English), note.text(English));
     return notes;
 }
 
@@ -50,13 +50,11 @@ QStringList channelsOf(const CsvImport &import)
 
 } // namespace
 
-class TestChannelCsv : public QObject
+class TestChannelCsv : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-
     // Our channel (rx|tx|decode|encode|power|width|scan|BCL) as the row
     // written after its Location.
     void exportRow_data()
@@ -197,50 +195,119 @@ private Q_SLOTS:
         }
     }
 
-    // Whole texts: where each row goes, and what is reported.
+    // Whole texts: where each row goes, and what is reported. A paste at a
+    // channel, or an import (at 0); the grid's current column; the channels
+    // in use.
     void importFile_data()
     {
         QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("pasteAt");
+        QTest::addColumn<int>("at");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QList<int>>("inUse");
         QTest::addColumn<QStringList>("channels");
         QTest::addColumn<QStringList>("notes");
+        const QList<int> none;
         QTest::newRow("semicolons, decimal comma, BOM, CR LF, comments between rows")
             << u"\uFEFFLocation;Frequency;Duplex;Offset;Tone;rToneFreq\r\n1;145,500000;+;0,600000;Tone;88,5\r\n"
                "# a remark\r\n2;433,000000;;;;\r\n"_s
-            << 0 << QStringList{u"1=145.50000"_s, u"2=433.00000"_s} << QStringList();
+            << 0 << 1 << none << QStringList{u"1=145.50000"_s, u"2=433.00000"_s} << QStringList();
         QTest::newRow("tabs, any column order, unknown columns")
-            << u"\"Location\"\tExtra\tFrequency\tFoo\n9\tx\t145.5\ty\n"_s << 0 << QStringList{u"9=145.50000"_s}
-            << QStringList{u"1 : columns not used"_s};
+            << u"\"Location\"\tExtra\tfrequency\tFoo\n9\tx\t145.5\ty\n"_s << 0 << 1 << none
+            << QStringList{u"9=145.50000"_s} << QStringList{u"1 : columns not used"_s};
         QTest::newRow("quoted fields with separators, quotes and line breaks")
             << Header + u"\n3,\"Club, \"\"North\"\"\",145.500000,,,,,,,,,,FM,5.00,,5.0W,\"two\nlines\",,,,\n"
                         "4,,146.000000,,,,,,,,,,FM,5.00,,5.0W,,,,,\n"_s
-            << 0 << QStringList{u"3=145.50000"_s, u"4=146.00000"_s}
+            << 0 << 1 << none << QStringList{u"3=145.50000"_s, u"4=146.00000"_s}
             << QStringList{u"2 Name: not kept: the radio has no channel names (rows with a name: 1)"_s,
                            u"2 Comment: not kept: the radio has no comments (rows with a comment: 1)"_s};
-        QTest::newRow("counting from 0") << u"Location,Frequency\n0,145.5\n127,146\n128,147\n"_s << 0
+        QTest::newRow("counting from 0") << u"Location,Frequency\n0,145.5\n127,146\n128,147\n"_s << 0 << 1 << none
                                          << QStringList{u"1=145.50000"_s, u"128=146.00000"_s}
                                          << QStringList{u"2 Location: the file counts from 0: every channel number is one more"_s,
                                                         u"4 Location: not a channel number 1-128: row skipped"_s};
-        QTest::newRow("the later of two rows wins") << u"Location,Frequency\n7,145.5\n7,146\nx,147\n"_s << 0
+        QTest::newRow("the later of two rows wins") << u"Location,Frequency\n7,145.5\n7,146\nx,147\n"_s << 0 << 1 << none
                                                     << QStringList{u"7=146.00000"_s}
                                                     << QStringList{u"2 Location: channel 7 is given again on line 3: row replaced"_s,
                                                                    u"4 Location: not a channel number 1-128: row skipped"_s};
-        QTest::newRow("no Frequency column") << u"Location,Name\n1,x\n"_s << 0 << QStringList() << QStringList();
-        QTest::newRow("pasted spreadsheet rows without header, past the last channel")
-            << u"1,,145.500000\n2,,146.500000\n"_s << 128 << QStringList{u"128=145.50000"_s}
+        QTest::newRow("no Frequency column") << u"Location,Name\n1,x\n"_s << 0 << 1 << none << QStringList()
+                                             << QStringList();
+        QTest::newRow("rows too wide for the grid are CHIRP's columns, past the last channel")
+            << u"1,,145.500000,,,,,,\n2,,146.500000,,,,,,\n"_s << 128 << 1 << none << QStringList{u"128=145.50000"_s}
             << QStringList{u"2 Location: would go past channel 128: row skipped"_s};
+        // Without a Location column, a row for each line from the channel
+        // pasted at; without a header, the grid's cells from the current
+        // column on (the number column counts as the receive frequency).
+        QTest::newRow("a column of frequencies, a blank line keeping its channel")
+            << u"146.52\n146.55\r\n\n146.58\n"_s << 7 << 0 << none
+            << QStringList{u"7=146.52000"_s, u"8=146.55000"_s, u"10=146.58000"_s} << QStringList();
+        QTest::newRow("a header naming CHIRP's columns without Location")
+            << u"Frequency,Name,Tone,rToneFreq\n146.52,Club,Tone,88.5\n146.55,,,\n"_s << 7 << 1 << none
+            << QStringList{u"7=146.52000"_s, u"8=146.55000"_s}
+            << QStringList{u"2 Name: not kept: the radio has no channel names (rows with a name: 1)"_s};
+        QTest::newRow("the list's captions in Chinese, with the channel numbers")
+            << u"信道\t接收頻率\tctcss/dcs 解碼\t發射功率\n3\t146.52\tD023N\t低\n4\t146.55\t無\tHigh\n"_s << 0 << 1
+            << none << QStringList{u"3=146.52000"_s, u"4=146.55000"_s} << QStringList();
+        QTest::newRow("cells from the transmit column change channels in use only")
+            << u"146.6\t88.5\n146.7\tD023N\n"_s << 7 << 2 << QList<int>{7} << QStringList{u"7="_s}
+            << QStringList{u"2 Rx Freq: no receive frequency: row skipped"_s};
+        QTest::newRow("words of the list, one not understood, past the last channel")
+            << u"146.52\t\tNone\tNone\tLow\tNarrow\tmaybe\tCarrier\n146.55\n"_s << 128 << 1 << none
+            << QStringList{u"128=146.52000"_s}
+            << QStringList{u"1 Scan Add: not understood: On taken"_s, u"2 CH.: would go past channel 128: row skipped"_s};
     }
 
     void importFile()
     {
         QFETCH(QString, text);
-        QFETCH(int, pasteAt);
+        QFETCH(int, at);
+        QFETCH(int, column);
+        QFETCH(QList<int>, inUse);
         QFETCH(QStringList, channels);
         QFETCH(QStringList, notes);
-        const CsvImport import = readChannelCsv(text, DefaultBandLimits, pasteAt);
+        ChannelTable table;
+        for (int channel : inUse)
+            table.set(channel, {textsOf(u"145.00000|145.00000|None|None|High|Wide|On|Off"_s), Channel::Created});
+        const CsvImport import = readChannelCsv(
+            text, DefaultBandLimits,
+            {.pasteAt = at, .firstChannel = std::max(at, 1), .firstColumn = column, .table = &table});
         QCOMPARE(import.refused, channels.isEmpty());
         QCOMPARE(channelsOf(import), channels);
         QCOMPARE(notesOf(import), notes);
+    }
+
+    // A row of some of the list's cells changes those of a channel in use,
+    // as typing them would, and keeps the bytes no cell shows; a channel not
+    // in use is created from it as typing its receive frequency creates it.
+    void cellsOfTheList_data()
+    {
+        QTest::addColumn<QString>("row"); // CH., Rx Freq, Tx Freq, CTCSS/DCS Enc, W/N
+        QTest::addColumn<QString>("channel");
+        QTest::newRow("only the cells given") << u"7\t\t146.1\t\tWide"_s
+                                              << u"145.00000|146.10000|D023N|88.5|Low|Wide|Off|Carrier"_s;
+        QTest::newRow("a receive frequency alone") << u"7\t146.52"_s
+                                                   << u"146.52000|145.60000|D023N|88.5|Low|Narrow|Off|Carrier"_s;
+        QTest::newRow("no transmit side, no encode tone") << u"7\t\t520\tD754I"_s
+                                                          << u"145.00000||D023N||Low|Narrow|Off|Carrier"_s;
+        QTest::newRow("a channel created") << u"8\t146.52\t\tD754I"_s
+                                           << u"146.52000|146.52000|None|D754I|High|Wide|On|Off"_s;
+        QTest::newRow("no channel created without its receive frequency") << u"8\t\t146.1"_s << QString();
+    }
+
+    void cellsOfTheList()
+    {
+        QFETCH(QString, row);
+        QFETCH(QString, channel);
+        ChannelTable table;
+        const Channel seven{textsOf(u"145.00000|145.60000|D023N|88.5|Low|Narrow|Off|Carrier"_s), {1, 2, 0x81, 0x82}};
+        table.set(7, seven);
+        const CsvImport import = readChannelCsv(u"CH.\tRx Freq\tTx Freq\tCTCSS/DCS Enc\tW/N\n"_s + row,
+                                                DefaultBandLimits, {.table = &table});
+        const ChannelChanges changes = importedChannels(table, import, English);
+        const int number = row.section(u'\t', 0, 0).toInt();
+        QCOMPARE(changes.contains(number), !channel.isEmpty());
+        if (channel.isEmpty())
+            return;
+        QCOMPARE(joined(changes.value(number).texts), channel);
+        QCOMPARE(changes.value(number).hidden, number == 7 ? seven.hidden : Channel::Created);
     }
 
     // A radio full of varied channels leaves through a file and comes back

@@ -2,7 +2,6 @@
 // form, then a look at the cells and at the memory image.
 
 #include "ChannelListForm.h"
-#include "TestSupport.h"
 
 #include "channels/ChannelRecord.h"
 #include "channels/frmChannel.h"
@@ -56,24 +55,11 @@ QStringList cells(const char *joined) { return QString::fromUtf8(joined).split(u
 
 } // namespace
 
-class TestChannelList : public QObject
+class TestChannelList : public test::ChannelListSuite
 {
     Q_OBJECT
 
 private:
-    std::optional<test::Fixture> m_fixture;
-    std::unique_ptr<frmChannel> m_form;
-
-    void openForm()
-    {
-        m_form = test::openChannelList();
-        QVERIFY(m_form);
-    }
-    QTableView *grid() const { return m_form->findChild<QTableView *>(u"ChannelGrid"_s); }
-    QLineEdit *text() const { return m_form->findChild<QLineEdit *>(u"TxtChannel"_s); }
-    QComboBox *combo(int index) const { return m_form->findChild<QComboBox *>(u"CboChannel%1"_s.arg(index)); }
-    QString cell(int row, int column) const { return grid()->model()->index(row, column).data().toString(); }
-    void setCurrentCell(int row, int column) const { grid()->setCurrentIndex(grid()->model()->index(row, column)); }
     QStringList rowCells(int row) const
     {
         QStringList cells;
@@ -81,40 +67,19 @@ private:
             cells << cell(row, column);
         return cells;
     }
-
-    void clickCell(int row, int column, Qt::MouseButton button = Qt::LeftButton,
-                   Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-    {
-        const QModelIndex index = grid()->model()->index(row, column);
-        grid()->scrollTo(index);
-        QTest::mouseClick(grid()->viewport(), button, modifiers, grid()->visualRect(index).center());
-    }
-    void enterCell(int row, int column)
-    {
-        setCurrentCell(row, column);
-        grid()->setFocus();
-        QTest::keyClick(grid(), Qt::Key_Return);
-    }
     // The editor a cell of the column opens.
     QWidget *editorOf(int column) const
     {
         return column <= Tx ? static_cast<QWidget *>(text()) : combo(column <= Enc ? 0 : 1);
     }
 
-private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init()
+    void setUp() override
     {
-        m_fixture.emplace();
         app().LanguageIndex = English;
         app().ToneTable = BuildToneTable(English);
     }
-    void cleanup()
-    {
-        m_form.reset();
-        m_fixture.reset();
-    }
 
+private Q_SLOTS:
     void typingOnEmptyRowCreatesChannel_data()
     {
         QTest::addColumn<int>("startColumn");
@@ -146,7 +111,7 @@ private Q_SLOTS:
         QCOMPARE(grid()->currentIndex().column(), 2);
         // The new-channel bytes reach the image at once; the rest waits for SaveData.
         QCOMPARE(recordBytes(20).toHex(), QByteArray("ffffffffffffffffffffffff00004c00"));
-        m_form->SaveData();
+        form->SaveData();
         QCOMPARE(ReadFreq(app().image, Side::Rx, 20), stored);
         QCOMPARE(ReadFreq(app().image, Side::Tx, 20), stored);
         QCOMPARE(recordBytes(20).mid(8, 4), QByteArray(4, char(0xFF)));
@@ -161,7 +126,7 @@ private Q_SLOTS:
         const QByteArray before = recordBytes(5);
         const QStringList shown = cells("145.00000|145.60000|88.5|D754I|Low|Narrow|Off|Carrier");
         QCOMPARE(rowCells(5), shown);
-        clickCell(5, Rx);
+        click(5, Rx);
         QTest::keyClicks(text(), u"146"_s);
         QTest::keyClick(text(), Qt::Key_Return);
         QCOMPARE(rowCells(5), QStringList{u"146.00000"_s} + shown.mid(1));
@@ -182,7 +147,7 @@ private Q_SLOTS:
         }
         QCOMPARE(rowCells(7), QStringList(8, QString()));
         QCOMPARE(rowCells(8), cells("160.00000||67.0||High|Wide|On|Off"));
-        m_form->SaveData();
+        form->SaveData();
         QCOMPARE(recordBytes(7), erased);
         QVERIFY(ChannelRecord(app().image, 7).emptyBit());
         QCOMPARE(recordBytes(8).mid(4, 4) + recordBytes(8).mid(10, 2), QByteArray(6, char(0xFF)));
@@ -190,7 +155,7 @@ private Q_SLOTS:
 
         // A click on the encode tone of a row without tx opens its tx cell;
         // the typed frequency brings the tone back as None.
-        clickCell(8, Enc);
+        click(8, Enc);
         QCOMPARE(int(app().GridColumn), 2);
         QVERIFY(text()->isVisible() && text()->hasFocus());
         QTest::keyClicks(text(), u"170"_s);
@@ -216,7 +181,7 @@ private Q_SLOTS:
         QVERIFY(combo(0)->isVisible());
         QCOMPARE(combo(0)->currentText(), u"D023N"_s);
         QTest::keyClick(combo(0), Qt::Key_Return);
-        m_form->SaveData();
+        form->SaveData();
         QCOMPARE(recordBytes(2), before);
     }
 
@@ -279,7 +244,7 @@ private Q_SLOTS:
             QTest::keyClicks(combo(0), typed);
         QTest::keyClick(combo(0), Qt::Key_Return);
         QCOMPARE(cell(30, Dec), cellText);
-        m_form->SaveData();
+        form->SaveData();
         QCOMPARE(recordBytes(30).mid(8, 2), stored);
     }
 
@@ -314,13 +279,69 @@ private Q_SLOTS:
     }
 
     // Leaving an editor by a click elsewhere or by scrolling keeps its text.
+    // Tab and Shift+Tab walk the data cells as in a spreadsheet, without
+    // opening an editor; from an open one they store it first. (Ctrl+Tab
+    // leaving the grid is tried in the main window, whose document area
+    // wants the key too.)
+    void tabWalksTheCells_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("typed"); // into the cell's editor first
+        QTest::addColumn<int>("key");       // Qt::Key_Tab or Qt::Key_Backtab
+        QTest::addColumn<int>("modifiers");
+        QTest::addColumn<int>("nextRow");
+        QTest::addColumn<int>("nextColumn");
+        const int shift = Qt::ShiftModifier;
+        QTest::newRow("along the row") << 5 << int(Dec) << QString() << int(Qt::Key_Tab) << 0 << 5 << int(Enc);
+        QTest::newRow("BCL to the next receive frequency")
+            << 5 << int(Bcl) << QString() << int(Qt::Key_Tab) << 0 << 6 << int(Rx);
+        QTest::newRow("back from the receive frequency to BCL")
+            << 6 << int(Rx) << QString() << int(Qt::Key_Backtab) << shift << 5 << int(Bcl);
+        QTest::newRow("the channel number is no stop")
+            << 7 << 0 << QString() << int(Qt::Key_Backtab) << shift << 6 << int(Bcl);
+        QTest::newRow("the last channel wraps to the first")
+            << 128 << int(Bcl) << QString() << int(Qt::Key_Tab) << 0 << 1 << int(Rx);
+        QTest::newRow("from an open editor") << 5 << int(Rx) << u"147"_s << int(Qt::Key_Tab) << 0 << 5 << int(Tx);
+    }
+
+    void tabWalksTheCells()
+    {
+        QFETCH(int, row);
+        QFETCH(int, column);
+        QFETCH(QString, typed);
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        QFETCH(int, nextRow);
+        QFETCH(int, nextColumn);
+        putChannel(5, u"146.00000"_s, u"146.50000"_s, u"None"_s, u"77.0"_s);
+        openForm();
+        setCurrentCell(row, column);
+        grid()->setFocus();
+        QWidget *target = grid();
+        if (!typed.isEmpty()) {
+            QTest::keyClick(grid(), Qt::Key_Return);
+            QTest::keyClicks(text(), typed);
+            target = text();
+        }
+        QTest::keyClick(target, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+        QVERIFY(text()->isHidden() && combo(0)->isHidden() && combo(1)->isHidden());
+        if (!typed.isEmpty())
+            QCOMPARE(cell(row, column), u"147.00000"_s);
+        QCOMPARE(QApplication::focusWidget(), grid());
+        QCOMPARE(grid()->currentIndex().row(), nextRow);
+        QCOMPARE(grid()->currentIndex().column(), nextColumn);
+        QCOMPARE(int(app().ChannelCursor), nextRow);
+        QCOMPARE(int(app().GridColumn), nextColumn);
+    }
+
     void leavingEditorCommits()
     {
         putChannel(2, u"150.00000"_s, u"150.00000"_s);
         openForm();
-        clickCell(2, Tx);
+        click(2, Tx);
         QTest::keyClicks(text(), u"151"_s);
-        clickCell(3, Rx);
+        click(3, Rx);
         QCOMPARE(cell(2, Tx), u"151.00000"_s);
         QTest::keyClicks(text(), u"147"_s);
         grid()->verticalScrollBar()->setValue(grid()->verticalScrollBar()->maximum());
@@ -361,7 +382,7 @@ private Q_SLOTS:
         ChannelRecord(app().image, 90).setEmptyBit(true);
         openForm();
         QCOMPARE(rowCells(90), QStringList(8, QString()));
-        m_form->SaveData();
+        form->SaveData();
         QCOMPARE(recordBytes(90), erased);
         QVERIFY(ChannelRecord(app().image, 90).emptyBit());
     }
@@ -392,16 +413,16 @@ private Q_SLOTS:
         putChannel(4, u"150.00000"_s, u"150.00000"_s, u"None"_s, u"D023N"_s, 0x81, 0x82);
         app().LanguageIndex = SimplifiedChinese == language ? TraditionalChinese : SimplifiedChinese;
         openForm();
-        m_form->SaveData();
+        form->SaveData();
         app().LanguageIndex = quint8(language);
-        m_form->RefreshChannel();
+        form->RefreshChannel();
         QCOMPARE(grid()->model()->headerData(Dec, Qt::Horizontal).toString(), words.section(u'|', 0, 0));
         QCOMPARE(QStringList{cell(0, Dec)} + rowCells(4).mid(2), words.split(u'|'));
-        clickCell(4, Power);
+        click(4, Power);
         const auto heard = [](QObject *object) {
             return QAccessible::queryAccessibleInterface(object)->text(QAccessible::Name);
         };
-        QCOMPARE(QStringList({heard(m_form.get()), grid()->model()->index(4, Dec).data(Qt::AccessibleTextRole).toString(),
+        QCOMPARE(QStringList({heard(form.get()), grid()->model()->index(4, Dec).data(Qt::AccessibleTextRole).toString(),
                               heard(combo(1))}),
                  spoken.split(u'|'));
         QCOMPARE(combo(1)->itemText(0), Words::High.in(language));
@@ -409,7 +430,7 @@ private Q_SLOTS:
         QTest::keyClick(combo(1), Qt::Key_Return);
         QCOMPARE(cell(4, Power), Words::High.in(language));
 
-        m_form->SaveData();
+        form->SaveData();
         QCOMPARE(recordBytes(4).mid(8).toHex(), QByteArray("ffff238000008582"));
     }
 
@@ -451,7 +472,7 @@ private Q_SLOTS:
         }
         const QByteArray bitmaps = image.row(202) + image.row(203);
         openForm();
-        m_form->SaveData();
+        form->SaveData();
         QCOMPARE(image.bytes().left(16 * 128).toHex(' '), expected.toHex(' '));
         QCOMPARE((image.row(202) + image.row(203)).toHex(), bitmaps.toHex());
     }
@@ -489,13 +510,13 @@ private Q_SLOTS:
     {
         putChannel(15, u"150.00000"_s, u"150.00000"_s);
         openForm();
-        QSignalSpy spy(m_form.get(), &frmChannel::memoryMapRequested);
-        clickCell(15, Rx);
+        QSignalSpy spy(form.get(), &frmChannel::memoryMapRequested);
+        click(15, Rx);
         QTest::keyClicks(text(), u"162.5"_s);
-        clickCell(20, Scan, Qt::RightButton, Qt::ShiftModifier | Qt::ControlModifier);
+        click(20, Scan, Qt::RightButton, Qt::ShiftModifier | Qt::ControlModifier);
         QCOMPARE(spy.count(), 0); // Alt missing
         QCOMPARE(ReadFreq(app().image, Side::Rx, 15), u"150.00000"_s);
-        clickCell(20, Scan, Qt::RightButton, Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
+        click(20, Scan, Qt::RightButton, Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
         QCOMPARE(spy.count(), 1);
         QCOMPARE(ReadFreq(app().image, Side::Rx, 15), u"162.50000"_s);
     }

@@ -1,7 +1,7 @@
 #include "channels/ChannelRecord.h"
 #include "core/AppState.h"
 #include "core/Language.h"
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include <QTest>
 
@@ -10,15 +10,11 @@ using namespace Qt::StringLiterals;
 
 Q_DECLARE_METATYPE(wr::ChannelTexts)
 
-class TestChannelRecord : public QObject
+class TestChannelRecord : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture = std::make_unique<test::Fixture>(); }
-    void cleanup() { m_fixture.reset(); }
-
     void bitmapAddressing_data();
     void bitmapAddressing();
     void signallingFields_data();
@@ -29,9 +25,6 @@ private Q_SLOTS:
     void saveRow();
     void saveEmptyRowErases();
     void saveReadRoundTripInEveryLanguage();
-
-private:
-    std::unique_ptr<test::Fixture> m_fixture;
 };
 
 void TestChannelRecord::bitmapAddressing_data()

@@ -8,6 +8,7 @@
 #include "channels/ChannelModel.h"
 #include "channels/ChannelPlans.h"
 #include "channels/ChannelTable.h"
+#include "channels/TypedCorrection.h"
 #include "core/AppState.h"
 
 #include <QAbstractItemModelTester>
@@ -213,6 +214,53 @@ private Q_SLOTS:
                                           {7, ColNumber}, {7, ColRx}})
             spoken << model.index(row, column).data(Qt::AccessibleTextRole).toString();
         QCOMPARE(spoken.join(u'|'), heard);
+    }
+
+    // What the status bar says when a typed value was stored as another,
+    // and nothing when only its writing changed.
+    void typedCorrections_data()
+    {
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("stored"); // as the list stored it
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QString>("line");   // empty: no correction
+        QTest::newRow("below the band") << 1 << u"7"_s << u"174.00000"_s << 0
+                                        << u"Channel 7 Rx: 7 → 174.00000, below the band"_s;
+        QTest::newRow("above the band, Simplified") << 1 << u"1234"_s << u"490.00000"_s << 1
+                                                    << u"信道 7 接收：1234 → 490.00000，高于频段"_s;
+        QTest::newRow("between the bands, Traditional") << 2 << u"300"_s << u"174.00000"_s << 2
+                                                        << u"信道 7 發射：300 → 174.00000，在兩個頻段之間"_s;
+        QTest::newRow("onto the raster") << 1 << u"136.0237"_s << u"136.02000"_s << 0
+                                         << u"Channel 7 Rx: 136.0237 → 136.02000, moved onto the channel raster"_s;
+        QTest::newRow("the same value written shorter") << 1 << u"146.52"_s << u"146.52000"_s << 0 << QString();
+        QTest::newRow("the band's top") << 2 << u"174"_s << u"174.00000"_s << 0 << QString();
+        QTest::newRow("a cleared frequency") << 1 << QString() << QString() << 0 << QString();
+        QTest::newRow("tone below the range") << 3 << u"50"_s << u"60.0"_s << 0
+                                              << u"Channel 7 Dec: 50 → 60.0, below 60.0 Hz"_s;
+        QTest::newRow("tone above the range, Simplified") << 4 << u"300"_s << u"259.9"_s << 1
+                                                          << u"信道 7 编码：300 → 259.9，高于 259.9 Hz"_s;
+        QTest::newRow("tone rounded") << 3 << u"88.55"_s << u"88.6"_s << 0
+                                      << u"Channel 7 Dec: 88.55 → 88.6, rounded to 0.1 Hz"_s;
+        QTest::newRow("DCS digit above 7, Traditional") << 3 << u"D9"_s << u"D007N"_s << 2
+                                                        << u"信道 7 解碼：D9 → D007N，DCS 數字最大為 7"_s;
+        QTest::newRow("not a tone") << 4 << u"Tone"_s << u"None"_s << 0 << u"Channel 7 Enc: Tone → None, not a tone"_s;
+        QTest::newRow("a tone off the radio's list stays") << 3 << u"69.0"_s << u"69.0"_s << 0 << QString();
+        QTest::newRow("a DCS code completed") << 4 << u"D023"_s << u"D023N"_s << 0 << QString();
+        QTest::newRow("the no-tone word of another language") << 3 << u"無"_s << u"None"_s << 0 << QString();
+    }
+
+    void typedCorrections()
+    {
+        QFETCH(int, column);
+        QFETCH(QString, typed);
+        QFETCH(QString, stored);
+        QFETCH(int, language);
+        QFETCH(QString, line);
+        const std::optional<TypedCorrection> correction =
+            column <= ColTx ? frequencyCorrection(7, column, typed, stored, DefaultBandLimits)
+                            : toneCorrection(7, column, typed, stored);
+        QCOMPARE(correction ? correction->text(Language(language)) : QString(), line);
     }
 };
 

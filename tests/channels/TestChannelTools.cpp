@@ -5,7 +5,6 @@
 
 #include "ModalDialog.h"
 #include "ChannelListForm.h"
-#include "TestSupport.h"
 
 #include "channels/ChannelRecord.h"
 #include "channels/frmChannel.h"
@@ -14,16 +13,22 @@
 #include "core/ToneCodec.h"
 #include "ui/MessageBox.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QComboBox>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QProcess>
 #include <QPushButton>
+#include <QRegularExpression>
+#include <QSignalSpy>
 #include <QTableView>
+#include <QTimer>
 #include <QTest>
 #include <QUndoStack>
 
@@ -76,37 +81,22 @@ QByteArray hiddenBytes()
 
 } // namespace
 
-class TestChannelTools : public QObject
+class TestChannelTools : public test::ChannelListSuite
 {
     Q_OBJECT
 
 private:
-    std::optional<test::Fixture> m_fixture;
-    std::unique_ptr<frmChannel> m_form;
-
-    void openForm()
-    {
-        m_form = test::openChannelList();
-        QVERIFY(m_form);
-    }
-    QTableView *grid() const { return m_form->grid(); }
-    QMenu *menu() const { return m_form->findChild<QMenu *>(u"channelMenu"_s); }
+    QMenu *menu() const { return form->findChild<QMenu *>(u"channelMenu"_s); }
     QString rxColumn(int rows = 8) const
     {
         QStringList rx;
         for (int row = 1; row <= rows; ++row)
-            rx << m_form->cellText(row, 1);
+            rx << cell(row, 1);
         return rx.join(u'|');
-    }
-    QPoint cellCentre(int row, int column) const
-    {
-        const QModelIndex index = grid()->model()->index(row, column);
-        grid()->scrollTo(index);
-        return grid()->visualRect(index).center();
     }
     void click(int row, int column, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
-        QTest::mouseClick(grid()->viewport(), Qt::LeftButton, modifiers, cellCentre(row, column));
+        ChannelListSuite::click(row, column, Qt::LeftButton, modifiers);
     }
     // A right click as the window system reports it.
     void rightClick(int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
@@ -119,12 +109,19 @@ private:
     {
         rightClick(row);
         QTRY_VERIFY(menu()->isVisible());
-        QAction *action = m_form->findChild<QAction *>(name);
+        QAction *action = form->findChild<QAction *>(name);
         QVERIFY(action && action->isEnabled());
         QTest::mouseClick(menu(), Qt::LeftButton, {}, menu()->actionGeometry(action).center());
         QTRY_VERIFY(!menu()->isVisible());
     }
     void key(const QString &keys) { QTest::keySequence(grid(), QKeySequence(keys)); }
+    QStringList rowTexts(int channel) const
+    {
+        QStringList texts;
+        for (int column = 1; column < frmChannel::ColumnCount; ++column)
+            texts << cell(channel, column);
+        return texts;
+    }
 
     // Steps: "2" clicks channel number 2, "+4" Shift-clicks, "^5" Ctrl-clicks,
     // "Del" or "Ctrl+V" are keys, "@insertChannel" chooses a tool from the
@@ -141,18 +138,15 @@ private:
             } else if (step.front() == u'+' || step.front() == u'^') {
                 click(step.mid(1).toInt(), 0, step.front() == u'+' ? Qt::ShiftModifier : Qt::ControlModifier);
             } else if (step.front() == u'@') {
-                chooseTool(m_form->selectedChannels().value(0), step.mid(1));
+                chooseTool(form->selectedChannels().value(0), step.mid(1));
             } else {
                 key(step);
             }
         }
     }
 
-private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init()
+    void setUp() override
     {
-        m_fixture.emplace();
         app().LanguageIndex = English;
         MessageBox::reset();
         MessageBox::setAutoAnswer(true);
@@ -160,27 +154,27 @@ private Q_SLOTS:
         QGuiApplication::clipboard()->clear();
         putChannels();
     }
-    void cleanup()
+    void tearDown() override
     {
-        m_form.reset();
-        m_fixture.reset();
+        ChannelListSuite::tearDown();
         MessageBox::reset();
         FileDialog::reset();
     }
 
+private Q_SLOTS:
     void contextMenu_data()
     {
         QTest::addColumn<int>("language");
         QTest::addColumn<QString>("captions");
         QTest::newRow("English") << int(English)
                                  << u"Undo|Redo||Cut|Copy|Paste|Delete||Insert empty channel|Delete and move up|Move up|"
-                                    "Move down|Sort selected channels by receive frequency||Import CHIRP CSV…|Export CHIRP CSV…"_s;
+                                    "Move down|Sort selected channels by receive frequency||Import CHIRP CSV…|Export CHIRP CSV…||Channel Sheet…"_s;
         QTest::newRow("Simplified") << int(SimplifiedChinese)
                                     << u"撤销|重做||剪切|复制|粘贴|删除||插入空信道|删除并上移|上移|下移|所选信道按接收频率排序||"
-                                       "导入 CHIRP CSV…|导出 CHIRP CSV…"_s;
+                                       "导入 CHIRP CSV…|导出 CHIRP CSV…||信道表…"_s;
         QTest::newRow("Traditional") << int(TraditionalChinese)
                                      << u"復原|重做||剪下|複製|貼上|刪除||插入空信道|刪除並上移|上移|下移|所選信道按接收頻率排序||"
-                                        "匯入 CHIRP CSV…|匯出 CHIRP CSV…"_s;
+                                        "匯入 CHIRP CSV…|匯出 CHIRP CSV…||信道表…"_s;
     }
 
     // A right click opens the menu over the row clicked; the memory map's
@@ -199,8 +193,8 @@ private Q_SLOTS:
         for (QAction *action : menu()->actions())
             shown << action->text();
         QCOMPARE(shown.join(u'|'), captions);
-        QCOMPARE(m_form->selectedChannels(), QList<int>{5});
-        QVERIFY(!m_form->findChild<QAction *>(u"undoChannels"_s)->isEnabled());
+        QCOMPARE(form->selectedChannels(), QList<int>{5});
+        QVERIFY(!form->findChild<QAction *>(u"undoChannels"_s)->isEnabled());
         menu()->close();
     }
 
@@ -223,7 +217,7 @@ private Q_SLOTS:
         grid()->setFocus();
         QTest::keyClick(grid(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
         QTRY_VERIFY(menu()->isVisible());
-        QCOMPARE(m_form->selectedChannels(), QList<int>{6});
+        QCOMPARE(form->selectedChannels(), QList<int>{6});
         QCOMPARE(menu()->pos(), grid()->viewport()->mapToGlobal(grid()->visualRect(current).center()));
         menu()->close();
     }
@@ -269,15 +263,15 @@ private Q_SLOTS:
         const QByteArray imageBefore = app().image.bytes();
         QHash<QString, QByteArray> records; // each channel's record, by its receive frequency
         for (int row = 1; row <= 8; ++row)
-            records[m_form->cellText(row, 1)] = app().image.row(row - 1);
+            records[cell(row, 1)] = app().image.row(row - 1);
 
         run(steps);
         QCOMPARE(rxColumn(), rx);
-        const int steps0 = m_form->undoStack()->count();
+        const int steps0 = form->undoStack()->count();
         QVERIFY(steps0 >= 1);
-        m_form->SaveData();
+        form->SaveData();
         for (int row = 1; row <= 8; ++row) {
-            const QString channel = m_form->cellText(row, 1);
+            const QString channel = cell(row, 1);
             if (channel.isEmpty())
                 QCOMPARE(app().image.row(row - 1), QByteArray(16, char(0xFF)));
             else if (!steps.contains(u'=') && !steps.contains(u"Ctrl+V"))
@@ -292,7 +286,7 @@ private Q_SLOTS:
         QCOMPARE(hiddenBytes().toHex(), hiddenBytesOf(imageBefore).toHex());
         // The scan-skip bit of a channel left empty keeps what the last save
         // wrote; everything else is as it was.
-        m_form->SaveData();
+        form->SaveData();
         app().image.setRow(203, imageBefore.mid(203 * 16, 16));
         QCOMPARE(app().image.bytes().toHex(), imageBefore.toHex());
 
@@ -313,13 +307,13 @@ private Q_SLOTS:
         run(u"4 Ctrl+V"_s);
         QCOMPARE(rxColumn(6), u"146.00000|145.00000|147.00000|146.00000|145.00000|439.00000"_s);
         QCOMPARE(app().image.row(3).mid(12).toHex(), QByteArray("00004c00")); // at once, as typing
-        m_form->SaveData();
+        form->SaveData();
         for (int row : {4, 5}) {
             QCOMPARE(app().image.row(row - 1).left(12), app().image.row(row - 4).left(12));
             QCOMPARE(app().image.row(row - 1).at(14), app().image.row(row - 4).at(14));
         }
         QCOMPARE(quint8(app().image.row(4).at(15)), quint8(0x0C)); // channel 5 was in use
-        QCOMPARE(m_form->undoStack()->count(), 1);
+        QCOMPARE(form->undoStack()->count(), 1);
     }
 
     // Text from a spreadsheet goes through the import rules; a doubtful row
@@ -344,7 +338,7 @@ private Q_SLOTS:
             << u"Line\tColumn\tValue\tWhat happens\n3\tFrequency\t999\toutside the receive bands: row skipped"_s << 0;
         QTest::newRow("text with no Frequency column is refused")
             << u"Location,Name\n1,Club\n"_s << false << u"146.00000|145.00000|147.00000||144.00000|439.00000||"_s
-            << u"There is no Location or no Frequency column, so this is not a CHIRP channel list. Nothing was changed."_s
+            << u"There is no Frequency column and no column of the channel list, so this is not a channel list. Nothing was changed."_s
             << 0;
     }
 
@@ -368,7 +362,78 @@ private Q_SLOTS:
         QCOMPARE(rxColumn(), rx);
         const QString message = MessageBox::history().isEmpty() ? QString() : MessageBox::history().front().text;
         QCOMPARE(report.isEmpty() ? message : report, shown);
-        QCOMPARE(m_form->undoStack()->count(), steps);
+        QCOMPARE(form->undoStack()->count(), steps);
+    }
+
+    // Cells pasted from a spreadsheet without a Location column go into the
+    // channels from the current row on, read as the grid's columns from the
+    // current one when they have no header. The preview says where each row
+    // goes; a header naming the channels goes straight in.
+    void pasteByPosition_data()
+    {
+        QTest::addColumn<QString>("start"); // "click" a cell, or make it current by "key"
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("clipboard");
+        QTest::addColumn<bool>("accept");
+        QTest::addColumn<QString>("preview"); // where the rows go, then the columns read
+        QTest::addColumn<QStringList>("rows"); // channels 5 to 8 afterwards
+        const QString five = u"144.00000|144.00000|None|100.0|High|Wide|On|Opt.Signal"_s;
+        const QString six = u"439.00000|434.00000|None|None|Low|Wide|Off|Off"_s;
+        QTest::newRow("frequencies onto an empty row's number, its editor just opened")
+            << u"click"_s << 7 << 0 << u"146.52\n146.55\n"_s << true
+            << u"Where the rows go: lines 1-2 → channels 7-8|Read as the columns: Rx Freq"_s
+            << QStringList{five, six, u"146.52000|146.52000|None|None|High|Wide|On|Off"_s,
+                           u"146.55000|146.55000|None|None|High|Wide|On|Off"_s};
+        QTest::newRow("transmit frequencies and tones on the transmit column")
+            << u"key"_s << 5 << 2 << u"144.6\tD023N\n434,5\t88.5\n"_s << true
+            << u"Where the rows go: lines 1-2 → channels 5-6|Read as the columns: Tx Freq, CTCSS/DCS Dec"_s
+            << QStringList{u"144.00000|144.60000|D023N|100.0|High|Wide|On|Opt.Signal"_s,
+                           u"439.00000|434.50000|88.5|None|Low|Wide|Off|Off"_s, QString(), QString()};
+        QTest::newRow("Chinese captions and channel numbers, placed as copied rows are")
+            << u"click"_s << 7 << 0 << u"信道\t接收频率\t宽/窄\n3\t146.52\t窄\n"_s << true << QString()
+            << QStringList{five, six, u"146.52000|146.52000|None|None|High|Narrow|On|Off"_s, QString()};
+        QTest::newRow("Cancel changes nothing") << u"key"_s << 8 << 1 << u"146.52\n"_s << false
+                                                << u"Where the rows go: line 1 → channel 8|Read as the columns: Rx Freq"_s
+                                                << QStringList{five, six, QString(), QString()};
+    }
+
+    void pasteByPosition()
+    {
+        QFETCH(QString, start);
+        QFETCH(int, row);
+        QFETCH(int, column);
+        QFETCH(QString, clipboard);
+        QFETCH(bool, accept);
+        QFETCH(QString, preview);
+        QFETCH(QStringList, rows);
+        openForm();
+        QStringList shown;
+        QPointer<QTimer> watch = test::whenModal([&](QDialog *dialog) {
+            for (const char *name : {"lblTargets", "lblReadAs"})
+                shown << dialog->findChild<QLabel *>(QString::fromLatin1(name))->text();
+            QTest::mouseClick(dialog->findChild<QPushButton *>(accept ? u"cmdOK"_s : u"cmdCancel"_s), Qt::LeftButton);
+        });
+        if (start == u"click") {
+            click(row, column);
+        } else {
+            setCurrentCell(row, column);
+            grid()->setFocus();
+        }
+        QGuiApplication::clipboard()->setText(clipboard);
+        QTest::keySequence(QApplication::focusWidget(), QKeySequence(u"Ctrl+V"_s));
+        delete watch; // a paste that went straight in showed none
+        QCOMPARE(shown.join(u'|'), preview);
+        QStringList after;
+        for (int channel = 5; channel <= 8; ++channel)
+            after << rowTexts(channel).join(u'|').replace(u"|||||||"_s, QString());
+        QCOMPARE(after, rows);
+        QCOMPARE(form->undoStack()->count(), accept ? 1 : 0);
+        form->SaveData();
+        for (int channel = 5; channel <= 8; ++channel) {
+            const ChannelTexts stored = ReadChannelTexts(app().image, channel, English);
+            QCOMPARE(stored.rx.isEmpty() ? QString() : rowTexts(channel).join(u'|'), rows.at(channel - 5));
+        }
     }
 
     void importFile_data()
@@ -383,7 +448,7 @@ private Q_SLOTS:
     void importFile()
     {
         QFETCH(bool, accept);
-        const QString path = m_fixture->path(u"club.csv"_s);
+        const QString path = filePath(u"club.csv"_s);
         QVERIFY(test::writeFile(path, "\xEF\xBB\xBF# club channels\r\n"
                                       "Location,Name,Frequency,Duplex,Offset,Tone,rToneFreq,cToneFreq\r\n"
                                       "2,Rpt,439.503000,-,7.6,TSQL,88.5,100.0\r\n"
@@ -411,18 +476,94 @@ private Q_SLOTS:
                               u"6\tFrequency\t30.000000\toutside the receive bands: row skipped"_s}));
         if (!accept) {
             QCOMPARE(rxColumn(11), before);
-            QCOMPARE(m_form->undoStack()->count(), 0);
+            QCOMPARE(form->undoStack()->count(), 0);
             return;
         }
         QCOMPARE(rxColumn(11), u"146.00000|439.50000|433.00000||144.00000|439.00000||||445.00000|"_s);
-        QCOMPARE(m_form->cellText(2, 2) + u' ' + m_form->cellText(2, 3), u"431.90000 100.0"_s);
-        QCOMPARE(m_form->undoStack()->count(), 1);
+        QCOMPARE(cell(2, 2) + u' ' + cell(2, 3), u"431.90000 100.0"_s);
+        QCOMPARE(form->undoStack()->count(), 1);
         // The offscreen platform gives the activation back to no window
         // when a dialog closes; a window manager gives it to the list.
-        m_form->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
+        form->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(form.get()));
         key(u"Ctrl+Z"_s);
         QCOMPARE(rxColumn(11), before);
+    }
+
+    // A CSV file given to the program (File > Open, its command line, a
+    // drop) opens the import's preview; rows without a Location go in from
+    // the selected channel. A file that cannot be read only says so.
+    void importCsvFileByPath_data()
+    {
+        QTest::addColumn<QByteArray>("contents"); // empty: there is no such file
+        QTest::addColumn<QString>("shown");       // where the rows go, or the message's title
+        QTest::addColumn<QString>("rx");          // channels 1-8 afterwards
+        const QString before = u"146.00000|145.00000|147.00000||144.00000|439.00000||"_s;
+        QTest::newRow("a CHIRP file") << QByteArray("Location,Frequency\r\n8,145.5\r\n")
+                                      << u"Where the rows go: line 2 → channel 8"_s << before + u"145.50000"_s;
+        QTest::newRow("frequencies alone, from the selected channel")
+            << QByteArray("146.52\n146.55\n") << u"Where the rows go: lines 1-2 → channels 7-8"_s
+            << u"146.00000|145.00000|147.00000||144.00000|439.00000|146.52000|146.55000"_s;
+        QTest::newRow("no such file") << QByteArray() << u"Error"_s << before;
+    }
+
+    void importCsvFileByPath()
+    {
+        QFETCH(QByteArray, contents);
+        QFETCH(QString, shown);
+        QFETCH(QString, rx);
+        const QString path = filePath(u"channels.csv"_s);
+        if (!contents.isEmpty())
+            QVERIFY(test::writeFile(path, contents));
+        openForm();
+        run(u"7"_s);
+        QString targets;
+        QPointer<QTimer> watch = test::whenModal([&targets](QDialog *preview) {
+            targets = preview->findChild<QLabel *>(u"lblTargets"_s)->text();
+            QTest::mouseClick(preview->findChild<QPushButton *>(u"cmdOK"_s), Qt::LeftButton);
+        });
+        form->importCsvFile(path);
+        delete watch;
+        QCOMPARE(contents.isEmpty() ? MessageBox::history().value(0).title : targets, shown);
+        QCOMPARE(rxColumn(), rx);
+        form->SaveData();
+        QCOMPARE(ReadChannelTexts(app().image, 8, English).rx, rx.section(u'|', 7));
+    }
+
+    // Channel Sheet… prints the rows selected, as the list holds them: a
+    // channel typed and not saved is on the sheet, and the image stays as
+    // it was. The sheet is saved from the preview with Ctrl+S and read back.
+    void channelSheetOfTheSelection()
+    {
+        openForm();
+        run(u"10=145.5"_s);
+        const QByteArray image = app().image.bytes();
+        run(u"3 ^10"_s);
+        const QString pdf = filePath(u"sheet.pdf"_s);
+        QString title;
+        test::whenModal([&](QDialog *preview) {
+            title = preview->windowTitle();
+            FileDialog::setNextFileName(pdf);
+            // The offscreen platform leaves the list's window the active
+            // one for the widgets; a window manager activates the preview.
+            QApplication::setActiveWindow(preview);
+            QTest::keyClick(preview, Qt::Key_S, Qt::ControlModifier);
+            preview->reject();
+        });
+        chooseTool(3, u"mnuChannelSheet"_s);
+        QCOMPARE(title, u"Channel Sheet"_s);
+        QCOMPARE(app().image.bytes(), image);
+        QProcess text;
+        text.start(u"pdftotext"_s, {u"-layout"_s, pdf, u"-"_s});
+        QVERIFY(text.waitForFinished(30000));
+        // A channel's row: its number, then its receive frequency.
+        static const QRegularExpression row(uR"(^\s*(\d+)\s+(\d+\.\d{5})\s)"_s,
+                                            QRegularExpression::MultilineOption);
+        QStringList rows;
+        for (const QRegularExpressionMatch &match : row.globalMatch(QString::fromUtf8(text.readAllStandardOutput())))
+            rows << match.captured(1) + u' ' + match.captured(2);
+        QCOMPARE(rows, QStringList({u"3 147.00000"_s, u"10 145.50000"_s}));
+        QVERIFY(MessageBox::history().isEmpty());
     }
 
     // The channels in use as the grid holds them, unsaved edits included;
@@ -431,14 +572,89 @@ private Q_SLOTS:
     {
         openForm();
         run(u"2 Del 8=146.52"_s);
-        FileDialog::setNextFileName(m_fixture->path(u"list"_s));
+        FileDialog::setNextFileName(filePath(u"list"_s));
         chooseTool(1, u"exportCsv"_s);
-        const QList<QByteArray> lines = test::readFile(m_fixture->path(u"list.csv"_s)).split('\n');
+        const QList<QByteArray> lines = test::readFile(filePath(u"list.csv"_s)).split('\n');
         QCOMPARE(lines.size(), 1 + 5 + 1);
         QVERIFY(lines.front().startsWith("Location,Name,Frequency,Duplex,Offset,Tone,"));
         QCOMPARE(lines.at(1), "1,,146.000000,+,0.600000,TSQL,88.5,88.5,023,NN,023,Tone->Tone,FM,5.00,,5.0W,,,,,\r");
         QVERIFY(lines.at(5).startsWith("8,,146.520000,,0.000000,,"));
         QVERIFY(MessageBox::history().isEmpty());
+    }
+
+    // In an open editor the clipboard's keys work on its text, as in any
+    // text box; a pasted text is typed through the cell's key rules. The
+    // main window's Ctrl+X and Ctrl+A stay its own. Nothing reaches the
+    // channels: no step, no dialog, the half-typed text not stored.
+    void editorClipboardKeys_data()
+    {
+        QTest::addColumn<int>("channel"); // 1 in use, 40 empty
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("typed"); // into the open editor first
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("clipboard");
+        QTest::addColumn<QString>("text");          // the editor's afterwards
+        QTest::addColumn<QString>("clipboardAfter");
+        QTest::addColumn<int>("windowCommands");    // Ctrl+X and Ctrl+A run
+        QTest::newRow("Ctrl+V after the half-typed text") << 40 << 1 << u"14"_s << u"Ctrl+V"_s << u"146.52"_s
+                                                         << u"14146.52"_s << u"146.52"_s << 0;
+        QTest::newRow("Shift+Insert drops what the cell refuses")
+            << 1 << 2 << QString() << u"Shift+Ins"_s << u"145.5 MHz\n"_s << u"145.5"_s << u"145.5 MHz\n"_s << 0;
+        QTest::newRow("rows pasted into a typed text are typed too")
+            << 40 << 1 << u"1"_s << u"Ctrl+V"_s << u"146.52\n146.55"_s << u"1146.5214"_s << u"146.52\n146.55"_s << 0;
+        QTest::newRow("a tone by the tone keys") << 1 << 3 << QString() << u"Ctrl+V"_s << u"d023i Hz"_s << u"D023I"_s
+                                                 << u"d023i Hz"_s << 0;
+        QTest::newRow("Ctrl+C copies the selected text") << 1 << 1 << QString() << u"Ctrl+C"_s << u"x"_s
+                                                         << u"146.00000"_s << u"146.00000"_s << 0;
+        QTest::newRow("Ctrl+Insert copies a list's word") << 1 << 5 << QString() << u"Ctrl+Ins"_s << u"x"_s
+                                                          << u"High"_s << u"High"_s << 0;
+        QTest::newRow("Ctrl+X stays Exit") << 1 << 1 << QString() << u"Ctrl+X"_s << u"x"_s << u"146.00000"_s << u"x"_s
+                                           << 1;
+        QTest::newRow("Ctrl+A stays Save As") << 1 << 2 << u"1"_s << u"Ctrl+A"_s << u"x"_s << u"1"_s << u"x"_s << 1;
+    }
+
+    void editorClipboardKeys()
+    {
+        QFETCH(int, channel);
+        QFETCH(int, column);
+        QFETCH(QString, typed);
+        QFETCH(QString, key);
+        QFETCH(QString, clipboard);
+        QFETCH(QString, text);
+        QFETCH(QString, clipboardAfter);
+        QFETCH(int, windowCommands);
+        openForm();
+        // The main window's Exit and Save As.
+        QAction exitOrSave(form.get());
+        exitOrSave.setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_X), QKeySequence(Qt::CTRL | Qt::Key_A)});
+        form->addAction(&exitOrSave);
+        QSignalSpy commands(&exitOrSave, &QAction::triggered);
+        int dialogs = 0;
+        QPointer<QTimer> watch = test::whenModal([&dialogs](QDialog *dialog) {
+            ++dialogs;
+            dialog->reject();
+        });
+        const QByteArray image = app().image.bytes();
+        const QStringList cells = rowTexts(channel);
+
+        enterCell(channel, column);
+        QWidget *editor = QApplication::focusWidget();
+        QVERIFY(editor && editor != grid());
+        QTest::keyClicks(editor, typed);
+        QGuiApplication::clipboard()->setText(clipboard);
+        QTest::keySequence(editor, QKeySequence(key));
+        QCOMPARE(QApplication::focusWidget(), editor);
+        const auto *line = qobject_cast<QLineEdit *>(editor);
+        QCOMPARE(line ? line->text() : qobject_cast<QComboBox *>(editor)->currentText(), text);
+        QCOMPARE(QGuiApplication::clipboard()->text(), clipboardAfter);
+        QCOMPARE(commands.count(), windowCommands);
+        QTest::qWait(50);
+        delete watch;
+        QCOMPARE(dialogs, 0);
+        QCOMPARE(form->undoStack()->count(), 0);
+        QCOMPARE(rowTexts(channel), cells);
+        QCOMPARE(app().image.bytes(), image);
+        QTest::keyClick(editor, Qt::Key_Escape);
     }
 
     void insertRefusedWhenChannel128IsInUse()
@@ -447,7 +663,7 @@ private Q_SLOTS:
         run(u"128=150 3 @insertChannel"_s);
         QCOMPARE(MessageBox::history().size(), 1);
         QCOMPARE(MessageBox::history().front().text, u"Channel 128 is in use: there is no room to insert a channel."_s);
-        QCOMPARE(m_form->undoStack()->count(), 1); // the typing only
+        QCOMPARE(form->undoStack()->count(), 1); // the typing only
     }
 
     // A reload from the image starts a new history. A language switch (the
@@ -468,12 +684,12 @@ private Q_SLOTS:
         QFETCH(QString, undone);
         openForm();
         run(u"3 Del"_s);
-        m_form->SaveData();
+        form->SaveData();
         app().LanguageIndex = quint8(language);
-        m_form->RefreshChannel();
-        QCOMPARE(m_form->undoStack()->count(), language == English ? 0 : 1);
+        form->RefreshChannel();
+        QCOMPARE(form->undoStack()->count(), language == English ? 0 : 1);
         key(u"Ctrl+Z"_s);
-        QCOMPARE(m_form->cellText(3, 1) + u'|' + m_form->cellText(3, 5), undone);
+        QCOMPARE(cell(3, 1) + u'|' + cell(3, 5), undone);
     }
 
 private:

@@ -52,25 +52,33 @@ private:
 
 void TestBackups::keep_data()
 {
-    QTest::addColumn<QList<int>>("before");    // marks of the backups kept a minute apart, oldest first
-    QTest::addColumn<bool>("atExit");
+    QTest::addColumn<QList<int>>("before"); // marks of the backups kept a minute apart, oldest first
+    QTest::addColumn<BackupReason>("reason");
     QTest::addColumn<int>("mark");
-    QTest::addColumn<bool>("written");
+    QTest::addColumn<QString>("written"); // the name, or "" for none
 
-    QTest::newRow("first read") << QList<int>{} << false << 1 << true;
-    QTest::newRow("first exit") << QList<int>{} << true << 1 << true;
-    QTest::newRow("read repeating the newest") << QList<int>{1} << false << 1 << true;
-    QTest::newRow("exit repeating the newest") << QList<int>{2, 1} << true << 1 << false;
-    QTest::newRow("exit repeating an older one") << QList<int>{1, 2} << true << 1 << true;
-    QTest::newRow("exit after a change") << QList<int>{1} << true << 2 << true;
+    using enum BackupReason;
+    QTest::newRow("first read") << QList<int>{} << Read << 1 << u"2026-11-23_141502-read.tw"_s;
+    QTest::newRow("first exit") << QList<int>{} << Exit << 1 << u"2026-11-23_141502-exit.tw"_s;
+    QTest::newRow("read repeating the newest") << QList<int>{1} << Read << 1 << u"2026-11-23_141502-read.tw"_s;
+    QTest::newRow("exit repeating the newest") << QList<int>{2, 1} << Exit << 1 << QString();
+    QTest::newRow("exit repeating an older one") << QList<int>{1, 2} << Exit << 1 << u"2026-11-23_141502-exit.tw"_s;
+    QTest::newRow("exit after a change") << QList<int>{1} << Exit << 2 << u"2026-11-23_141502-exit.tw"_s;
+    QTest::newRow("exit with unsaved changes")
+        << QList<int>{1} << ExitUnsaved << 2 << u"2026-11-23_141502-exit-unsaved.tw"_s;
+    QTest::newRow("before a read") << QList<int>{1} << BeforeRead << 2 << u"2026-11-23_141502-before-read.tw"_s;
+    QTest::newRow("before New") << QList<int>{} << BeforeNew << 2 << u"2026-11-23_141502-before-new.tw"_s;
+    QTest::newRow("before Open repeating the newest") << QList<int>{1, 2} << BeforeOpen << 2 << QString();
+    QTest::newRow("before the memory map's OK")
+        << QList<int>{2} << BeforeMemoryMap << 1 << u"2026-11-23_141502-before-memory-map.tw"_s;
 }
 
 void TestBackups::keep()
 {
     QFETCH(QList<int>, before);
-    QFETCH(bool, atExit);
+    QFETCH(BackupReason, reason);
     QFETCH(int, mark);
-    QFETCH(bool, written);
+    QFETCH(QString, written);
 
     QDateTime time = At.addSecs(-60 * before.size());
     for (int previous : before) {
@@ -79,18 +87,16 @@ void TestBackups::keep()
         time = time.addSecs(60);
     }
     const MemoryImage image = imageMarked(static_cast<std::uint8_t>(mark));
-    const BackupReason reason = atExit ? BackupReason::Exit : BackupReason::Read;
     const Backups::Result result = Backups::keep(folder(), image, reason, At);
 
     const QList<Backups::Entry> entries = Backups::list(folder());
-    QCOMPARE(entries.size(), before.size() + (written ? 1 : 0));
-    if (!written) {
+    QCOMPARE(entries.size(), before.size() + (written.isEmpty() ? 0 : 1));
+    if (written.isEmpty()) {
         QCOMPARE(result.status, Backups::Status::Unchanged);
         return;
     }
     QCOMPARE(result.status, Backups::Status::Written);
-    const QString name = atExit ? u"2026-11-23_141502-exit.tw"_s : u"2026-11-23_141502-read.tw"_s;
-    QCOMPARE(result.path, QDir(folder()).filePath(name));
+    QCOMPARE(result.path, QDir(folder()).filePath(written));
     QCOMPARE(entries.first().path, result.path);
     QCOMPARE(entries.first().time, At);
     QCOMPARE(entries.first().reason, reason);

@@ -234,6 +234,7 @@ void TestDataFile::hostileFiles_data()
 {
     QTest::addColumn<QByteArray>("file");
     QTest::addColumn<DF::ReadStatus>("status");
+    QTest::addColumn<DF::ReadProblem>("problem"); // what the message about it says
 
     const QByteArray fresh = *DF::Encode(freshImage());
     const QByteArray container = DF::Container(freshImage());
@@ -242,30 +243,34 @@ void TestDataFile::hostileFiles_data()
     };
     const qsizetype last = fresh.size() - 1;
     using S = DF::ReadStatus;
+    using P = DF::ReadProblem;
 
-    QTest::newRow("plain container, count zero") << container + '\0' << S::Ok;
-    QTest::newRow("missing file") << QByteArray() << S::CannotOpen; // null: not written
-    QTest::newRow("empty file") << QByteArray("") << S::Damaged;
-    QTest::newRow("truncated by one byte") << (fresh.first(last - 1) + fresh.back()) << S::Damaged;
-    QTest::newRow("count one too high") << patched(last, hex("07")) << S::Damaged;
-    QTest::newRow("count 255") << patched(last, hex("FF")) << S::Damaged;
-    QTest::newRow("count one too low") << patched(last, hex("05")) << S::WrongType;
-    QTest::newRow("huge P") << patched(0, hex("FFFFFF")) << S::Damaged;
-    QTest::newRow("huge C") << patched(4, hex("FFFFFF")) << S::Damaged;
-    QTest::newRow("wrong marker") << *DF::PackData(QByteArray(container).replace(0, 6, "PDZUNX")) << S::WrongType;
-    QTest::newRow("container one byte long") << *DF::PackData(container + 'x') << S::WrongType;
-    QTest::newRow("two megabytes") << repeated(2 << 20, 0x00) << S::WrongType;
+    QTest::newRow("plain container, count zero") << container + '\0' << S::Ok << P::None;
+    QTest::newRow("missing file") << QByteArray() << S::CannotOpen << P::None; // null: not written
+    QTest::newRow("empty file") << QByteArray("") << S::Damaged << P::TooShort;
+    QTest::newRow("truncated by one byte") << (fresh.first(last - 1) + fresh.back()) << S::Damaged << P::BadPacking;
+    QTest::newRow("count one too high") << patched(last, hex("07")) << S::Damaged << P::BadPacking;
+    QTest::newRow("count 255") << patched(last, hex("FF")) << S::Damaged << P::BadPacking;
+    QTest::newRow("count one too low") << patched(last, hex("05")) << S::WrongType << P::TooShort;
+    QTest::newRow("huge P") << patched(0, hex("FFFFFF")) << S::Damaged << P::BadPacking;
+    QTest::newRow("huge C") << patched(4, hex("FFFFFF")) << S::Damaged << P::BadPacking;
+    QTest::newRow("wrong marker") << *DF::PackData(QByteArray(container).replace(0, 6, "PDZUNX")) << S::WrongType
+                                  << P::NoMarker;
+    QTest::newRow("container one byte long") << *DF::PackData(container + 'x') << S::WrongType << P::TooLong;
+    QTest::newRow("two megabytes") << repeated(2 << 20, 0x00) << S::WrongType << P::TooLarge;
 }
 
 void TestDataFile::hostileFiles()
 {
     QFETCH(QByteArray, file);
     QFETCH(DF::ReadStatus, status);
+    QFETCH(DF::ReadProblem, problem);
     // The same through the file system, where the reading starts.
     const QString path = filePath(QStringLiteral("hostile.tw"));
     QVERIFY(file.isNull() || test::writeFile(path, file));
     const DF::ReadResult read = DF::Read(path);
     QCOMPARE(read.status, status);
+    QCOMPARE(read.problem, problem);
     QCOMPARE(read.image.size(), status == DF::ReadStatus::Ok ? MemoryImage::Size : 0);
     QCOMPARE(read.errorString.isEmpty(), status != DF::ReadStatus::CannotOpen);
 }
@@ -304,6 +309,7 @@ void TestDataFile::notRegularFiles()
     if (socket >= 0)
         ::close(socket);
     QCOMPARE(read.status, DF::ReadStatus::WrongType);
+    QCOMPARE(read.problem, DF::ReadProblem::NotAFile);
 }
 
 void TestDataFile::garbageNeverCrashes()

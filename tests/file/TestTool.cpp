@@ -155,7 +155,7 @@ void TestTool::exitCodes_data()
                                                    << 2 << u"missing argument"_s;
     QTest::newRow("import-csv of a file that is no channel list")
         << QStringList{u"import-csv"_s, u"@/channels.tw"_s, u"@/names.csv"_s, u"@/out.tw"_s} << 1
-        << u"@/names.csv: no Location or no Frequency column"_s;
+        << u"@/names.csv: no Frequency column and no column of the channel list"_s;
     QTest::newRow("import-csv with no usable row")
         << QStringList{u"import-csv"_s, u"@/channels.tw"_s, u"@/far.csv"_s, u"@/out.tw"_s} << 1
         << u"@/far.csv:2: Frequency \"27.125\": outside the receive bands: row skipped\n"
@@ -245,8 +245,20 @@ void TestTool::diff_data()
     // Its bit in the empty bitmap is what changed; that byte is not listed again.
     QTest::newRow("channel 10 out of use")
         << QList<int>{0x0CA1, 0xFF} << 0
-        << u"CH. 10: Rx Freq 435.12500 -> (empty), CTCSS/DCS Dec None -> (empty), TX Power Low -> (empty), "
-           "W/N Narrow -> (empty), Scan Add Off -> (empty), BCL Off -> (empty)\n"_s;
+        << u"CH. 10 deleted: Rx Freq 435.12500, CTCSS/DCS Dec None, TX Power Low, W/N Narrow, Scan Add Off, BCL Off\n"_s;
+    QTest::newRow("channel 5 new, Traditional Chinese")
+        << QList<int>{0x40, 0x14, 0x41, 0x52, 0x42, 0, 0x43, 0, 0x44, 0x14, 0x45, 0x52, 0x46, 0, 0x47, 0, 0x48, 0x85,
+                      0x49, 0x08, 0x4E, 0x4C, 0x0CA0, 0xEB}
+        << 2 << u"信道 5 新增: 接收頻率 145.20000, 發射頻率 145.20000, CTCSS/DCS 解碼 88.5, CTCSS/DCS 編碼 無, "
+                "發射功率 高, 寬/窄 寬, 掃描添加 開, 繁忙鎖定 關\n"_s;
+    // The limits a radio reports, against a file that has none; a limit
+    // of 133.5 MHz keeps its tenth.
+    QTest::newRow("band limits") << QList<int>{0x1A00, 0x13, 0x1A01, 0x60, 0x1A02, 0x17, 0x1A03, 0x40, 0x1A04, 0x13,
+                                               0x1A05, 0x35, 0x1A06, 0x17, 0x1A07, 0x40, 0x1A08, 0x40, 0x1A09, 0x00,
+                                               0x1A0A, 0x49, 0x1A0B, 0x00, 0x1A0C, 0x40, 0x1A0D, 0x00, 0x1A0E, 0x49,
+                                               0x1A0F, 0x00}
+                                 << 0
+                                 << u"Rx bands: (empty) -> 136-174, 400-490 MHz\nTx bands: (empty) -> 133.5-174, 400-490 MHz\n"_s;
     QTest::newRow("channel bits the list does not show") << QList<int>{0x2E, 0xCD, 0x2F, 0x44} << 0
                                                          << u"0x002E: 4D -> CD\n0x002F: 00 -> 44\n"_s;
     QTest::newRow("a channel's shown and hidden bits in one byte")

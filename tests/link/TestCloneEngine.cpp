@@ -180,6 +180,7 @@ private Q_SLOTS:
     void verification();
     void portScan_data();
     void portScan();
+    void cablePulled_data();
     void cablePulled();
     void babblingLine();
     void replyWhileRejectedChangesNothing();
@@ -195,32 +196,41 @@ void TestCloneEngine::transfer_data()
     QTest::addColumn<int>("identityRequests");
     QTest::addColumn<QString>("status"); // the last line shown under the bar; it goes when the transfer moves on
     QTest::addColumn<Kind>("ends");
+    QTest::addColumn<QList<int>>("partlyWritten"); // ports
 
     const QList<int> none, seven{4, 9, 30, 31, 32, 100, 150};
     const QString noAnswer = u"No answer on COM2, retrying (%1 of 7)\u2026"_s;
     QTest::newRow("read ends at 188")
-        << true << RadioFaults{} << none << false << 188 << 1 << QString() << Kind::Completed;
+        << true << RadioFaults{} << none << false << 188 << 1 << QString() << Kind::Completed << none;
     QTest::newRow("write ends at 187")
-        << false << RadioFaults{} << none << false << 187 << 1 << QString() << Kind::Completed;
+        << false << RadioFaults{} << none << false << 187 << 1 << QString() << Kind::Completed << none;
     QTest::newRow("identification one off: 8 requests, no scan")
         << true << RadioFaults{.wrongId = true} << none << false << -1 << 8
-        << u"Unexpected answer on COM2, retrying (7 of 7)\u2026"_s << Kind::WrongIdentification;
+        << u"Unexpected answer on COM2, retrying (7 of 7)\u2026"_s << Kind::WrongIdentification << none;
     // Each resend starts the bar over: 46 rows follow the last lost reply.
     QTest::newRow("seven lost replies are resent")
-        << true << RadioFaults{} << seven << false << 46 << 1 << noAnswer.arg(7) << Kind::Completed;
+        << true << RadioFaults{} << seven << false << 46 << 1 << noAnswer.arg(7) << Kind::Completed << none;
     QTest::newRow("eighth lost reply spends the budget")
-        << true << RadioFaults{} << seven + QList<int>{170} << false << -1 << 1 << noAnswer.arg(7) << Kind::NoAnswer;
+        << true << RadioFaults{} << seven + QList<int>{170} << false << -1 << 1 << noAnswer.arg(7) << Kind::NoAnswer << none;
     QTest::newRow("Retry starts over from PROGRAM")
         << true << RadioFaults{.hangUpAfterRows = 10} << none << true << 188 << 2 << noAnswer.arg(7)
-        << Kind::Completed;
+        << Kind::Completed << none;
     // One resend of row 40, after which the bar counts the other 148 rows.
     QTest::newRow("read, one reply past the time-out")
-        << true << RadioFaults{.lateReplyRow = 40} << none << false << 148 << 1 << noAnswer.arg(1) << Kind::Completed;
+        << true << RadioFaults{.lateReplyRow = 40} << none << false << 148 << 1 << noAnswer.arg(1) << Kind::Completed << none;
     QTest::newRow("read, one reply across the time-out")
         << true << RadioFaults{.splitReplyRow = 40} << none << false << 148 << 1 << noAnswer.arg(1)
-        << Kind::Completed;
+        << Kind::Completed << none;
     QTest::newRow("write, a late second ACK")
-        << false << RadioFaults{.duplicateAckRow = 40} << none << false << 187 << 1 << QString() << Kind::Completed;
+        << false << RadioFaults{.duplicateAckRow = 40} << none << false << 187 << 1 << QString() << Kind::Completed << none;
+    // The radio keeps every row it took: from the first one on, a write that
+    // does not reach "END" leaves it partly written.
+    QTest::newRow("write stops after 40 rows: partly written")
+        << false << RadioFaults{.hangUpAfterRows = 40} << none << false << -1 << 1 << noAnswer.arg(7)
+        << Kind::NoAnswer << QList<int>{2};
+    QTest::newRow("write, Retry after 40 rows writes it all")
+        << false << RadioFaults{.hangUpAfterRows = 40} << none << true << 187 << 2 << noAnswer.arg(7)
+        << Kind::Completed << none;
 }
 
 void TestCloneEngine::transfer()
@@ -233,6 +243,7 @@ void TestCloneEngine::transfer()
     QFETCH(int, identityRequests);
     QFETCH(QString, status);
     QFETCH(Kind, ends);
+    QFETCH(QList<int>, partlyWritten);
     const bool completes = progress > 0;
 
     AppState &state = test::transferState(0, read, 2);
@@ -248,6 +259,7 @@ void TestCloneEngine::transfer()
     QVERIFY(link.unloaded);
     QCOMPARE(engine.transfer().Finished, completes);
     QCOMPARE(engine.outcome().kind, ends);
+    QCOMPARE(engine.outcome().partlyWritten, partlyWritten);
     QCOMPARE(link.questionTimes.size(), completes && !retry ? 0 : 1);
     if (!completes) // what the question said Cancel would end with is how it ended
         QCOMPARE(link.questions.first().kind, ends);
@@ -335,6 +347,7 @@ void TestCloneEngine::verification()
     QCOMPARE(engine.outcome().differingRows, differingRows);
     QCOMPARE(engine.outcome().verified, ends == Kind::Completed);
     QCOMPARE(engine.outcome().verifying, ends == Kind::NoAnswer); // the write itself went through
+    QCOMPARE(engine.outcome().partlyWritten, QList<int>{});
     QVERIFY(state.image == before);
     QVERIFY(link.portChanges.isEmpty());
     QCOMPARE(link.reports.size(), ends == Kind::NoAnswer ? 0 : 1);
@@ -417,11 +430,19 @@ void TestCloneEngine::portScan()
     QCOMPARE(link.statuses.filter(u"Trying"_s), trying);
 }
 
-// The device goes away in the middle of a read: the question comes at once,
-// naming the port; Retry finds it still gone and says so.
+void TestCloneEngine::cablePulled_data()
+{
+    QTest::addColumn<bool>("read");
+    QTest::newRow("read") << true;
+    QTest::newRow("write: the radio is left partly written") << false;
+}
+
+// The device goes away in the middle of a transfer: the question comes at
+// once, naming the port; Retry finds it still gone and says so.
 void TestCloneEngine::cablePulled()
 {
-    AppState &state = test::transferState(0, true, 33);
+    QFETCH(bool, read);
+    AppState &state = test::transferState(0, read, 33);
     VirtualRadio radio;
     CloneEngine engine(state, [] { return QStringList{u"COM33"_s}; });
     FakeLink link(engine, 33, &radio);
@@ -439,7 +460,8 @@ void TestCloneEngine::cablePulled()
     QCOMPARE(engine.outcome().kind, Kind::PortFailed);
     QCOMPARE(engine.outcome().problem.kind, PortProblem::Kind::Missing);
     QCOMPARE(engine.outcome().port, 33);
-    QCOMPARE(engine.progress(), 28); // the rows before stay read
+    QCOMPARE(engine.outcome().partlyWritten, read ? QList<int>{} : QList<int>{33});
+    QCOMPARE(engine.progress(), 28); // the rows before stay moved
 }
 
 // A line that never falls quiet cannot hold the transfer: each drain ends

@@ -72,7 +72,6 @@ void TestLinkEndToEnd::transfer_data()
         << false << RadioFaults{.dropReplyRow = 200, .duplicateAckRow = 40} << false << 187;
     QTest::newRow("read, late replies") << true << RadioFaults{.delayMs = 20} << false << 188;
     QTest::newRow("silent: scan, Cancel") << true << RadioFaults{.silent = true} << false << 0;
-    QTest::newRow("wrong id: Cancel") << true << RadioFaults{.wrongId = true} << false << 0;
     QTest::newRow("hang-up, Cancel keeps 20 rows") << true << RadioFaults{.hangUpAfterRows = 20} << false << 20;
     QTest::newRow("refused writes: radio untouched") << false << RadioFaults{.nakWrites = true} << false << 0;
     // The answer to a resend follows the late answer at once, and the rest
@@ -317,6 +316,7 @@ void TestLinkEndToEnd::batchWithTroubledPort()
     QCOMPARE(troubled.device, device); // named by its device, even once it is gone
     QCOMPARE(troubled.outcome.problem.kind, pullCable ? PortProblem::Kind::Lost : PortProblem::Kind::Busy);
     QCOMPARE(troubled.outcome.portsTried.size(), 1);
+    QCOMPARE(troubled.outcome.partlyWritten, pullCable ? QList<int>{201} : QList<int>{});
     // The words a batch prints for it send the user back to this port, never to a Retry button.
     const QString words = outcomeText(troubled.outcome, English, Wording::CommandLine);
     QVERIFY2(words.startsWith(u"COM201 (%1): "_s.arg(device)), qPrintable(words));

@@ -16,6 +16,8 @@
 #include <QSerialPort>
 #include <QTest>
 
+#include <csignal>
+
 using namespace wr;
 using namespace Qt::Literals::StringLiterals;
 
@@ -41,6 +43,7 @@ private Q_SLOTS:
     void failedReadKeepsFile();
     void writeSeveral_data();
     void writeSeveral();
+    void writeInterrupted();
     void readEach();
     void doctor_data();
     void doctor();
@@ -53,8 +56,10 @@ private:
     // start.tw and saving to radio-COM<N>.tw; returns their devices by
     // number (empty when they did not start).
     QMap<int, QString> startRadios(int com, int count, const QStringList &faults = {});
-    // Runs the tool; the exit code, and its error output (then its output) in *err.
-    int tool(const QStringList &arguments, QString *err);
+    // Runs the tool; the exit code, and its error output (then its output) in
+    // *err. With interruptAtQuarters, Ctrl+C once that many progress lines
+    // have said 25 %.
+    int tool(const QStringList &arguments, QString *err, int interruptAtQuarters = 0);
     // Each row of the data file `name`: from `moved` where listed, else from `others`.
     void checkRows(const QString &name, const QList<int> &listed, const MemoryImage &moved, const MemoryImage &others)
     {
@@ -109,15 +114,23 @@ QMap<int, QString> TestLinkTools::startRadios(int com, int count, const QStringL
     return devices;
 }
 
-int TestLinkTools::tool(const QStringList &arguments, QString *err)
+int TestLinkTools::tool(const QStringList &arguments, QString *err, int interruptAtQuarters)
 {
     QProcess process;
     process.setProcessEnvironment(m_environment);
+    process.setReadChannel(QProcess::StandardError);
     process.start(QStringLiteral(WRPD6T_TOOL_PATH), arguments);
     process.closeWriteChannel(); // nobody at a terminal to answer
+    QByteArray said;
+    if (interruptAtQuarters > 0) {
+        while (said.count("25%") < interruptAtQuarters && process.waitForReadyRead(10000))
+            said += process.readAllStandardError();
+        if (said.count("25%") < interruptAtQuarters || ::kill(pid_t(process.processId()), SIGINT) != 0)
+            return -1;
+    }
     if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
         return -1;
-    *err = QString::fromUtf8(process.readAllStandardError() + process.readAllStandardOutput());
+    *err = QString::fromUtf8(said + process.readAllStandardError() + process.readAllStandardOutput());
     return process.exitCode();
 }
 
@@ -205,11 +218,14 @@ void TestLinkTools::writeSeveral_data()
     QTest::newRow("one silent radio among four")
         << 4 << QStringList{u"--silent"_s} << false
         << u"The radio did not answer.\n  Port tried: COM%1 (%2)\n  Run the connection test: wrpd6t-tool doctor COM%1\n"_s;
+    // Rows taken, then silence: the question is answered Cancel off a terminal.
+    const QString partly = u"The radio did not answer.\n  Port tried: COM%1 (%2)\n  Run the connection test: "
+                           "wrpd6t-tool doctor COM%1\n  The radio is only partly written: the write on COM%1 did not "
+                           "finish.\n  Write the radio again before using it.\n"_s;
+    QTest::newRow("one radio falls silent at 40 %") << 1 << QStringList{u"--hang-up-after"_s, u"75"_s} << false << partly;
+    QTest::newRow("one radio among three falls silent at 40 %")
+        << 3 << QStringList{u"--hang-up-after"_s, u"75"_s} << false << partly;
     QTest::newRow("one radio, verified") << 1 << QStringList{} << true << u"Writing completed! (verified)\n"_s;
-    QTest::newRow("one radio storing a row wrong, verified")
-        << 1 << QStringList{u"--corrupt-row"_s, u"100"_s} << true
-        << u"Writing completed, but reading it back found other bytes in row 100 (address 0x0640). The radio is "
-           "not as intended: write it again.\n"_s;
     QTest::newRow("three radios verified, one storing a row wrong")
         << 3 << QStringList{u"--corrupt-row"_s, u"409"_s} << true
         << u"Writing completed, but reading it back found other bytes in row 409 (address 0x1990). The radio is "
@@ -264,6 +280,21 @@ void TestLinkTools::writeSeveral()
         checkRows(saved, test::transferredRows(false), toWrite, m_radioImage);
     }
     QVERIFY(!err.contains(u"Trying"_s)); // no port scan
+    QCOMPARE(err.count(u"partly written"_s), lastSays.count(u"partly written"_s));
+}
+
+// Ctrl+C while two radios are written: each is named as partly written.
+void TestLinkTools::writeInterrupted()
+{
+    const QMap<int, QString> devices = startRadios(80, 2);
+    QCOMPARE(devices.size(), 2);
+    QString err;
+    QCOMPARE(tool({u"write"_s, filePath(u"start.tw"_s), u"COM80"_s, u"COM81"_s}, &err, 2), 1);
+    for (auto radio = devices.cbegin(); radio != devices.cend(); ++radio) {
+        const QString summary = u"COM%1 (%2): The transfer was cancelled.\n  The radio is only partly written: the write "
+                                "on COM%1 did not finish.\n  Write the radio again before using it.\n"_s;
+        QVERIFY2(err.contains(summary.arg(radio.key()).arg(radio.value())), qPrintable(err));
+    }
 }
 
 // Two radios read at once, one file each, named after the port and the time.

@@ -3,7 +3,7 @@
 // command and the print preview.
 
 #include "ModalDialog.h"
-#include "TestSupport.h"
+#include "TestSuite.h"
 
 #include "channels/ChannelRecord.h"
 #include "core/SettingsStore.h"
@@ -147,15 +147,11 @@ bool hasRadical(const QString &text)
 
 } // namespace
 
-class TestSheet : public QObject
+class TestSheet : public test::Suite
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { test::initTestProcess(); }
-    void init() { m_fixture = std::make_unique<test::Fixture>(); }
-    void cleanup() { m_fixture.reset(); }
-
     void sheetText_data();
     void sheetText();
     void paginate_data();
@@ -167,9 +163,6 @@ private Q_SLOTS:
     void tool_data();
     void tool();
     void preview();
-
-private:
-    std::unique_ptr<test::Fixture> m_fixture;
 };
 
 void TestSheet::sheetText_data()
@@ -208,7 +201,7 @@ void TestSheet::sheetText()
     QFETCH(QList<int>, channels);
     QFETCH(QStringList, heading);
     QFETCH(QString, pageNumber);
-    const QString path = m_fixture->path(u"sheet.pdf"_s);
+    const QString path = filePath(u"sheet.pdf"_s);
     QVERIFY(test::writeFile(path, sheetOf(Language(language), file, channels, QPageSize::PageSizeId(paper))));
     const QList<Page> pages = readPdf(path);
     QVERIFY(!pages.isEmpty());
@@ -387,13 +380,13 @@ void TestSheet::tool()
     QFETCH(int, exitCode);
     QFETCH(QString, message);
     QFETCH(QList<int>, rows);
-    QVERIFY(DataFile::Write(m_fixture->path(u"in.tw"_s), sheetImage(), nullptr));
-    QVERIFY(test::writeFile(m_fixture->path(u"damaged.tw"_s), "PDZUNK damaged"));
-    const QString out = m_fixture->path(u"out.pdf"_s);
-    for (const QString &target : {out, m_fixture->path(u"missing/out.pdf"_s)}) {
+    QVERIFY(DataFile::Write(filePath(u"in.tw"_s), sheetImage(), nullptr));
+    QVERIFY(test::writeFile(filePath(u"damaged.tw"_s), "PDZUNK damaged"));
+    const QString out = filePath(u"out.pdf"_s);
+    for (const QString &target : {out, filePath(u"missing/out.pdf"_s)}) {
         QProcess tool;
         tool.start(QStringLiteral(WRPD6T_TOOL_PATH), QStringList{u"sheet"_s}
-                                                         + arguments.replaceInStrings(u"@"_s, m_fixture->folder())
+                                                         + arguments.replaceInStrings(u"@"_s, tempFolder())
                                                          + QStringList{target});
         QVERIFY(tool.waitForFinished(30000));
         const QString errors = QString::fromUtf8(tool.readAllStandardError());
@@ -426,10 +419,10 @@ void TestSheet::preview()
     FileDialog::reset();
     MessageBox::reset();
     MessageBox::setAutoAnswer(true);
-    SettingsStore settings(m_fixture->path(u"settings.ini"_s));
+    SettingsStore settings(filePath(u"settings.ini"_s));
     const MemoryImage image = sheetImage();
-    const QString saved = m_fixture->path(u"saved.pdf"_s);
-    const QString printed = m_fixture->path(u"printed.pdf"_s);
+    const QString saved = filePath(u"saved.pdf"_s);
+    const QString printed = filePath(u"printed.pdf"_s);
     QList<QPageSize::PageSizeId> papers;
     QString title;
     int pageCount = 0;

@@ -3,10 +3,13 @@
 // folders, and that a failure never changes the image or the files.
 #include "ShellHarness.h"
 
+#include "file/Backups.h"
+
 #include <QDir>
 #include <QFile>
 #include <QMimeData>
 #include <QProcess>
+#include <QPushButton>
 #include <QUrl>
 
 #include <csignal>
@@ -47,6 +50,30 @@ class TestFileCommands : public wr::test::ShellSuite
     {
         ShellSuite::setUp();
         h->open(0);
+    }
+
+    // Drags local files over the channel list, which covers most of the
+    // window, and drops them; true when the window took them as a copy, so
+    // that the file stays where it is.
+    bool dropFiles(const QStringList &paths, Qt::KeyboardModifiers keys = Qt::NoModifier) const
+    {
+        QList<QUrl> urls;
+        for (const QString &path : paths)
+            urls << QUrl::fromLocalFile(path);
+        QMimeData data;
+        data.setUrls(urls);
+        QWidget *target = h->window->channelList()->grid()->viewport();
+        const QPoint where = target->rect().center();
+        const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
+        QDragEnterEvent enter(where, actions, &data, Qt::LeftButton, keys);
+        QDragMoveEvent move(where, actions, &data, Qt::LeftButton, keys);
+        QDropEvent drop(where, actions, &data, Qt::LeftButton, keys);
+        bool taken = true;
+        for (QDropEvent *event : {static_cast<QDropEvent *>(&enter), static_cast<QDropEvent *>(&move), &drop}) {
+            QApplication::sendEvent(target, event);
+            taken = taken && event->isAccepted() && event->dropAction() == Qt::CopyAction;
+        }
+        return taken;
     }
 
 private Q_SLOTS:
@@ -110,24 +137,32 @@ private Q_SLOTS:
         QCOMPARE(wr::MessageBox::history().size(), 1);
     }
 
+    // The prescribed message, and on a second line the file and what is
+    // wrong with it, in the interface language.
     void badFilesLeaveImageAlone_data()
     {
         QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<QString>("title");
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QString>("shown"); // title|text
         QByteArray foreign = wr::DataFile::Container(wr::MemoryImage());
         foreign.replace(0, 6, "ABCDEF");
         foreign.append('\0');
         const QByteArray packed = *wr::DataFile::Encode(wr::MemoryImage());
-        QTest::newRow("foreign marker") << foreign << u"WR-PD6T"_s;
-        QTest::newRow("damaged packing") << packed.left(40) + packed.right(1) << u"Error"_s;
+        QTest::newRow("foreign marker") << foreign << 0 << u"WR-PD6T|Incorrect File Type.\nbad.tw: no data file marker at its start"_s;
+        QTest::newRow("damaged packing") << packed.left(40) + packed.right(1) << 0
+                                         << u"Error|Incorrect File Type.\nbad.tw: its packing is damaged"_s;
+        QTest::newRow("too short, Simplified Chinese") << foreign.first(100) + '\0' << 1
+                                                      << u"WR-PD6T|文件类型不正确。\nbad.tw：文件太短，不是数据文件"_s;
         // Null content: a pipe that nobody writes into, refused without waiting.
-        QTest::newRow("pipe") << QByteArray() << u"WR-PD6T"_s;
+        QTest::newRow("pipe, Traditional Chinese") << QByteArray() << 2 << u"WR-PD6T|文件類型不正確。\nbad.tw：不是普通文件"_s;
     }
 
     void badFilesLeaveImageAlone()
     {
         QFETCH(QByteArray, content);
-        QFETCH(QString, title);
+        QFETCH(int, language);
+        QFETCH(QString, shown);
+        wr::app().LanguageIndex = quint8(language);
         const QString path = filePath(u"bad.tw"_s);
         if (content.isNull())
             QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
@@ -141,7 +176,9 @@ private Q_SLOTS:
         wr::FileDialog::setNextFileName(path);
         h->trigger(u"mnuFile_Open"_s);
 
-        QCOMPARE(ShellHarness::shownBoxes().mid(1), QStringList{u"Critical|%1|Incorrect File Type."_s.arg(title)});
+        QCOMPARE(ShellHarness::shownBoxes().mid(1), QStringList{u"Critical|"_s + shown});
+        // No backup: the image was not replaced.
+        QVERIFY(wr::Backups::list(h->backupFolder()).isEmpty());
         // The image (with the grid's edit moved in), its snapshot state, the
         // band limits and the grid are as before.
         QCOMPARE(ShellHarness::imageRx(3), u"145.00000"_s);
@@ -186,7 +223,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("shown");      // "%1" stands for the file's path
         const QByteArray good = fileOf(ShellHarness::imageWithChannels(20, 5));
         QTest::newRow("good file") << good << QString();
-        QTest::newRow("damaged file") << good.left(40) + good.right(1) << u"Critical|Error|Incorrect File Type."_s;
+        QTest::newRow("damaged file") << good.left(40) + good.right(1)
+                                      << u"Critical|Error|Incorrect File Type.\ncustomer.tw: its packing is damaged"_s;
         QTest::newRow("missing file") << QByteArray() << u"Critical|Error|The file does not exist.\n%1"_s;
     }
 
@@ -233,7 +271,7 @@ private Q_SLOTS:
         QVERIFY2(written.contains(output), qPrintable(written));
     }
 
-    // Files dropped on the channel list, which covers most of the window.
+    // Data files dropped on the window.
     void dropOnWindow_data()
     {
         QTest::addColumn<QStringList>("names");
@@ -246,7 +284,7 @@ private Q_SLOTS:
         QTest::newRow("Cancel keeps the edits") << one << none << int(QMessageBox::Cancel) << false;
         QTest::newRow("Shift held: still a copy") << one << shift << int(QMessageBox::No) << true;
         QTest::newRow("suffix in capitals") << QStringList{u"OTHER.TW"_s} << none << int(QMessageBox::No) << true;
-        QTest::newRow("another kind of file refused") << QStringList{u"other.csv"_s} << none << 0 << false;
+        QTest::newRow("another kind of file refused") << QStringList{u"other.txt"_s} << none << 0 << false;
         QTest::newRow("two files refused") << QStringList{u"other.tw"_s, u"more.tw"_s} << none << 0 << false;
     }
 
@@ -257,33 +295,131 @@ private Q_SLOTS:
         QFETCH(int, answer);
         QFETCH(bool, opened);
         const QByteArray otherImage = ShellHarness::imageWithChannels(20, 5);
-        QList<QUrl> urls;
+        QStringList paths;
         for (const QString &name : names) {
             QVERIFY(ShellHarness::writeDataFile(filePath(name), otherImage));
-            urls << QUrl::fromLocalFile(filePath(name));
+            paths << filePath(name);
         }
         h->editRx(1, u"145.5"_s);
-        QMimeData data;
-        data.setUrls(urls);
-        QWidget *target = h->window->channelList()->grid()->viewport();
-        const QPoint where = target->rect().center();
-        const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
-        QDragEnterEvent enter(where, actions, &data, Qt::LeftButton, keys);
-        QDragMoveEvent move(where, actions, &data, Qt::LeftButton, keys);
-        QDropEvent drop(where, actions, &data, Qt::LeftButton, keys);
         if (answer)
             wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
-        for (QDropEvent *event : {static_cast<QDropEvent *>(&enter), static_cast<QDropEvent *>(&move), &drop}) {
-            QApplication::sendEvent(target, event);
-            QCOMPARE(event->isAccepted(), answer != 0);
-            if (answer)
-                QCOMPARE(event->dropAction(), Qt::CopyAction); // the file stays where it is
-        }
+        QCOMPARE(dropFiles(paths, keys), answer != 0);
         if (answer)
             QTRY_COMPARE(ShellHarness::shownBoxes(), QStringList{u"Warning||File has been modified, save it now?"_s});
         QCOMPARE(wr::app().image.bytes() == otherImage, opened);
         QCOMPARE(h->gridRx(20), opened ? u"450.12500"_s : QString());
         QCOMPARE(h->gridRx(1), opened ? QString() : u"145.50000"_s);
+    }
+
+    // A channel list in CSV handed to Open, however it comes, goes to the
+    // channel list's import with its preview; it replaces nothing, so from
+    // outside the program it is not preceded by the modified question. The
+    // Open dialog offers all files besides the data files.
+    void channelListsGoToImport_data()
+    {
+        QTest::addColumn<QString>("how"); // "dialog", "argument" or "drop"
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<bool>("imported");
+        const QByteArray list = "Location,Frequency\r\n3,146.52\r\n";
+        QTest::newRow("dialog: suffix in capitals") << u"dialog"_s << u"list.CSV"_s << list << true;
+        QTest::newRow("dialog: a CSV header under another name") << u"dialog"_s << u"list.txt"_s << list << true;
+        QTest::newRow("argument: quoted header after a byte-order mark")
+            << u"argument"_s << u"list.dat"_s << QByteArray("\xEF\xBB\xBF\"Location\",\"Frequency\"\n3,146.52\n") << true;
+        QTest::newRow("drop") << u"drop"_s << u"list.csv"_s << list << true;
+        QTest::newRow("argument: columns separated otherwise")
+            << u"argument"_s << u"list.txt"_s << QByteArray("Location;Frequency\r\n3;146.52\r\n") << false;
+    }
+
+    void channelListsGoToImport()
+    {
+        QFETCH(QString, how);
+        QFETCH(QString, name);
+        QFETCH(QByteArray, content);
+        QFETCH(bool, imported);
+        const QString path = filePath(name);
+        QVERIFY(wr::test::writeFile(path, content));
+        h->editRx(1, u"145.5"_s);
+        QString preview;
+        if (imported) {
+            ShellHarness::whenModal([&preview](QDialog *form) {
+                preview = form->objectName();
+                QTest::mouseClick(form->findChild<QPushButton *>(u"cmdOK"_s), Qt::LeftButton);
+            });
+        }
+        // The modified question, where Open asks it.
+        if (how == u"dialog" || !imported)
+            wr::MessageBox::setNextAnswer(QMessageBox::No);
+        if (how == u"dialog") {
+            wr::FileDialog::setNextFileName(path);
+            h->trigger(u"mnuFile_Open"_s);
+            QCOMPARE(wr::FileDialog::lastFilter(), u"tw Files (*.tw);;All files (*)"_s);
+        } else if (how == u"drop") {
+            QVERIFY(dropFiles({path}));
+        } else {
+            h->window->openFile(path);
+        }
+
+        QTRY_COMPARE(preview, imported ? u"CsvImportPreview"_s : QString());
+        QStringList shown = ShellHarness::shownBoxes();
+        if (how == u"dialog" || !imported)
+            QCOMPARE(shown.takeFirst(), u"Warning||File has been modified, save it now?"_s);
+        QCOMPARE(shown, imported ? QStringList()
+                                 : QStringList{u"Critical|Error|Incorrect File Type.\nlist.txt: its packing is damaged"_s});
+        // Imported into the list, beside what was typed there; the image
+        // learns it at the next commit step.
+        QCOMPARE(h->gridRx(3), imported ? u"146.52000"_s : QString());
+        QCOMPARE(h->gridRx(1), u"145.50000"_s);
+        QVERIFY(ShellHarness::imageRx(3).isEmpty());
+    }
+
+    // Unsaved changes that New or Open is about to replace are kept as a
+    // backup first, unless the newest backup holds them already; nothing is
+    // kept when they were saved, or when nothing is replaced after all.
+    void replacingKeepsUnsavedChanges_data()
+    {
+        QTest::addColumn<QString>("item");
+        QTest::addColumn<bool>("edited");      // channel 7 typed into the grid
+        QTest::addColumn<int>("answer");       // to New's question or Open's modified question
+        QTest::addColumn<bool>("alreadyKept"); // the newest backup holds the edit
+        QTest::addColumn<QString>("kept");     // the new backup's reason, "" for none
+        const QString newItem = u"mnuFile_New"_s, open = u"mnuFile_Open"_s;
+        QTest::newRow("New: kept before clearing") << newItem << true << int(QMessageBox::Ok) << false << u"before-new"_s;
+        QTest::newRow("New cancelled") << newItem << true << int(QMessageBox::Cancel) << false << QString();
+        QTest::newRow("New without changes") << newItem << false << int(QMessageBox::Ok) << false << QString();
+        QTest::newRow("New, changes kept already") << newItem << true << int(QMessageBox::Ok) << true << QString();
+        QTest::newRow("Open, not saved: kept before opening") << open << true << int(QMessageBox::No) << false
+                                                              << u"before-open"_s;
+        QTest::newRow("Open, saved first") << open << true << int(QMessageBox::Yes) << false << QString();
+    }
+
+    void replacingKeepsUnsavedChanges()
+    {
+        QFETCH(QString, item);
+        QFETCH(bool, edited);
+        QFETCH(int, answer);
+        QFETCH(bool, alreadyKept);
+        QFETCH(QString, kept);
+        const QString other = filePath(u"other.tw"_s);
+        QVERIFY(ShellHarness::writeDataFile(other, ShellHarness::imageWithChannels(20, 5)));
+        if (edited)
+            h->editRx(7, u"145.5"_s);
+        if (alreadyKept)
+            wr::Backups::keep(h->backupFolder(), h->window->workingImage(), wr::BackupReason::Read,
+                              QDateTime::currentDateTime().addSecs(-60));
+        wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
+        if (answer == QMessageBox::Yes)
+            wr::FileDialog::setNextFileName(filePath(u"saved.tw"_s));
+        wr::FileDialog::setNextFileName(other);
+        h->trigger(item);
+
+        const QList<wr::Backups::Entry> backups = wr::Backups::list(h->backupFolder());
+        QCOMPARE(backups.size(), int(alreadyKept) + int(!kept.isEmpty()));
+        QCOMPARE(h->gridRx(7).isEmpty(), answer != QMessageBox::Cancel);
+        if (kept.isEmpty())
+            return;
+        QCOMPARE(wr::Backups::reasonName(backups.first().reason), kept);
+        QCOMPARE(ShellHarness::rxOf(wr::DataFile::Read(backups.first().path).image, 7), u"145.50000"_s);
     }
 
     // Names typed into the save dialog without a suffix get ".tw"; the file

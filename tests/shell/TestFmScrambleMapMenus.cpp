@@ -5,6 +5,7 @@
 
 #include "features/MemoryMapModel.h"
 #include "features/frmMemoryMap.h"
+#include "file/Backups.h"
 
 #include <QLineEdit>
 #include <QPushButton>
@@ -75,20 +76,25 @@ private Q_SLOTS:
     {
         QTest::addColumn<bool>("byKey"); // Ctrl+Shift+Alt+M in place of the gesture
         QTest::addColumn<QString>("button");
-        QTest::addColumn<QString>("rx"); // channel 3 in the list afterwards
-        QTest::newRow("OK keeps the patch") << false << u"cmdOK"_s << u"145.50000"_s;
-        QTest::newRow("Cancel drops it") << false << u"cmdCancel"_s << u"145.00000"_s;
-        QTest::newRow("by key, OK keeps the patch") << true << u"cmdOK"_s << u"145.50000"_s;
+        QTest::addColumn<QString>("rx");     // channel 3 in the list afterwards
+        QTest::addColumn<bool>("meanwhile"); // channel 9 typed into the list while the map is open
+        QTest::newRow("OK keeps the patch") << false << u"cmdOK"_s << u"145.50000"_s << false;
+        QTest::newRow("Cancel drops it") << false << u"cmdCancel"_s << u"145.00000"_s << false;
+        QTest::newRow("by key, OK keeps the patch") << true << u"cmdOK"_s << u"145.50000"_s << false;
+        QTest::newRow("OK over a channel typed meanwhile") << false << u"cmdOK"_s << u"145.50000"_s << true;
+        QTest::newRow("Cancel after a channel typed meanwhile") << false << u"cmdCancel"_s << u"145.00000"_s << true;
     }
 
     // The gesture, or its key, saves the grid and opens one memory map
     // beside the window; a patch of channel 3 made there shows in the
-    // channel list after OK and survives the next commit step.
+    // channel list after OK and survives the next commit step. OK overwrites
+    // what changed since the map opened, which is kept as a backup first.
     void memoryMapGesture()
     {
         QFETCH(bool, byKey);
         QFETCH(QString, button);
         QFETCH(QString, rx);
+        QFETCH(bool, meanwhile);
         h->open(0).show();
         QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
         h->editRx(3, u"145"_s);
@@ -109,6 +115,8 @@ private Q_SLOTS:
         open();
         QCOMPARE(memoryMaps(), QList<wr::frmMemoryMap *>{map});
 
+        if (meanwhile)
+            h->editRx(9, u"146"_s);
         const QByteArray before = wr::app().image.bytes();
         map->grid()->setCurrentIndex(map->model()->index(2, 1));
         QTest::keyClick(map->grid(), Qt::Key_5);
@@ -117,8 +125,18 @@ private Q_SLOTS:
         QTest::mouseClick(map->findChild<QPushButton *>(button), Qt::LeftButton);
         QVERIFY(!map->isVisible());
         QCOMPARE(h->gridRx(3), rx);
+        const bool overwritten = meanwhile && button == u"cmdOK";
+        QCOMPARE(h->gridRx(9), meanwhile && !overwritten ? u"146.00000"_s : QString());
         if (button == u"cmdCancel")
             QCOMPARE(wr::app().image.bytes(), before);
+        const QList<wr::Backups::Entry> backups = wr::Backups::list(h->backupFolder());
+        QCOMPARE(backups.size(), int(overwritten));
+        if (overwritten) {
+            const QByteArray kept = wr::DataFile::Read(backups.first().path).image;
+            QCOMPARE(backups.first().reason, wr::BackupReason::BeforeMemoryMap);
+            QCOMPARE(QStringList({ShellHarness::rxOf(kept, 3), ShellHarness::rxOf(kept, 9)}),
+                     QStringList({u"145.00000"_s, u"146.00000"_s}));
+        }
         h->window->CommitStep();
         QCOMPARE(ShellHarness::imageRx(3), rx);
     }

@@ -18,6 +18,7 @@
 #include <QGlyphRun>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QPointer>
@@ -29,12 +30,29 @@
 #include <QToolButton>
 #include <QTreeWidget>
 
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 using wr::test::ShellHarness;
 
 class TestMainWindow : public wr::test::ShellSuite
 {
     Q_OBJECT
+
+    // The main window shown in a language, a channel typed into the list
+    // and one of its cells made current, the grid focused; false when the
+    // window never became active.
+    QTableView *gridAt(int language, int channel, int column, const QString &rx)
+    {
+        h->open(language).show();
+        if (!QTest::qWaitForWindowActive(h->window.get()))
+            return nullptr;
+        h->editRx(channel, rx);
+        QTableView *grid = h->window->channelList()->grid();
+        grid->setCurrentIndex(grid->model()->index(channel, column));
+        grid->setFocus();
+        return grid;
+    }
 
     QTreeWidgetItem *treeNode(const QString &key) const
     {
@@ -62,7 +80,7 @@ private Q_SLOTS:
         QCOMPARE(wr::app().CurrentFileName, u"Untitled"_s);
         QCOMPARE(h->action(u"mnuRead"_s)->text(), u"从对讲机读取数据(&R)"_s);
         const QList<std::pair<QString, QString>> menus{
-            {u"mnuFile"_s, u"mnuFile_New mnuFile_Open mnuFile_Save mnuFile_SaveAs -mnuFile_Bar1 -mnuFile_Print "
+            {u"mnuFile"_s, u"mnuFile_New mnuFile_Open mnuFile_Save mnuFile_SaveAs mnuFile_Backups -mnuFile_Bar1 -mnuFile_Print "
                            "-mnuFile_PrintView mnuFile_Bar2 mnuFile_Exit"_s},
             {u"mnuEdit"_s, u"mnuChannel_Info mnuFile_Bar3 mnuOptiom_Features -mnuFile_Bar14 -mnuVFO -mnuFile_Bar4 "
                            "-mnuDTMF -mnuFile_Bar8 -mnuMSK -mnuFile_Bar9 -mnuScramble -mnuFile_Bar7 -mnuRadio"_s},
@@ -128,12 +146,8 @@ private Q_SLOTS:
         QFETCH(int, column);
         QFETCH(QString, cell);
         QFETCH(QString, ran);
-        h->open(0).show();
-        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
-        h->editRx(3, u"145.5"_s);
-        QTableView *grid = h->window->channelList()->grid();
-        grid->setCurrentIndex(grid->model()->index(3, column));
-        grid->setFocus();
+        QTableView *grid = gridAt(0, 3, column, u"145.5"_s);
+        QVERIFY(grid);
         QTest::keyClick(grid, Qt::Key_Return);
         QWidget *editor = QApplication::focusWidget();
         if (auto *list = qobject_cast<QComboBox *>(editor); list && !list->isEditable())
@@ -152,6 +166,84 @@ private Q_SLOTS:
             QVERIFY(!h->window->isVisible());
         else
             QCOMPARE(wr::MessageBox::history().size(), 1);
+    }
+
+    // Ctrl+Tab and Ctrl+Shift+Tab leave the channel grid for the tree, the
+    // open editor stored; the document area would keep them for switching
+    // between its windows.
+    void ctrlTabLeavesTheGrid_data()
+    {
+        QTest::addColumn<bool>("backwards");
+        QTest::addColumn<QString>("typed"); // into an editor of channel 3 first
+        QTest::newRow("Ctrl+Tab from the grid") << false << QString();
+        QTest::newRow("Ctrl+Shift+Tab from an editor") << true << u"147"_s;
+    }
+
+    void ctrlTabLeavesTheGrid()
+    {
+        QFETCH(bool, backwards);
+        QFETCH(QString, typed);
+        QTableView *grid = gridAt(0, 3, 1, QString());
+        QVERIFY(grid);
+        if (!typed.isEmpty()) {
+            QTest::keyClick(grid, Qt::Key_Return);
+            QTest::keyClicks(QApplication::focusWidget(), typed);
+        }
+        const Qt::Key key = backwards ? Qt::Key_Backtab : Qt::Key_Tab;
+        QTest::keyClick(QApplication::focusWidget(), key, Qt::ControlModifier | (backwards ? Qt::ShiftModifier : Qt::NoModifier));
+        QCOMPARE(QApplication::focusWidget(), h->window->findChild<QWidget *>(u"Tree0"_s));
+        QCOMPARE(h->gridRx(3), typed.isEmpty() ? QString() : u"147.00000"_s);
+    }
+
+    // A typed value stored as another is explained in the status bar, in
+    // place of the panels, for 10 s, on a label a screen reader hears; the
+    // panels come back after it. A value kept as typed says nothing.
+    void correctionInTheStatusBar_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("note"); // empty: none
+        QTest::newRow("English, below the band") << 0 << 1 << u"7"_s << u"Channel 7 Rx: 7 → 174.00000, below the band"_s;
+        QTest::newRow("Simplified, above the band") << 1 << 2 << u"1234"_s
+                                                    << u"信道 7 发射：1234 → 490.00000，高于频段"_s;
+        QTest::newRow("Traditional, a tone") << 2 << 3 << u"50"_s << u"信道 7 解碼：50 → 60.0，低於 60.0 Hz"_s;
+        QTest::newRow("kept as typed") << 0 << 1 << u"146.52"_s << QString();
+    }
+
+    void correctionInTheStatusBar()
+    {
+        QFETCH(int, language);
+        QFETCH(int, column);
+        QFETCH(QString, typed);
+        QFETCH(QString, note);
+        QTableView *grid = gridAt(language, 7, column, u"150"_s);
+        QVERIFY(grid);
+        QTest::keyClick(grid, Qt::Key_Return);
+        QTest::keyClicks(QApplication::focusWidget(), typed);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+
+        auto *shown = h->window->findChild<QLabel *>(u"MSBar_Note"_s);
+        auto *time = h->window->findChild<QTimer *>(u"tmrNote"_s);
+        const auto panelsShown = [this] {
+            for (int panel = 1; panel <= 5; ++panel) {
+                if (!h->window->findChild<QLabel *>(u"MSBar_Panel%1"_s.arg(panel))->isVisible())
+                    return false;
+            }
+            return true;
+        };
+        if (note.isEmpty()) {
+            QVERIFY(!shown->isVisible() && panelsShown());
+            return;
+        }
+        QVERIFY(shown->isVisible() && !panelsShown());
+        QCOMPARE(shown->text(), note);
+        QCOMPARE(QAccessible::queryAccessibleInterface(shown)->text(QAccessible::Name), note);
+        QCOMPARE(time->interval(), 10'000);
+        QVERIFY(time->isActive());
+        time->start(0); // the ten seconds pass
+        QTRY_VERIFY(!shown->isVisible() && panelsShown());
+        QCOMPARE(h->panel(1), u"COM1"_s);
     }
 
     // The channel list's Ctrl keys work beside the menu's: the hidden Print
@@ -223,15 +315,31 @@ private Q_SLOTS:
     }
 
     // Restored from maximised, the channel list takes the size it opens
-    // with, not the few pixels it was given before it was first maximised.
+    // with, not the few pixels it was given before it was first maximised;
+    // where the document area is smaller, as much of it as there is, so that
+    // the list's scroll bar and right edge stay in sight.
+    void channelListRestoresToOpeningSize_data()
+    {
+        QTest::addColumn<QSize>("window");
+        QTest::addColumn<bool>("fits"); // the opening size fits the document area
+        QTest::newRow("prescribed size: the area is narrower") << QSize(894, 763) << false;
+        QTest::newRow("a larger window") << QSize(1400, 1000) << true;
+    }
+
     void channelListRestoresToOpeningSize()
     {
+        QFETCH(QSize, window);
+        QFETCH(bool, fits);
         h->open().show();
         QVERIFY(QTest::qWaitForWindowExposed(h->window.get()));
+        h->window->resize(window);
         auto *subWindow = qobject_cast<QMdiSubWindow *>(h->window->channelList()->parentWidget());
         QVERIFY(subWindow->isMaximized());
         subWindow->showNormal();
-        QCOMPARE(subWindow->size(), QSize(994, 653)); // 14910 x 9800 twips
+        const QSize opening(994, 653); // 14910 x 9800 twips
+        const QRect area = subWindow->mdiArea()->viewport()->rect();
+        QCOMPARE(subWindow->size(), fits ? opening : opening.boundedTo(area.size()));
+        QVERIFY(area.contains(subWindow->geometry()));
     }
 
     // The window keeps its prescribed size where the screen has room for it
@@ -280,6 +388,53 @@ private Q_SLOTS:
         }
     }
 
+    // Enter and Space on a node of the tree run it as a click does, and the
+    // tree shows whether it has the focus: its current node is highlighted
+    // only while it has.
+    void treeFromTheKeyboard_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("move"); // an arrow key to the node first, 0 for none
+        QTest::addColumn<QString>("opened"); // "" for nothing
+        QTest::newRow("Enter on CH Information") << int(Qt::Key_Return) << 0 << u"frmChannel"_s;
+        QTest::newRow("Space on Optiom Features") << int(Qt::Key_Space) << int(Qt::Key_Down) << u"frmOption"_s;
+        QTest::newRow("Enter on the root") << int(Qt::Key_Enter) << int(Qt::Key_Up) << QString();
+    }
+
+    void treeFromTheKeyboard()
+    {
+        QFETCH(int, key);
+        QFETCH(int, move);
+        QFETCH(QString, opened);
+        h->open(0).show();
+        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
+        h->window->channelList()->parentWidget()->close();
+        QTRY_VERIFY(!h->window->channelList());
+        auto *tree = h->window->findChild<QTreeWidget *>(u"Tree0"_s);
+        const auto marked = [tree] {
+            const QRect node = tree->visualItemRect(tree->currentItem());
+            return tree->viewport()->grab().toImage().pixelColor(2, node.center().y());
+        };
+        const QColor highlight = QApplication::palette().color(QPalette::Highlight);
+        QVERIFY(marked() != highlight);
+        tree->setFocus(Qt::TabFocusReason);
+        QCOMPARE(marked(), highlight);
+
+        if (move)
+            QTest::keyClick(tree, Qt::Key(move));
+        QString shown;
+        if (opened == u"frmOption")
+            ShellHarness::whenModal([&shown](QDialog *form) {
+                shown = form->objectName();
+                form->reject();
+            });
+        QTest::keyClick(tree, Qt::Key(key));
+        if (opened == u"frmChannel")
+            shown = h->window->channelList() ? h->window->channelList()->objectName() : QString();
+        QCOMPARE(shown, opened);
+        QVERIFY(wr::MessageBox::history().isEmpty());
+    }
+
     void channelInfoReopensClosedList()
     {
         h->open();
@@ -295,7 +450,8 @@ private Q_SLOTS:
     }
 
     // Closing also keeps the memory as a backup, with what was typed into the
-    // grid; a backup that cannot be written goes unnoticed.
+    // grid and not saved (Exit's commit step does not save it); a backup that
+    // cannot be written goes unnoticed.
     void settingsWrittenAtClose_data()
     {
         QTest::addColumn<bool>("viaExit");
@@ -333,7 +489,7 @@ private Q_SLOTS:
             QCOMPARE(wr::test::readFile(h->backupFolder()), QByteArray("in the way"));
         } else {
             QCOMPARE(backups.size(), 1);
-            QCOMPARE(backups.first().reason, wr::BackupReason::Exit);
+            QCOMPARE(backups.first().reason, wr::BackupReason::ExitUnsaved);
             QCOMPARE(ShellHarness::rxOf(wr::DataFile::Read(backups.first().path).image, 4), u"438.10000"_s);
         }
 
@@ -452,6 +608,51 @@ private Q_SLOTS:
         QCOMPARE(shown, expectedShown);
         QCOMPARE(int(wr::app().PortNumber), stored);
         QCOMPARE(h->panel(1), u"COM"_s + QString::number(stored));
+    }
+
+    void portDetailsFramed_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::newRow("English") << 0;
+        QTest::newRow("Simplified Chinese") << 1;
+        QTest::newRow("Traditional Chinese") << 2;
+    }
+
+    // The box beside the port list shows all four sides, wherever the
+    // language's captions put it. CTest runs this at 150 % too, where a
+    // line on a widget's edge can fall outside the pixels it paints.
+    void portDetailsFramed()
+    {
+        QFETCH(int, language);
+        wr::frmComPort dialog(1, wr::Language(language));
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        const QImage image = dialog.grab().toImage();
+        const qreal scale = image.devicePixelRatio();
+        const QRectF box(dialog.findChild<QFrame *>(u"fraDetails"_s)->geometry());
+        const QRect pixels(QPoint(int(box.left() * scale), int(box.top() * scale)),
+                           QPoint(int(std::ceil((box.right() + 1) * scale)) - 1,
+                                  int(std::ceil((box.bottom() + 1) * scale)) - 1));
+        const int background = qGray(dialog.palette().color(QPalette::Window).rgb());
+        // A line within the three outermost pixels, half way along the side.
+        const auto lined = [&](QPoint edge, QPoint inward) {
+            for (int i = 0; i < 3; ++i) {
+                if (qGray(image.pixel(edge + inward * i)) < background - 24)
+                    return true;
+            }
+            return false;
+        };
+        const QPoint middle = pixels.center();
+        QStringList missing;
+        if (!lined({middle.x(), pixels.top()}, {0, 1}))
+            missing << u"top"_s;
+        if (!lined({pixels.left(), middle.y()}, {1, 0}))
+            missing << u"left"_s;
+        if (!lined({middle.x(), pixels.bottom()}, {0, -1}))
+            missing << u"bottom"_s;
+        if (!lined({pixels.right(), middle.y()}, {-1, 0}))
+            missing << u"right"_s;
+        QCOMPARE(missing, QStringList());
     }
 
     // The button and the version line.

@@ -16,6 +16,7 @@
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QProcess>
+#include <QProgressBar>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
@@ -32,7 +33,7 @@ private:
     // The virtual radio registered as COM200 in the test's own data home,
     // and the main window on that port. The radio's first line,
     // "COM200 <device>", says the link is in place.
-    bool startRadioAndWindow(const QStringList &arguments)
+    bool startRadioAndWindow(const QStringList &arguments, int language = 0)
     {
         const QString dataHome = filePath(u"data-home"_s);
         QDir().mkpath(dataHome);
@@ -46,7 +47,7 @@ private:
         for (QDeadlineTimer wait(10000); !m_radio.canReadLine() && !wait.hasExpired();)
             QTest::qWait(20);
         h->storeSetting(u"gbPort"_s, u"200"_s);
-        h->open(0);
+        h->open(language);
         return m_radio.readLine().startsWith("COM200 ");
     }
 
@@ -56,16 +57,21 @@ private:
     {
         wr::MessageBox::clearHistory();
         wr::MessageBox::setNextAnswer(QMessageBox::Ok);
+        trigger(item);
+        const QStringList shown = ShellHarness::shownBoxes();
+        QVERIFY(shown.size() >= 2);
+        QCOMPARE(shown.first(), u"Question|WR-PD6T|"_s + question);
+        QCOMPARE(shown.last().section(u'|', 2), done);
+    }
+
+    void trigger(const QString &item)
+    {
         // A transfer that hangs must not hang the suite: close the progress form.
         QTimer::singleShot(30000, h->window.get(), [] {
             if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
                 dialog->reject();
         });
         h->trigger(item);
-        const QStringList shown = ShellHarness::shownBoxes();
-        QVERIFY(shown.size() >= 2);
-        QCOMPARE(shown.first(), u"Question|WR-PD6T|"_s + question);
-        QCOMPARE(shown.last().section(u'|', 2), done);
     }
 
     void tearDown() override
@@ -112,24 +118,86 @@ private Q_SLOTS:
         QCOMPARE(h->gridRx(100), u"145.50000"_s);
     }
 
+    void interruptedWrite_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QStringList>("radio");  // the virtual radio's faults
+        QTest::addColumn<bool>("cancelInForm");  // at 40 %; else the lost-connection question is answered Cancel
+        QTest::addColumn<QStringList>("shown");  // how each message box begins: "Icon|title|text"
+
+        QTest::newRow("Cancel at 40 %, in Simplified Chinese")
+            << 1 << QStringList{} << true
+            << QStringList{u"Question|WR-PD6T|向对讲机写入数据。"_s,
+                           u"Warning|WR-PD6T|对讲机只写入了一部分：COM200 上的写入没有完成。\n请重新写入对讲机后再使用。"_s};
+        QTest::newRow("the radio falls silent at 40 %, the question answered Cancel, in Traditional Chinese")
+            << 2 << QStringList{u"--hang-up-after"_s, u"75"_s} << false
+            << QStringList{u"Question|WR-PD6T|向對講機寫入數據。"_s, u"Critical|錯誤|檢測連接。重試或取消？"_s,
+                           u"Warning|WR-PD6T|對講機只寫入了一部分：COM200 上的寫入沒有完成。\n請重新寫入對講機後再使用。"_s};
+        // Refused before the first row: the radio is as it was.
+        QTest::newRow("another radio answers")
+            << 0 << QStringList{u"--wrong-id"_s} << false
+            << QStringList{u"Question|WR-PD6T|Write data to radio."_s, u"Critical|Error|Check Connection. Retry or Cancel?"_s};
+    }
+
+    // A write that stops after its first row, however it stops, ends with a
+    // warning after the prescribed messages: the radio holds part of it.
+    void interruptedWrite()
+    {
+        QFETCH(int, language);
+        QFETCH(QStringList, radio);
+        QFETCH(bool, cancelInForm);
+        QFETCH(QStringList, shown);
+        QVERIFY(startRadioAndWindow(radio, language));
+        wr::MessageBox::clearHistory();
+        wr::MessageBox::setNextAnswer(QMessageBox::Ok);
+        if (!cancelInForm)
+            wr::MessageBox::setNextAnswer(QMessageBox::Cancel);
+        QTimer atForty;
+        connect(&atForty, &QTimer::timeout, this, [&] {
+            QWidget *form = QApplication::activeModalWidget();
+            if (form && form->objectName() == u"frmclone" && form->findChild<QProgressBar *>(u"prgPercent"_s)->value() >= 75) {
+                atForty.stop();
+                QTest::mouseClick(form->findChild<QPushButton *>(u"cmdCancel"_s), Qt::LeftButton);
+            }
+        });
+        if (cancelInForm)
+            atForty.start(5);
+        trigger(u"mnuWrite"_s);
+
+        const QStringList boxes = ShellHarness::shownBoxes();
+        QCOMPARE(boxes.size(), shown.size());
+        for (qsizetype i = 0; i < shown.size(); ++i)
+            QVERIFY2(boxes.at(i).startsWith(shown.at(i)), qPrintable(boxes.at(i)));
+    }
+
     // Every completed read is kept as a backup; a data folder that cannot
-    // take one changes nothing about the read.
+    // take one changes nothing about the read. Unsaved changes that the read
+    // replaces are kept before it, and its question says so.
     void readKeepsBackup_data()
     {
         QTest::addColumn<bool>("blocked"); // by a file named "backups"
-        QTest::newRow("backup written") << false;
-        QTest::newRow("backups blocked") << true;
+        QTest::addColumn<bool>("edited");  // channel 7 typed into the grid, not saved
+        QTest::newRow("backup written") << false << false;
+        QTest::newRow("backups blocked") << true << false;
+        QTest::newRow("unsaved changes kept first") << false << true;
+        QTest::newRow("unsaved changes, backups blocked") << true << true;
     }
 
     void readKeepsBackup()
     {
         QFETCH(bool, blocked);
+        QFETCH(bool, edited);
         const QString inRadio = filePath(u"in-radio.tw"_s);
         QVERIFY(ShellHarness::writeDataFile(inRadio, ShellHarness::imageWithChannels(1, 40)));
         if (blocked)
             QVERIFY(QDir().mkpath(h->dataFolder()) && wr::test::writeFile(h->backupFolder(), "in the way"));
         QVERIFY(startRadioAndWindow({u"--image"_s, inRadio}));
-        transfer(u"mnuRead"_s, u"Read data from radio.\nDo you wish to continue?"_s, u"Reading completed!"_s);
+        if (edited)
+            h->editRx(7, u"145.5"_s);
+        QString question = u"Read data from radio.\nDo you wish to continue?"_s;
+        if (edited)
+            question += u"\nThe unsaved changes will be kept as a backup (File → Backups…)."_s;
+        transfer(u"mnuRead"_s, question, u"Reading completed!"_s);
 
         QCOMPARE(wr::MessageBox::history().size(), 2); // the question and "Reading completed!"
         QCOMPARE(h->gridRx(40), u"440.12500"_s);
@@ -139,9 +207,13 @@ private Q_SLOTS:
             QCOMPARE(wr::test::readFile(h->backupFolder()), QByteArray("in the way"));
             return;
         }
-        QCOMPARE(backups.size(), 1);
+        QCOMPARE(backups.size(), edited ? 2 : 1);
         QCOMPARE(backups.first().reason, wr::BackupReason::Read);
         QCOMPARE(wr::DataFile::Read(backups.first().path).image, wr::app().image.bytes());
+        if (edited) {
+            QCOMPARE(backups.last().reason, wr::BackupReason::BeforeRead);
+            QCOMPARE(ShellHarness::rxOf(wr::DataFile::Read(backups.last().path).image, 7), u"145.50000"_s);
+        }
     }
 
     // Read, edit a channel and write with the keyboard alone, as a user

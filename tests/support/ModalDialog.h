@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QPointer>
 #include <QTimer>
 
 #include <functional>
@@ -9,8 +10,10 @@
 namespace wr::test {
 
 // Runs handler on the next modal dialog once it is up (the command that
-// opens it blocks in exec()). For GUI tests, which link Qt Widgets.
-inline void whenModal(std::function<void(QDialog *)> handler)
+// opens it blocks in exec()). For GUI tests, which link Qt Widgets. A test
+// for which no dialog may come deletes the returned watch at its end, so it
+// never acts on a later test's dialog.
+inline QPointer<QTimer> whenModal(std::function<void(QDialog *)> handler)
 {
     auto *poll = new QTimer;
     poll->setInterval(10);
@@ -23,6 +26,7 @@ inline void whenModal(std::function<void(QDialog *)> handler)
         handler(dialog);
     });
     poll->start();
+    return poll;
 }
 
 } // namespace wr::test

@@ -9,31 +9,13 @@
 
 namespace wr::test {
 
-void initTestProcess()
-{
-    QStandardPaths::setTestModeEnabled(true);
-}
-
-Fixture::Fixture()
-    : m_dir(std::make_unique<QTemporaryDir>())
+void resetProcessState()
 {
     QStandardPaths::setTestModeEnabled(true);
     QLocale::setDefault(QLocale::c());
     app() = AppState{};
     app().ToneTable = BuildToneTable(app().LanguageIndex);
     app().image.InitImage();
-}
-
-Fixture::~Fixture() = default;
-
-QString Fixture::path(const QString &name) const
-{
-    return m_dir->filePath(name);
-}
-
-QString Fixture::folder() const
-{
-    return m_dir->path();
 }
 
 QByteArray readFile(const QString &path)

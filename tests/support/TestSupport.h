@@ -2,30 +2,13 @@
 
 #include <QByteArray>
 #include <QString>
-#include <QTemporaryDir>
-
-#include <memory>
 
 namespace wr::test {
 
-// A clean start for every test function: standard paths in test mode, the C
-// locale, a fresh application state with a fresh image, and a temporary
-// folder that disappears with the fixture.
-class Fixture
-{
-public:
-    Fixture();
-    ~Fixture();
-
-    QString path(const QString &name) const; // a file name in the temporary folder
-    QString folder() const;
-
-private:
-    std::unique_ptr<QTemporaryDir> m_dir;
-};
-
-// Call once from initTestCase(): standard paths in test mode.
-void initTestProcess();
+// A clean start for a test function: standard paths in test mode, the C
+// locale, and a fresh application state with a fresh image. The suite base
+// (TestSuite.h) runs it before every test function.
+void resetProcessState();
 
 // Reads a whole file; an empty array when it cannot be read.
 QByteArray readFile(const QString &path);

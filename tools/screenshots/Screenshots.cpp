@@ -5,12 +5,15 @@
 // (QT_SCALE_FACTOR=1.5 for 150 %).
 // The progress form is also shown retrying and searching the ports against a
 // silent virtual radio and verifying a write, the port dialog after its
-// connection test, and the port error and verification boxes with made-up
-// devices and rows. For each dialog, focus-*.png shows it once for every
-// stop of the Tab key, to check that the focus can be seen on every control.
+// connection test, and the port error and verification boxes and the
+// warning of a radio left partly written, with made-up devices and rows. For
+// each dialog, focus-*.png shows it once for every stop of the Tab key, to
+// check that the focus can be seen on every control.
 #include "channels/ChannelRecord.h"
+#include "channels/frmChannel.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
+#include "file/Backups.h"
 #include "link/CloneEngine.h"
 #include "link/PortCatalogue.h"
 #include "link/PortProblem.h"
@@ -21,6 +24,7 @@
 #include "ui/Accessible.h"
 #include "ui/MessageBox.h"
 #include "shell/frmAbout.h"
+#include "shell/frmBackups.h"
 #include "shell/frmComPort.h"
 #include "features/frmKey.h"
 #include "features/frmMemoryMap.h"
@@ -273,6 +277,36 @@ void savePortBoxes(QWidget *window, int language, const QString &folder, const Q
     differs.differingRows = {5, 120, 230, 300, 409};
     saveBox(window, QMessageBox::Warning, wr::ModelName(), wr::outcomeText(differs, language), QMessageBox::Ok,
             folder, QStringLiteral("verify-failed-") + tag);
+
+    // The warning after a write that stopped part way.
+    wr::TransferOutcome partly;
+    partly.read = false;
+    partly.port = 33;
+    partly.partlyWritten = {33};
+    saveBox(window, QMessageBox::Warning, wr::ModelName(), wr::partlyWrittenText(partly, language), QMessageBox::Ok,
+            folder, QStringLiteral("partly-written-") + tag);
+}
+
+// The backups dialog with one backup of each kind, a day of work apart,
+// and once before there are any.
+void saveBackups(QWidget *window, wr::Language language, const QString &folder, const QString &tag)
+{
+    QTemporaryDir backups;
+    wr::frmBackups none(backups.path(), language, window);
+    save(&none, folder, QStringLiteral("backups-none-") + tag);
+    using enum wr::BackupReason;
+    const wr::BackupReason reasons[]{Read, BeforeMemoryMap, BeforeNew, BeforeRead, Read, BeforeOpen, Exit, ExitUnsaved};
+    QDateTime time(QDate(2026, 11, 23), QTime(9, 12, 40));
+    int channels = 16;
+    for (const wr::BackupReason reason : reasons) {
+        wr::Backups::keep(backups.path(), wr::app().image, reason, time);
+        const wr::ChannelTexts texts = wr::ReadChannelTexts(wr::app().image, 1, language);
+        wr::CreateChannel(wr::app().image, channels += 3);
+        wr::SaveChannel(wr::app().image, channels, texts);
+        time = time.addSecs(3 * 3600 + 17 * 60);
+    }
+    wr::frmBackups form(backups.path(), language, window);
+    save(&form, folder, QStringLiteral("backups-") + tag);
 }
 
 } // namespace
@@ -301,6 +335,10 @@ int main(int argc, char *argv[])
         fillSomeChannels(wr::app());
         window.RefreshMainWindow();
         save(&window, folder, QStringLiteral("main-window-") + tag);
+        // A typed frequency the list corrected, explained in the status bar.
+        Q_EMIT window.channelList()->valueCorrected({7, wr::ColRx, QStringLiteral("7"), QStringLiteral("174.00000"),
+                                                     wr::TypedCorrection::Reason::BelowBands});
+        save(&window, folder, QStringLiteral("main-window-correction-") + tag);
 
         wr::frmComPort port(wr::app().PortNumber, language, &window);
         save(&port, folder, QStringLiteral("port-dialog-") + tag);
@@ -308,6 +346,7 @@ int main(int argc, char *argv[])
         save(&languageForm, folder, QStringLiteral("language-form-") + tag);
         wr::frmAbout about(language, &window);
         save(&about, folder, QStringLiteral("about-box-") + tag);
+        saveBackups(&window, language, folder, tag);
         saveFocusStops(&languageForm, folder, QStringLiteral("language-form-") + tag);
         saveFocusStops(&port, folder, QStringLiteral("port-dialog-") + tag);
         saveFocusStops(&about, folder, QStringLiteral("about-box-") + tag);

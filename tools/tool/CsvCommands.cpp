@@ -67,13 +67,17 @@ int runImport(const QStringList &arguments)
               << limits[RxUpper1] << " and " << limits[RxLower2] << '-' << limits[RxUpper2] << " MHz\n";
     }
 
-    const CsvImport import = readChannelCsv(file.text, limits);
+    // Rows without a Location go into the channels from 1 on; a row giving
+    // some of the channel list's cells only changes a channel in use.
+    const ChannelTable table = ChannelTable::load(*image, English);
+    const CsvImport import = readChannelCsv(file.text, limits, {.table = &table});
     if (import.refused)
-        return fileFailure(csvPath, QStringLiteral("no Location or no Frequency column: not a CHIRP channel list"));
+        return fileFailure(csvPath,
+                           QStringLiteral("no Frequency column and no column of the channel list: not a channel list"));
     for (const ImportNote &note : import.notes) {
         err() << csvPath << ':' << note.line << ": ";
-        if (!note.column.isEmpty())
-            err() << note.column << ' ';
+        if (const QString column = note.columnName(English); !column.isEmpty())
+            err() << column << ' ';
         err() << '"' << note.value << "\": " << note.text(English) << '\n';
     }
     err() << csvPath << ": " << import.imported << " rows imported (" << import.changed << " changed), "

@@ -1,16 +1,21 @@
 // The diff subcommand of wrpd6t-tool: what differs between two data files,
 // in the words a dealer reads elsewhere: the channels as the channel list
-// shows them, the settings and keys as info --settings prints them, the FM
-// radio as info --fm does, and every other differing byte by its address.
+// shows them (a channel new or deleted on one line with its values), the
+// settings and keys as info --settings prints them, the FM radio as info --fm
+// does, the band limits in MHz, and every other differing byte by its
+// address.
 
 #include "Commands.h"
 
 #include "channels/ChannelRecord.h"
+#include "core/BandLimits.h"
+#include "core/ImageFields.h"
 #include "core/Language.h"
 #include "core/MemoryImage.h"
 #include "features/FmRadio.h"
 #include "features/SettingsReport.h"
 
+#include <algorithm>
 #include <array>
 #include <span>
 
@@ -47,6 +52,8 @@ constexpr Span ChannelSpans[]{{0, 12, 0xFF}, {ChannelRecord::FlagsByte, 1, 0x4F}
 constexpr int ChannelBitmaps[]{ChannelRecord::EmptyBitmapRow * MemoryImage::RowSize,
                                ChannelRecord::ScanSkipBitmapRow * MemoryImage::RowSize};
 constexpr ItemLayout ChannelLayout{0, MemoryImage::RowSize, ChannelSpans, ChannelBitmaps};
+constexpr Span WholeChannel[]{{0, MemoryImage::RowSize, 0xFF}};
+constexpr ItemLayout WholeChannelLayout{0, MemoryImage::RowSize, WholeChannel, {}};
 
 // An FM channel or the VFO: four bytes of frequency.
 constexpr Span FrequencySpans[]{{0, 4, 0xFF}};
@@ -64,6 +71,22 @@ std::array<QString, ChannelColumnCaptions.size() - 1> cells(const ChannelTexts &
 // An empty cell: a channel not in use, no separate transmit side, an empty
 // FM channel, a list with no selection.
 constexpr Text EmptyCell{u"(empty)", u"（空）", u"（空）"};
+
+// A channel in use on one side only.
+constexpr Text NewChannel{u"new", u"新增", u"新增"};
+constexpr Text DeletedChannel{u"deleted", u"已删除", u"已刪除"};
+
+// The band limits the radio reports in row 416, by direction: the limits of
+// band 1 and band 2 (BandLimit order) and the bytes that hold them.
+struct BandLine
+{
+    Text caption;
+    std::array<int, 4> limits; // lower and upper of band 1, then of band 2
+};
+constexpr BandLine BandLines[]{
+    {{u"Rx bands", u"接收频段", u"接收頻段"}, {RxLower1, RxUpper1, RxLower2, RxUpper2}},
+    {{u"Tx bands", u"发射频段", u"發射頻段"}, {TxLower1, TxUpper1, TxLower2, TxUpper2}},
+};
 
 QString hex(int value, int digits)
 {
@@ -87,6 +110,7 @@ public:
         compareChannels();
         compareSettings();
         compareFm();
+        compareBandLimits();
         compareBytes();
         return m_lines;
     }
@@ -120,18 +144,50 @@ private:
         for (int channel = 1; channel <= ChannelRecord::ChannelCount; ++channel) {
             const auto before = cells(ReadChannelTexts(m_a, channel, m_language));
             const auto after = cells(ReadChannelTexts(m_b, channel, m_language));
-            QStringList changes;
-            for (std::size_t cell = 0; cell < before.size(); ++cell) {
-                if (before[cell] != after[cell])
-                    changes.append(ChannelColumnCaptions[cell + 1].in(m_language) + u' '
-                                   + change(before[cell], after[cell]));
-            }
-            if (changes.isEmpty())
+            if (before == after)
                 continue;
-            m_lines.append(QStringLiteral("%1 %2: ").arg(ChannelColumnCaptions[0].in(m_language)).arg(channel)
-                           + changes.join(QStringLiteral(", ")));
+            QString line = QStringLiteral("%1 %2").arg(ChannelColumnCaptions[0].in(m_language)).arg(channel);
+            const bool added = isEmpty(before);
             explain(ChannelLayout, channel - 1);
+            if (added || isEmpty(after)) {
+                // The whole record came or went with it, the bytes no
+                // column shows (a new channel's defaults) included.
+                explain(WholeChannelLayout, channel - 1);
+                line += u' ' + (added ? NewChannel : DeletedChannel).in(m_language) + QStringLiteral(": ")
+                    + values(added ? after : before);
+            } else {
+                line += QStringLiteral(": ") + changes(before, after);
+            }
+            m_lines.append(line);
         }
+    }
+
+    using Cells = decltype(cells(ChannelTexts{}));
+
+    static bool isEmpty(const Cells &row)
+    {
+        return std::all_of(row.begin(), row.end(), [](const QString &cell) { return cell.isEmpty(); });
+    }
+
+    // The cells a channel has, each after its column's caption.
+    QString values(const Cells &row) const
+    {
+        QStringList shown;
+        for (std::size_t cell = 0; cell < row.size(); ++cell) {
+            if (!row[cell].isEmpty())
+                shown.append(ChannelColumnCaptions[cell + 1].in(m_language) + u' ' + row[cell]);
+        }
+        return shown.join(QStringLiteral(", "));
+    }
+
+    QString changes(const Cells &before, const Cells &after) const
+    {
+        QStringList shown;
+        for (std::size_t cell = 0; cell < before.size(); ++cell) {
+            if (before[cell] != after[cell])
+                shown.append(ChannelColumnCaptions[cell + 1].in(m_language) + u' ' + change(before[cell], after[cell]));
+        }
+        return shown.join(QStringLiteral(", "));
     }
 
     void compareSettings()
@@ -165,6 +221,38 @@ private:
         }
     }
 
+    // The band limits as ranges in MHz, "136-174, 400-490 MHz", as the radio
+    // stores them: four BCD digits of 100 kHz each, so a limit may have a
+    // tenth. A radio never read has none (erased).
+    QString bands(const MemoryImage &image, const BandLine &line) const
+    {
+        const auto limit = [&image](int which) {
+            const int tenths = bcdByteValue(image.ReadByte(BandLimitsRow, 2 * which)) * 100
+                + bcdByteValue(image.ReadByte(BandLimitsRow, 2 * which + 1));
+            return tenths % 10 ? QStringLiteral("%1.%2").arg(tenths / 10).arg(tenths % 10) : QString::number(tenths / 10);
+        };
+        if (std::all_of(line.limits.begin(), line.limits.end(),
+                        [&image](int which) { return image.ReadByte(BandLimitsRow, 2 * which) == MemoryImage::Erased; }))
+            return {};
+        return QStringLiteral("%1-%2, %3-%4 MHz")
+            .arg(limit(line.limits[0]), limit(line.limits[1]), limit(line.limits[2]), limit(line.limits[3]));
+    }
+
+    void compareBandLimits()
+    {
+        for (const BandLine &line : BandLines) {
+            const QString before = bands(m_a, line);
+            const QString after = bands(m_b, line);
+            if (before == after)
+                continue;
+            m_lines.append(line.caption.in(m_language) + QStringLiteral(": ") + change(before, after));
+            for (const int which : line.limits) {
+                explain(BandLimitsRow * MemoryImage::RowSize + 2 * which, 0xFF);
+                explain(BandLimitsRow * MemoryImage::RowSize + 2 * which + 1, 0xFF);
+            }
+        }
+    }
+
     // Whatever differs in bits no line above shows.
     void compareBytes()
     {
@@ -187,8 +275,9 @@ int runDiff(const QStringList &arguments)
 {
     CommandLine line(QStringLiteral("diff"),
                      QStringLiteral("Lists what differs between two data files, one line each: channels (number, "
-                                    "then the columns that differ), settings and keys as info --settings names "
-                                    "them, the FM radio, then any other byte by its image address. Exit status 0 "
+                                    "then the columns that differ; a channel new or deleted with its values), "
+                                    "settings and keys as info --settings names them, the FM radio, the band "
+                                    "limits in MHz, then any other byte by its image address. Exit status 0 "
                                     "when the memories are the same, 1 when they differ, 2 when a file cannot be "
                                     "read."));
     line.addLanguageOption();

@@ -173,7 +173,10 @@ int runBackups(const QStringList &arguments)
     CommandLine line(QStringLiteral("backups"),
                      QStringLiteral("Lists the automatic backups in %1, newest first, tab-separated: when each "
                                     "was kept, why (read: read from a radio; exit: the memory when the program "
-                                    "closed), how many channels are in use, and the data file.")
+                                    "closed, exit-unsaved: with unsaved changes; before-read, before-new, "
+                                    "before-open: unsaved changes that a read, New or Open replaced; "
+                                    "before-memory-map: the memory that the memory map's OK overwrote), how "
+                                    "many channels are in use, and the data file.")
                          .arg(folder));
     if (const auto status = line.parse(arguments))
         return *status;

@@ -22,9 +22,12 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFileInfo>
+#include <QSocketNotifier>
 #include <QTimer>
 
+#include <csignal>
 #include <cstdio>
+#include <iterator>
 #include <memory>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -95,6 +98,53 @@ bool askRetry(const TransferOutcome &outcome)
         return false;
     return line[0] == 'r' || line[0] == 'R';
 }
+
+// Ctrl+C (or the system's request to stop) while radios are written: the
+// transfers end as Cancel ends one in the progress form, so that the summary
+// can still name the radios left partly written. A second one stops the
+// tool at once. No SA_RESTART: a question waiting on the terminal gets no
+// line and is answered Cancel.
+class CancelOnSignal
+{
+public:
+    explicit CancelOnSignal(CloneBatch &batch)
+    {
+        if (::pipe(s_pipe) != 0)
+            return;
+        m_notifier = std::make_unique<QSocketNotifier>(s_pipe[0], QSocketNotifier::Read);
+        QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this, &batch] {
+            m_notifier->setEnabled(false);
+            batch.cancel();
+        });
+        struct sigaction action = {};
+        action.sa_handler = [](int) {
+            const char byte = 1;
+            [[maybe_unused]] const ssize_t written = ::write(s_pipe[1], &byte, 1);
+        };
+        action.sa_flags = SA_RESETHAND;
+        sigemptyset(&action.sa_mask);
+        for (std::size_t i = 0; i < std::size(Signals); ++i)
+            ::sigaction(Signals[i], &action, &m_previous[i]);
+    }
+    ~CancelOnSignal()
+    {
+        if (!m_notifier)
+            return;
+        for (std::size_t i = 0; i < std::size(Signals); ++i)
+            ::sigaction(Signals[i], &m_previous[i], nullptr);
+        m_notifier.reset();
+        ::close(s_pipe[0]);
+        ::close(s_pipe[1]);
+    }
+    CancelOnSignal(const CancelOnSignal &) = delete;
+    CancelOnSignal &operator=(const CancelOnSignal &) = delete;
+
+private:
+    static constexpr int Signals[] = {SIGINT, SIGTERM};
+    static inline int s_pipe[2] = {-1, -1};
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    struct sigaction m_previous[std::size(Signals)] = {};
+};
 
 // The progress of the transfers, one line per port: redrawn in place on a
 // terminal (at most every RedrawMs), otherwise a plain line for each
@@ -219,6 +269,11 @@ std::unique_ptr<CloneBatch> runBatch(CloneEngine::Direction direction, const QLi
     }
     auto batch = std::make_unique<CloneBatch>(direction, ports, image, options);
     progress = std::make_unique<BatchProgress>(*batch);
+    // A read stopped by Ctrl+C saves nothing and leaves the radio as it was:
+    // the tool just stops.
+    std::unique_ptr<CancelOnSignal> cancelOnSignal;
+    if (direction == CloneEngine::Direction::Write)
+        cancelOnSignal = std::make_unique<CancelOnSignal>(*batch);
     QEventLoop loop;
     QObject::connect(batch.get(), &CloneBatch::changed, [&](int index) { progress->changed(index); });
     QObject::connect(batch.get(), &CloneBatch::finished, &loop, &QEventLoop::quit);
@@ -229,10 +284,14 @@ std::unique_ptr<CloneBatch> runBatch(CloneEngine::Direction direction, const QLi
 }
 
 // The summary line of a radio: its port and how the transfer ended, in the
-// words of the progress form, what to do on the lines under it.
+// words of the progress form, what to do on the lines under it, and last
+// the warning of a radio left partly written.
 QString summary(const CloneBatch::Radio &radio)
 {
     QString text = indented(outcomeText(radio.outcome, English, Wording::CommandLine));
+    const QString partly = partlyWrittenText(radio.outcome, English);
+    if (!partly.isEmpty())
+        text += QStringLiteral("\n  ") + indented(partly);
     // The port's problem already begins with the port's name.
     const TransferOutcome::Kind kind = radio.outcome.kind;
     if (kind == TransferOutcome::Kind::PortFailed || kind == TransferOutcome::Kind::PortLost)
@@ -308,10 +367,15 @@ int readRadios(const QList<int> &ports, const QString &path, bool each)
 int writeRadios(const QList<int> &ports, const MemoryImage &image, bool verify)
 {
     const std::unique_ptr<CloneBatch> batch = runBatch(CloneEngine::Direction::Write, ports, image, verify);
-    for (int i = 0; i < batch->count(); ++i)
+    // A radio found by the port search may be written whole while the one
+    // first tried was left partly written: that is no success either.
+    bool partly = false;
+    for (int i = 0; i < batch->count(); ++i) {
         err() << summary(batch->radio(i)) << '\n';
+        partly = partly || !batch->radio(i).outcome.partlyWritten.isEmpty();
+    }
     err().flush();
-    return batch->allCompleted() ? Success : Failure;
+    return batch->allCompleted() && !partly ? Success : Failure;
 }
 
 int ports(const QStringList &arguments)
@@ -371,7 +435,9 @@ int write(const QStringList &arguments)
     CommandLine line(QStringLiteral("write"),
                      QStringLiteral("Writes a data file into the radio on COM<N>. Given several ports, writes all "
                                     "those radios at once, one line of progress each; the exit status is 0 only "
-                                    "when every radio was written (and, with --verify, read back equal)."));
+                                    "when every radio was written (and, with --verify, read back equal). A radio "
+                                    "whose write stopped after its first row, Ctrl+C included, is named as only "
+                                    "partly written: write it again before using it."));
     const QCommandLineOption verify(QStringLiteral("verify"),
                                     QStringLiteral("Read every radio back after writing it and compare it byte for "
                                                    "byte; a radio that differs names the first rows that do."));
