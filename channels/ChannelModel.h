@@ -18,6 +18,11 @@ namespace wr {
 //   ...
 //   row 128   128                                        an empty channel
 //
+// A screen reader hears a cell as Qt::AccessibleTextRole says it, in the
+// language of the words: "Channel 12, Rx 145.50000 megahertz", "decode tone
+// D023 inverted", "encode tone 88.5 hertz", "power Low", and on every cell of
+// an empty channel "Channel 12, empty".
+//
 // The model only shows the channels: the list's editors and tools change
 // them through its history (ChannelHistory), which calls setChannels.
 class ChannelModel : public QAbstractTableModel
@@ -40,6 +45,8 @@ public:
     Language language() const { return m_language; }
     // The text of a cell, as shown; "" outside the table.
     QString cellText(int row, int column) const;
+    // What a screen reader says for a cell.
+    QString spokenText(int row, int column) const;
 
     // A new working copy, its words and the captions in `language`. Every
     // cell changes, the rows stay: a view keeps its current cell and

@@ -10,6 +10,7 @@
 #include "core/AppState.h"
 #include "core/Language.h"
 #include "core/ToneCodec.h"
+#include "ui/Accessible.h"
 
 #include <QAbstractItemView>
 #include <QCloseEvent>
@@ -54,6 +55,9 @@ bool isAsciiDigit(QChar c)
 
 // Name of a step of the history.
 constexpr Text EditStep{u"Edit", u"编辑", u"編輯"};
+
+// What a screen reader calls the list; its window caption stays empty.
+constexpr Text ChannelListName{u"Channel list", u"信道列表", u"信道列表"};
 
 } // namespace
 
@@ -139,8 +143,10 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
         m_bulk->watchEditor(editor);
     connect(m_filter, &ChannelFilterBar::shownChanged, this, &frmChannel::channelsShown);
 
+    openMenuByKeys(m_grid);
     RefreshChannelOP();
     RefreshChannel();
+    keepCurrentCell(m_grid);
 }
 
 frmChannel::~frmChannel() = default;
@@ -222,6 +228,8 @@ void frmChannel::RefreshChannelOP()
 void frmChannel::SetupChannelGrid()
 {
     setWindowTitle(QString());
+    setAccessibleName(ChannelListName.in(language()));
+    m_grid->setAccessibleName(ChannelListName.in(language()));
     QFont headerFont = m_grid->font();
     headerFont.setPointSize(HeaderPointSize);
     m_grid->horizontalHeader()->setFont(headerFont);
@@ -396,6 +404,10 @@ QWidget *frmChannel::editorFor(const QModelIndex &cell, const QString &text)
 {
     if (cell.row() < 1 || cell.row() > lastChannel() || m_grid->isRowHidden(cell.row()))
         return nullptr; // the filter's hidden rows are not edited unseen
+    // An editor is named after its column: it has no label of its own.
+    for (QWidget *editor : std::initializer_list<QWidget *>{m_text, m_combo[0], m_combo[1]})
+        editor->setAccessibleName(headerText(cell.column(), language()));
+    nameListTexts(this);
     switch (cell.column()) {
     case ColRx:
     case ColTx:
@@ -593,9 +605,7 @@ bool frmChannel::eventFilter(QObject *watched, QEvent *event)
         const auto *mouse = static_cast<QMouseEvent *>(event);
         const auto gesture = Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier;
         if (mouse->button() == Qt::RightButton && (mouse->modifiers() & gesture) == gesture) {
-            commitOpenEditor();
-            SaveData();
-            Q_EMIT memoryMapRequested();
+            requestMemoryMap();
             return true;
         }
     }

@@ -49,6 +49,9 @@ class SettingsStore;
 // (ChannelTools) work on the rows with a cell selected, or on the current
 // row, and the fills (ChannelBulkEdit) on the cells. The filter line above
 // the grid (ChannelFilterBar) hides the rows of the channels it leaves out.
+// The context menu opens on a right click, the menu key or Shift+F10. A
+// screen reader hears the list as "Channel list" and its cells as the model
+// says them (ChannelModel).
 // Every change of the working copy, an edit in a cell included, is one step
 // of the undo history; a language switch keeps the history, any other
 // reload starts a new one.
@@ -79,6 +82,16 @@ public:
     // other than the program's (the exit backup's copy).
     void saveInto(MemoryImage &image);
 
+    // Commits the open editor, saves the grid and asks for the memory map,
+    // as the gesture on the grid does; the main window's key for the map
+    // runs it too.
+    void requestMemoryMap()
+    {
+        commitOpenEditor();
+        SaveData();
+        Q_EMIT memoryMapRequested();
+    }
+
     // Commits whichever in-place editor is open and gives the focus back to
     // the grid. The main window runs it before every command.
     void commitOpenEditor();
@@ -108,7 +121,8 @@ public:
     QList<int> selectedChannels() const override;
 
 Q_SIGNALS:
-    // Right click with Shift, Ctrl and Alt held, after the grid was saved.
+    // Right click with Shift, Ctrl and Alt held, or Ctrl+Shift+Alt+M, after
+    // the grid was saved.
     void memoryMapRequested();
     // A value typed into a cell was stored as another (7 became 174.00000);
     // the main window shows it in its status bar.

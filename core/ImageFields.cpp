@@ -132,28 +132,33 @@ QString FieldLine::text() const
     return caption + u':' + (value.isEmpty() ? QString() : u' ' + value);
 }
 
-QList<FieldLine> describeFields(const MemoryImage &image, const FieldTable &table, std::span<const ReportLine> lines,
-                                int languageIndex)
+QString lineCaption(const FieldTable &table, const ReportLine &line, int languageIndex)
+{
+    QStringList name;
+    for (const QStringView caption : {line.caption, line.subCaption}) {
+        if (!caption.isEmpty())
+            name.append(captionText(table, caption, languageIndex));
+    }
+    return name.join(u' ');
+}
+
+QList<FieldLine> describeFields(const MemoryImage &image, const FieldTable &table, int languageIndex)
 {
     QList<FieldLine> report;
-    for (const ReportLine &line : lines) {
-        QStringList name;
-        for (const QStringView caption : {line.caption, line.subCaption}) {
-            if (!caption.isEmpty())
-                name.append(captionText(table, caption, languageIndex));
-        }
+    for (const ReportLine &line : table.lines) {
+        QString name = lineCaption(table, line, languageIndex);
         for (const ListField &list : table.lists) {
             // A list that holds no field shows no selection and no bits.
             if (list.control == line.field)
-                report.append({name.join(u' '), list.items(languageIndex).value(list.load(image)),
+                report.append({name, list.items(languageIndex).value(list.load(image)),
                                list.bits.value_or(BitField{0, 0, 0})});
         }
         for (const CheckField &check : table.checks) {
             if (check.control != line.field)
                 continue;
             if (name.isEmpty())
-                name.append(check.text.in(languageIndex));
-            report.append({name.join(u' '), (check.load(image) ? Words::On : Words::Off).in(languageIndex), check.bit});
+                name = check.text.in(languageIndex);
+            report.append({name, (check.load(image) ? Words::On : Words::Off).in(languageIndex), check.bit});
         }
     }
     return report;

@@ -101,6 +101,16 @@ struct Caption
     Text text;
 };
 
+// One line of a text report of a form's fields: the list or check box (by
+// objectName) and the captions of the table that name it, joined by a
+// space. Without captions a check box is named by its own text.
+struct ReportLine
+{
+    QStringView field;
+    QStringView caption = {};
+    QStringView subCaption = {};
+};
+
 // Every field of one form, as data. Bytes in `rebuiltBytes` are cleared
 // before the fields are stored into them, so that the bits no field covers
 // end up 0; every other byte keeps the bits its fields do not cover.
@@ -110,6 +120,12 @@ struct FieldTable
     std::span<const ListField> lists = {};
     std::span<const CheckField> checks = {};
     std::span<const int> rebuiltBytes = {};
+    // How a report and a screen reader name the fields: a list or check box
+    // is named by its line's captions ("P1 Short Press").
+    std::span<const ReportLine> lines = {};
+    // Names written for controls that show no caption and have no label
+    // (a read-only text, a grid), said by a screen reader.
+    std::span<const Caption> spokenNames = {};
 };
 
 // What a form's controls hold: the position of each list and the state of
@@ -126,16 +142,6 @@ FieldValues loadFields(const MemoryImage &image, const FieldTable &table);
 // Clears the rebuilt bytes, then stores every list and check box.
 void storeFields(MemoryImage &image, const FieldTable &table, const FieldValues &values);
 
-// One line of a text report of a form's fields: the list or check box (by
-// objectName) and the captions of the table that name it, joined by a
-// space. Without captions a check box is named by its own text.
-struct ReportLine
-{
-    QStringView field;
-    QStringView caption = {};
-    QStringView subCaption = {};
-};
-
 // A line of the report as shown, with the bits of the image it shows.
 struct FieldLine
 {
@@ -147,10 +153,14 @@ struct FieldLine
     QString text() const;
 };
 
-// A line for each report line, in a language, with the texts the form
-// shows: a list's selected item, On or Off for a check box; a list without
-// a selection has no value. A caption's closing colon is left out.
-QList<FieldLine> describeFields(const MemoryImage &image, const FieldTable &table, std::span<const ReportLine> lines,
-                                int languageIndex);
+// The name of a report line in a language: its captions joined by a space,
+// each without its closing colon; empty when the line has no caption.
+QString lineCaption(const FieldTable &table, const ReportLine &line, int languageIndex);
+
+// A line for each of the table's report lines, in a language, with the texts
+// the form shows: a list's selected item, On or Off for a check box; a list
+// without a selection has no value. Without captions a check box is named by
+// its own text.
+QList<FieldLine> describeFields(const MemoryImage &image, const FieldTable &table, int languageIndex);
 
 } // namespace wr

@@ -63,11 +63,11 @@ constexpr std::array<ReportLine, 2 * KeyCount> Report = [] {
 
 } // namespace
 
-constexpr FieldTable KeyFields{.captions = Captions, .lists = Lists, .rebuiltBytes = Rebuilt};
+constexpr FieldTable KeyFields{.captions = Captions, .lists = Lists, .rebuiltBytes = Rebuilt, .lines = Report};
 
 QList<FieldLine> describeKeys(const MemoryImage &image, int languageIndex)
 {
-    return describeFields(image, KeyFields, Report, languageIndex);
+    return describeFields(image, KeyFields, languageIndex);
 }
 
 } // namespace wr

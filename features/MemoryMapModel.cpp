@@ -23,10 +23,15 @@ int digitValue(QChar c)
     return -1;
 }
 
+// %1 row, %2 column, %3 value in decimal, %4 in hexadecimal.
+constexpr Text SpokenCell{u"row %1, column %2, value %3, hex %4", u"第 %1 行，第 %2 列，值 %3，十六进制 %4",
+                          u"第 %1 行，第 %2 列，值 %3，十六進位 %4"};
+
 } // namespace
 
-MemoryMapModel::MemoryMapModel(const MemoryImage &image, QObject *parent)
+MemoryMapModel::MemoryMapModel(const MemoryImage &image, Language language, QObject *parent)
     : QAbstractTableModel(parent)
+    , m_language(language)
 {
     std::copy_n(image.data(), MemoryImage::Size, m_bytes.begin());
 }
@@ -57,6 +62,11 @@ QVariant MemoryMapModel::data(const QModelIndex &index, int role) const
         constexpr char16_t Digits[] = u"0123456789ABCDEF";
         const QChar text[2] = {QChar(Digits[byte >> 4]), QChar(Digits[byte & 0x0F])};
         return QString(text, 2);
+    }
+    case Qt::AccessibleTextRole: {
+        const std::uint8_t byte = byteAt(index);
+        return SpokenCell.in(m_language).arg(hexDigits(index.row()), hexDigits(index.column()), QString::number(byte),
+                                             data(index, Qt::DisplayRole).toString());
     }
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(Qt::Alignment(Qt::AlignCenter));
@@ -89,7 +99,7 @@ bool MemoryMapModel::setData(const QModelIndex &index, const QVariant &value, in
     if (high < 0 || low < 0)
         return false;
     m_bytes[std::size_t(index.row() * MemoryImage::RowSize + index.column())] = static_cast<std::uint8_t>(high << 4 | low);
-    Q_EMIT dataChanged(index, index, {Qt::DisplayRole, Qt::EditRole});
+    Q_EMIT dataChanged(index, index, {Qt::DisplayRole, Qt::EditRole, Qt::AccessibleTextRole});
     return true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Language.h"
 #include "core/MemoryImage.h"
 
 #include <QAbstractTableModel>
@@ -11,7 +12,9 @@ namespace wr {
 
 // The whole memory image as a table of 1024 rows by 16 bytes, each shown as
 // two upper-case hexadecimal digits; the headers number the rows (0 ... 3FF,
-// no leading zeros) and the columns (0 ... F) in hexadecimal. The model edits
+// no leading zeros) and the columns (0 ... F) in hexadecimal. A screen reader
+// hears a cell as "row C8, column E, value 255, hex FF", in the interface
+// language (Qt::AccessibleTextRole). The model edits
 // a copy of the image: writeTo() hands every byte back, and dropping the
 // model drops the edits.
 class MemoryMapModel : public QAbstractTableModel
@@ -19,7 +22,7 @@ class MemoryMapModel : public QAbstractTableModel
     Q_OBJECT
 
 public:
-    explicit MemoryMapModel(const MemoryImage &image, QObject *parent = nullptr);
+    MemoryMapModel(const MemoryImage &image, Language language, QObject *parent = nullptr);
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
@@ -37,6 +40,7 @@ public:
 
 private:
     std::array<std::uint8_t, MemoryImage::Size> m_bytes;
+    Language m_language;
 };
 
 } // namespace wr

@@ -120,11 +120,12 @@ constexpr ReportLine Report[]{
 
 } // namespace
 
-constexpr FieldTable OptionFields{.captions = Captions, .lists = Lists, .checks = Checks, .rebuiltBytes = Rebuilt};
+constexpr FieldTable OptionFields{
+    .captions = Captions, .lists = Lists, .checks = Checks, .rebuiltBytes = Rebuilt, .lines = Report};
 
 QList<FieldLine> describeOptions(const MemoryImage &image, int languageIndex)
 {
-    return describeFields(image, OptionFields, Report, languageIndex);
+    return describeFields(image, OptionFields, languageIndex);
 }
 
 } // namespace wr

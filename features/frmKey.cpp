@@ -2,6 +2,8 @@
 
 #include "features/KeyFields.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -17,9 +19,12 @@ namespace {
 // The outline of a handheld radio with its seven programmable keys marked:
 // P1-P3 on the left side around the push-to-talk bar, P4-P7 on the front
 // under the display. Drawn in the widget's palette on a fixed grid of units,
-// scaled to the widget, so it stays sharp at any screen scale.
+// scaled to the widget, so it stays sharp at any screen scale. A screen
+// reader finds it as a picture, and its description says where each key is.
 class KeyPicture : public QWidget
 {
+    Q_OBJECT
+
 public:
     explicit KeyPicture(QWidget *parent)
         : QWidget(parent)
@@ -94,6 +99,21 @@ private:
     static constexpr QSizeF Units{156, 302};
 };
 
+constexpr Text PictureName{u"The radio's programmable keys", u"对讲机的可编程按键", u"對講機的可編程按鍵"};
+constexpr Text PictureDescription{
+    u"P1 on the left side above the push-to-talk bar, P2 and P3 below it; on the front under the display, "
+    "P4 and P5, then P6 and P7.",
+    u"P1 在机身左侧 PTT 键上方，P2、P3 在其下方；正面显示屏下方是 P4、P5，再下面是 P6、P7。",
+    u"P1 在機身左側 PTT 鍵上方，P2、P3 在其下方；正面顯示屏下方是 P4、P5，再下面是 P6、P7。"};
+
+// Without it the painted picture would be an unnamed panel.
+QAccessibleInterface *accessiblePicture(const QString &, QObject *object)
+{
+    if (auto *picture = qobject_cast<KeyPicture *>(object))
+        return new QAccessibleWidget(picture, QAccessible::Graphic);
+    return nullptr;
+}
+
 } // namespace
 
 frmKey::frmKey(MemoryImage &image, Language language, QWidget *parent)
@@ -117,8 +137,17 @@ frmKey::frmKey(MemoryImage &image, Language language, QWidget *parent)
     keys->setColumnStretch(2, 1);
     keys->setRowStretch(KeyCount + 1, 1);
 
+    static const bool pictureReadable = [] {
+        QAccessible::installFactory(accessiblePicture);
+        return true;
+    }();
+    Q_UNUSED(pictureReadable);
+    auto *picture = new KeyPicture(this);
+    picture->setAccessibleName(PictureName.in(language));
+    picture->setAccessibleDescription(PictureDescription.in(language));
+
     auto *top = new QHBoxLayout;
-    top->addWidget(new KeyPicture(this));
+    top->addWidget(picture);
     top->addSpacing(12);
     top->addLayout(keys, 1);
 
@@ -127,3 +156,5 @@ frmKey::frmKey(MemoryImage &image, Language language, QWidget *parent)
 }
 
 } // namespace wr
+
+#include "frmKey.moc"

@@ -2,6 +2,7 @@
 
 #include "core/MemoryImage.h"
 #include "features/MemoryMapModel.h"
+#include "ui/Accessible.h"
 
 #include <QFontDatabase>
 #include <QHBoxLayout>
@@ -27,6 +28,13 @@ constexpr int VisibleRows = 16;
 // on to the next row only while that is still a channel record.
 constexpr int ChannelRows = 128;
 
+// What a screen reader says; the captions themselves stay English.
+constexpr Text SpokenTitle{u"Memory Map", u"存储器映射", u"存儲器映射"};
+constexpr Text SpokenGrid{u"Memory", u"存储器", u"存儲器"};
+constexpr Text SpokenEditor{u"Byte in hexadecimal", u"字节（十六进制）", u"位元組（十六進位）"};
+constexpr Text SpokenAddress{u"Address %1", u"地址 %1", u"位址 %1"};
+constexpr Text SpokenValue{u"Value %1", u"值 %1", u"值 %1"};
+
 std::optional<QChar> hexDigit(QChar typed)
 {
     const QChar upper = typed.toUpper();
@@ -37,10 +45,11 @@ std::optional<QChar> hexDigit(QChar typed)
 
 } // namespace
 
-frmMemoryMap::frmMemoryMap(MemoryImage &image, QWidget *parent)
+frmMemoryMap::frmMemoryMap(MemoryImage &image, Language language, QWidget *parent)
     : QDialog(parent)
     , m_image(image)
-    , m_model(new MemoryMapModel(image, this))
+    , m_language(language)
+    , m_model(new MemoryMapModel(image, language, this))
     , m_grid(new QTableView)
     , m_text(new QLineEdit)
     , m_address(new QLabel)
@@ -57,6 +66,9 @@ frmMemoryMap::frmMemoryMap(MemoryImage &image, QWidget *parent)
     m_value->setObjectName(u"LblValue"_s);
     m_ok->setObjectName(u"cmdOK"_s);
     m_cancel->setObjectName(u"cmdCancel"_s);
+    setAccessibleName(SpokenTitle.in(language));
+    m_grid->setAccessibleName(SpokenGrid.in(language));
+    m_text->setAccessibleName(SpokenEditor.in(language));
 
     for (QLabel *label : {m_address, m_value}) {
         label->setFrameStyle(QFrame::Panel | QFrame::Sunken);
@@ -125,6 +137,7 @@ void frmMemoryMap::Form_Load()
     m_grid->setFixedSize(18 * column + scrollBar + frame, header + VisibleRows * row + frame);
 
     m_grid->setCurrentIndex(m_model->index(0, 0));
+    keepCurrentCell(m_grid);
     m_grid->setFocus(Qt::OtherFocusReason);
 }
 
@@ -134,6 +147,9 @@ void frmMemoryMap::showCurrentCell(const QModelIndex &cell)
         return;
     m_address->setText(MemoryMapModel::addressText(cell));
     m_value->setText(QString::number(m_model->byteAt(cell)));
+    // The boxes' names carry their texts, so that they read "Address C8E".
+    m_address->setAccessibleName(SpokenAddress.in(m_language).arg(m_address->text()));
+    m_value->setAccessibleName(SpokenValue.in(m_language).arg(m_value->text()));
 }
 
 void frmMemoryMap::StartByteEdit(int column, int row)

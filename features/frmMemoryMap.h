@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Language.h"
 #include "ui/CellEditor.h"
 
 #include <QDialog>
@@ -21,13 +22,14 @@ class MemoryMapModel;
 // works on a copy: OK writes every byte back into the image and closes,
 // Cancel closes and drops the edits. It does not follow changes made to the
 // image while it is open; OK overwrites them. Its texts are English in every
-// interface language.
+// interface language; what a screen reader says of it is in the interface
+// language (the grid's cells as "row C8, column E, value 255, hex FF").
 class frmMemoryMap : public QDialog, private CellEditRules
 {
     Q_OBJECT
 
 public:
-    explicit frmMemoryMap(MemoryImage &image, QWidget *parent = nullptr);
+    frmMemoryMap(MemoryImage &image, Language language, QWidget *parent = nullptr);
     ~frmMemoryMap() override;
 
     // Opens the editor on a cell (row and column of the image).
@@ -56,6 +58,7 @@ private:
     Scroll onScroll() const override;
 
     MemoryImage &m_image;
+    Language m_language;
     MemoryMapModel *m_model;
     QTableView *m_grid;   // msgMemory
     QLineEdit *m_text;    // txtMemory

@@ -1,6 +1,7 @@
 #include "features/frmRadio.h"
 
 #include "features/FmRadio.h"
+#include "ui/Accessible.h"
 #include "ui/MessageBox.h"
 #include "ui/Twips.h"
 
@@ -28,14 +29,22 @@ constexpr int RowHeight = twipsToPixels(320);
 // Rows in sight at once; the grid scrolls to the others.
 constexpr int VisibleRows = 12;
 
+constexpr Text RadioChannels{u"Radio CH", u"收音机信道", u"收機音信道"};
 constexpr Caption Captions[]{
     {u"frmRadio", {u"Radio Setup", u"收音机设置", u"收音機設置"}},
     {u"Frame1", {u"Radio", u"收音机", u"收音機"}},
-    {u"Frame2", {u"Radio CH", u"收音机信道", u"收機音信道"}},
+    {u"Frame2", RadioChannels},
     {u"CmdOK", Words::OK},
     {u"CmdCannel", Words::Cancel},
 };
-constexpr FieldTable Fields{.captions = Captions};
+constexpr Caption SpokenNames[]{{u"MSRadioGrid", RadioChannels}, {u"txtRadio", fm::FrequencyHeader}};
+constexpr FieldTable Fields{.captions = Captions, .spokenNames = SpokenNames};
+
+// What a screen reader says on a row's cells: "Channel 5" on its name, and
+// on its frequency "Channel 5, 88.00 megahertz" or "Channel 5, empty".
+constexpr Text SpokenChannel{u"Channel %1", u"信道 %1", u"信道 %1"};
+constexpr Text SpokenFrequency{u"%1, %2 megahertz", u"%1，%2 兆赫", u"%1，%2 兆赫"};
+constexpr Text SpokenEmpty{u"%1, empty", u"%1，空", u"%1，空"};
 
 constexpr Text OutOfRange{u"Frequency is out of range.", u"频率超出范围。", u"頻率超出範圍"};
 
@@ -104,6 +113,22 @@ void frmRadio::setCell(int row, int column, const QString &text)
         m_grid->setItem(row, column, item);
     }
     item->setText(text);
+    if (row >= VfoRow)
+        speakRow(row);
+}
+
+void frmRadio::speakRow(int row)
+{
+    QTableWidgetItem *name = m_grid->item(row, 0);
+    if (!name)
+        return;
+    const QString spokenName = row == VfoRow ? name->text() : SpokenChannel.in(language()).arg(name->text());
+    name->setData(Qt::AccessibleTextRole, spokenName);
+    if (QTableWidgetItem *frequency = m_grid->item(row, FrequencyColumn)) {
+        const QString text = frequency->text();
+        frequency->setData(Qt::AccessibleTextRole, text.isEmpty() ? SpokenEmpty.in(language()).arg(spokenName)
+                                                                  : SpokenFrequency.in(language()).arg(spokenName, text));
+    }
 }
 
 void frmRadio::Form_Load()
@@ -129,6 +154,7 @@ void frmRadio::Form_Load()
 
     fitGrid();
     m_grid->setCurrentCell(VfoRow, FrequencyColumn);
+    keepCurrentCell(m_grid);
 }
 
 // The laid-out widths, widened where a caption or a frequency would not fit;

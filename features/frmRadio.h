@@ -43,6 +43,8 @@ private:
     void Form_Load();
     void fitGrid();
     void setCell(int row, int column, const QString &text);
+    // The texts a screen reader says on the row's cells.
+    void speakRow(int row);
 
     QModelIndex editableCell(const QModelIndex &cell) const override;
     QWidget *editorFor(const QModelIndex &cell, const QString &text) override;

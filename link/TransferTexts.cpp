@@ -106,6 +106,11 @@ QString transferCaption(bool read, int language)
     return (read ? ReadCaption : WriteCaption).in(language);
 }
 
+QString progressCaption(int language)
+{
+    return ProgressCaption.in(language);
+}
+
 QString progressLabel(int value, int language)
 {
     // Whole percent, rounded to nearest; n * 100 / 188 never ends in exactly .5.

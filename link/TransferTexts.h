@@ -11,6 +11,9 @@ namespace wr {
 // the message a transfer ends with. The clone engine reports numbers and
 // outcomes; the progress form, the batch and the tool turn them into these.
 
+// What the progress bar is, for a screen reader: "Completion percentage".
+QString progressCaption(int language);
+
 // "Read data from radio" or "Write data to radio".
 QString transferCaption(bool read, int language);
 // "Completion percentage:  50%" for value rows of 188.

@@ -91,6 +91,10 @@ frmclone::frmclone(QWidget *parent)
     setWindowTitle(transferCaption(m_engine->direction() == CloneEngine::Direction::Read, language));
     m_label->setText(progressLabel(0, language));
     cancel->setText(Words::Cancel.in(language));
+    // A screen reader hears the bar by name with its percentage, and the
+    // line under it (named by its text) each time the text changes.
+    m_progress->setAccessibleName(progressCaption(language));
+    m_status->setAccessibleDescription(transferCaption(m_engine->direction() == CloneEngine::Direction::Read, language));
 }
 
 frmclone::~frmclone()

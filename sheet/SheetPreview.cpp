@@ -4,14 +4,19 @@
 #include "file/DataFile.h"
 #include "sheet/ChannelSheet.h"
 #include "sheet/PdfTextMap.h"
+#include "ui/Accessible.h"
 #include "ui/MessageBox.h"
 
 #include <QAction>
+#include <QComboBox>
+#include <QGraphicsView>
+#include <QLineEdit>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QPaintEngine>
 #include <QPrintPreviewDialog>
+#include <QPrintPreviewWidget>
 #include <QPrinter>
 #include <QToolBar>
 
@@ -22,6 +27,9 @@ namespace wr::sheet {
 namespace {
 
 constexpr Text SaveAsPdf{u"Save as PDF…", u"另存为 PDF…", u"另存為 PDF…"};
+constexpr Text PageNumber{u"Page number", u"页码", u"頁碼"};
+constexpr Text Zoom{u"Zoom", u"缩放", u"縮放"};
+constexpr Text Pages{u"Pages of the sheet", u"信道表页面", u"信道表頁面"};
 
 // The paper, under a key of its own beside the program's start-up values,
 // by the name QPageSize gives it ("A4", "Letter").
@@ -90,6 +98,7 @@ void showChannelSheet(QWidget *parent, const MemoryImage &image, Language langua
     printer.setPageLayout(sheetPageLayout(rememberedPaper(settings)));
     printer.setDocName(SheetTitle.in(language));
 
+    useSpokenNames();
     QPrintPreviewDialog dialog(&printer, parent);
     dialog.setObjectName(u"frmChannelSheet"_s);
     dialog.setWindowTitle(SheetTitle.in(language));
@@ -102,6 +111,22 @@ void showChannelSheet(QWidget *parent, const MemoryImage &image, Language langua
     QObject::connect(save, &QAction::triggered, &dialog, [&] {
         savePdf(&dialog, content, printer.pageLayout().pageSize().id(), dataFile);
     });
+    // Qt's preview names its buttons; its page number box and its zoom
+    // list have no label to name them for a screen reader.
+    for (QComboBox *zoom : dialog.findChildren<QComboBox *>())
+        zoom->setAccessibleName(Zoom.in(language));
+    for (QLineEdit *page : dialog.findChildren<QLineEdit *>()) {
+        if (!qobject_cast<QComboBox *>(page->parentWidget()))
+            page->setAccessibleName(PageNumber.in(language));
+    }
+    nameListTexts(&dialog);
+    if (auto *preview = dialog.findChild<QPrintPreviewWidget *>()) {
+        preview->setAccessibleName(Pages.in(language));
+        for (QGraphicsView *pages : preview->findChildren<QGraphicsView *>()) {
+            pages->setAccessibleName(Pages.in(language));
+            pages->viewport()->setAccessibleName(Pages.in(language));
+        }
+    }
     if (auto *toolBar = dialog.findChild<QToolBar *>()) {
         toolBar->addSeparator();
         toolBar->addAction(save);

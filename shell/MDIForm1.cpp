@@ -13,6 +13,7 @@
 #include "shell/AppIcon.h"
 #include "shell/EditorTree.h"
 #include "shell/LanguageForm.h"
+#include "shell/MainWindowNames.h"
 #include "shell/QtTranslations.h"
 #include "shell/StatusPanels.h"
 #include "shell/frmAbout.h"
@@ -106,6 +107,16 @@ MDIForm1::MDIForm1(SettingsStore *settings, QWidget *parent)
     m_verify = findChild<QAction *>(u"mnuVerify"_s);
     buildToolBar();
     m_status = new StatusPanels(statusBar());
+
+    // The memory map's key, beside the channel list's mouse gesture.
+    auto *memoryMap = new QAction(this);
+    memoryMap->setObjectName(u"actMemoryMap"_s);
+    memoryMap->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::ALT | Qt::Key_M));
+    connect(memoryMap, &QAction::triggered, this, [this] {
+        if (m_channels)
+            m_channels->requestMemoryMap();
+    });
+    addAction(memoryMap);
 
     Form_Load();
 }
@@ -359,6 +370,7 @@ void MDIForm1::RefreshMainWindow()
     InstallQtTranslations(language());
     useInterfaceFont(language());
     captionStep();
+    nameMainWindowParts(this, language());
     if (m_channels)
         m_channels->RefreshChannel();
     showPortPanel();
@@ -575,7 +587,7 @@ void MDIForm1::openRadio()
 void MDIForm1::openMemoryMap()
 {
     if (!m_memoryMap) {
-        m_memoryMap = new frmMemoryMap(app().image, this);
+        m_memoryMap = new frmMemoryMap(app().image, language(), this);
         m_memoryMap->setAttribute(Qt::WA_DeleteOnClose);
         m_memoryMapOpenedWith = app().image.bytes();
         connect(m_memoryMap, &frmMemoryMap::aboutToStore, this, [this] {

@@ -31,6 +31,13 @@ QLocale localeOf(Language language)
     }
 }
 
+// What a screen reader says the bar and each panel are; the panels' names
+// are their texts.
+constexpr Text BarName{u"Status bar", u"状态栏", u"狀態列"};
+constexpr Text PanelDescriptions[]{{u"Serial port", u"串口", u"串口"}, {u"Date", u"日期", u"日期"},
+                                   {u"Time", u"时间", u"時間"},        {u""},
+                                   {u"Version", u"版本", u"版本"}};
+
 } // namespace
 
 StatusPanels::StatusPanels(QStatusBar *bar)
@@ -84,6 +91,9 @@ void StatusPanels::showLanguage(Language language)
 {
     m_language = language;
     m_panels[VersionPanel]->setText(u"Version "_s + ProgramVersion());
+    static_cast<QWidget *>(parent())->setAccessibleName(BarName.in(language));
+    for (int i = 0; i < PanelCount; ++i)
+        m_panels[i]->setAccessibleDescription(PanelDescriptions[i].in(language));
     if (m_noteText)
         m_note->setText(m_noteText->in(language));
     showDate();

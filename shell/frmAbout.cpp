@@ -40,7 +40,9 @@ constexpr Caption Captions[]{
     {u"frmAbout", {u"WR-PD6T RADIO PROGRAMMING SOFTWARE", u"WR-PD6T  对讲机编程软件", u"WR-PD6T  對講機編程軟件 "}},
     {u"Command1", {u"&OK", u"确定(&O)", u"確定(&O)"}},
 };
-constexpr FieldTable Texts{.captions = Captions};
+// The notice has no label; a screen reader says this before reading it.
+constexpr Caption SpokenNames[]{{u"Text1", {u"Notice", u"声明", u"聲明"}}};
+constexpr FieldTable Texts{.captions = Captions, .spokenNames = SpokenNames};
 
 } // namespace
 

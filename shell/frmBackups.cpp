@@ -1,5 +1,7 @@
 #include "shell/frmBackups.h"
 
+#include "ui/Accessible.h"
+
 #include "channels/ChannelRecord.h"
 #include "file/DataFile.h"
 #include "shell/AppIcon.h"
@@ -10,7 +12,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QScrollBar>
 #include <QTreeWidget>
 #include <QUrl>
@@ -44,18 +45,6 @@ constexpr Text FolderNotShown{u"The folder could not be shown:\n%1", u"无法显
 
 // Rows in sight when the form opens.
 constexpr int VisibleRows = 12;
-
-// A caption as a screen reader should say it: without its access key, as
-// "&Open" or "打开(&O)", and without a closing colon.
-QString spoken(const QString &caption)
-{
-    static const QRegularExpression accessKey(uR"(\(&\w\)|&(?=\w))"_s);
-    QString text = caption;
-    text.remove(accessKey);
-    while (text.endsWith(u':') || text.endsWith(u'：'))
-        text.chop(1);
-    return text.trimmed();
-}
 
 // How many channels a backup holds, or why that cannot be told.
 QString channelsIn(const QString &path, Language language)
@@ -103,9 +92,8 @@ frmBackups::frmBackups(const QString &folder, Language language, QWidget *parent
     for (const Text &header : Headers)
         headers << header.in(language);
     m_list->setHeaderLabels(headers);
-    m_list->setAccessibleName(spoken(label->text()));
-    for (QPushButton *button : {showFolder, buttons.ok, buttons.cancel})
-        button->setAccessibleName(spoken(button->text()));
+    // The buttons are named with their captions; the list has its label.
+    m_list->setAccessibleName(spokenCaption(label->text()));
 
     connect(showFolder, &QPushButton::clicked, this, &frmBackups::showFolder);
     connect(m_list, &QTreeWidget::itemDoubleClicked, m_open, &QPushButton::click);
@@ -137,6 +125,9 @@ void frmBackups::fill()
         note->setText(TimeColumn, NoBackups.in(language()));
         note->setFlags(Qt::ItemIsEnabled);
         note->setFirstColumnSpanned(true);
+        // A screen reader finds the columns under the span too: they say it.
+        for (int column = 0; column < ColumnCount; ++column)
+            note->setData(column, Qt::AccessibleTextRole, NoBackups.in(language()));
     }
     m_list->setCurrentItem(m_list->topLevelItem(0));
     m_open->setEnabled(!m_entries.isEmpty());

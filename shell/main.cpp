@@ -1,6 +1,7 @@
 #include "core/AppState.h"
 #include "shell/AppIcon.h"
 #include "shell/MDIForm1.h"
+#include "ui/Accessible.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -13,6 +14,7 @@ int main(int argc, char *argv[])
     QApplication application(argc, argv);
     wr::InitApplicationIdentity();
     QApplication::setWindowIcon(wr::AppIcon());
+    wr::useFocusFrames();
     QGuiApplication::setDesktopFileName(QStringLiteral("io.github.wrpd6t.wrpd6t"));
 
     // The file manager starts the program with the .tw file the user opened.

@@ -1,5 +1,7 @@
 #include "ui/CellEditor.h"
 
+#include "ui/Accessible.h"
+
 #include <QAbstractItemView>
 #include <QAction>
 #include <QApplication>
@@ -107,6 +109,7 @@ CellEditor::CellEditor(QAbstractItemView *view, CellEditRules &rules)
     , m_viewport(view->viewport())
     , m_rules(rules)
 {
+    useSpokenNames(); // the grids' list editors
     view->installEventFilter(this);
     m_viewport->installEventFilter(this);
     for (QScrollBar *bar : {view->verticalScrollBar(), view->horizontalScrollBar()})

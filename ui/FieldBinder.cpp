@@ -1,5 +1,7 @@
 #include "ui/FieldBinder.h"
 
+#include "ui/Accessible.h"
+
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QGroupBox>
@@ -41,6 +43,11 @@ FieldBinder::FieldBinder(QWidget *form, const FieldTable &table)
         m_lists.append(find<QComboBox>(list.control, "list"));
     for (const CheckField &check : table.checks)
         m_checks.append(find<QAbstractButton>(check.control, "check box"));
+    // The fields themselves are found above; a line only names them.
+    for (const ReportLine &line : table.lines)
+        m_lineFields.append(form->findChild<QWidget *>(line.field.toString()));
+    for (const Caption &name : table.spokenNames)
+        m_spoken.append(find<QWidget>(name.control, "control"));
 }
 
 void FieldBinder::caption(Language language)
@@ -48,14 +55,18 @@ void FieldBinder::caption(Language language)
     for (qsizetype i = 0; i < m_captions.size(); ++i) {
         const QString text = m_table.captions[std::size_t(i)].text.in(language);
         QWidget *control = m_captions.at(i);
-        if (m_table.captions[std::size_t(i)].control == m_form->objectName())
+        if (m_table.captions[std::size_t(i)].control == m_form->objectName()) {
             m_form->setWindowTitle(text);
-        else if (auto *label = qobject_cast<QLabel *>(control))
+            m_form->setAccessibleName(spokenCaption(text));
+        } else if (auto *label = qobject_cast<QLabel *>(control)) {
             label->setText(text);
-        else if (auto *button = qobject_cast<QAbstractButton *>(control))
+        } else if (auto *button = qobject_cast<QAbstractButton *>(control)) {
             button->setText(text);
-        else if (auto *group = qobject_cast<QGroupBox *>(control))
+            button->setAccessibleName(spokenCaption(text));
+        } else if (auto *group = qobject_cast<QGroupBox *>(control)) {
             group->setTitle(text);
+            group->setAccessibleName(spokenCaption(text));
+        }
     }
     for (qsizetype i = 0; i < m_lists.size(); ++i) {
         if (QComboBox *combo = m_lists.at(i)) {
@@ -69,6 +80,25 @@ void FieldBinder::caption(Language language)
         if (QAbstractButton *check = m_checks.at(i))
             check->setText(m_table.checks[std::size_t(i)].text.in(language));
     }
+    nameControls(language);
+}
+
+// What a screen reader says for each control: a label names its buddy, a
+// report line its field, in place of the label ("P1 Short Press" rather
+// than "P1"), and a control without a label is named as written for it.
+void FieldBinder::nameControls(Language language)
+{
+    nameControlsAfterLabels(m_form);
+    for (qsizetype i = 0; i < m_lineFields.size(); ++i) {
+        const QString name = lineCaption(m_table, m_table.lines[std::size_t(i)], language);
+        if (QWidget *field = m_lineFields.at(i); field && !name.isEmpty())
+            field->setAccessibleName(spokenCaption(name));
+    }
+    for (qsizetype i = 0; i < m_spoken.size(); ++i) {
+        if (QWidget *control = m_spoken.at(i))
+            control->setAccessibleName(m_table.spokenNames[std::size_t(i)].text.in(language));
+    }
+    nameListTexts(m_form);
 }
 
 void FieldBinder::load(const MemoryImage &image)

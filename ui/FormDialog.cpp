@@ -1,5 +1,7 @@
 #include "ui/FormDialog.h"
 
+#include "ui/Accessible.h"
+
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -12,6 +14,7 @@ FormDialog::FormDialog(Language language, QWidget *parent)
 {
     setModal(true);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    useSpokenNames();
 }
 
 FormDialog::~FormDialog() = default;
@@ -22,6 +25,12 @@ QStringList FormDialog::missingControls() const
     for (const FieldBinder &binder : m_binders)
         missing += binder.missingControls();
     return missing;
+}
+
+void FormDialog::showEvent(QShowEvent *event)
+{
+    nameListTexts(this);
+    QDialog::showEvent(event);
 }
 
 FieldBinder &FormDialog::caption(const FieldTable &table)

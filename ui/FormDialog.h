@@ -40,6 +40,9 @@ public:
     QStringList missingControls() const;
 
 protected:
+    // Names the text boxes of list boxes made editable after captioning.
+    void showEvent(QShowEvent *event) override;
+
     struct ButtonRow
     {
         QHBoxLayout *layout;

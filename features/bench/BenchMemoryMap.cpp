@@ -109,7 +109,7 @@ int shots(const QString &folder)
     useInterfaceFont(English);
     MemoryImage image;
     image.InitImage();
-    frmMemoryMap map(image);
+    frmMemoryMap map(image, English);
     save(&map, folder, u"memory-map"_s);
     map.grid()->setCurrentIndex(map.grid()->model()->index(5, 14));
     pressEnter(map.grid());
@@ -147,7 +147,7 @@ int main(int argc, char *argv[])
     for (int i = 0; i < iterations; ++i) {
         PaintWatch watch;
         timer.start();
-        auto *form = new frmMemoryMap(image);
+        auto *form = new frmMemoryMap(image, English);
         form->grid()->viewport()->installEventFilter(&watch);
         form->show();
         while (!watch.painted)

@@ -10,6 +10,7 @@
 #include "core/Language.h"
 #include "core/ToneCodec.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
@@ -390,9 +391,15 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("language");
         QTest::addColumn<QString>("words"); // header of column 3, then row 4's words
-        QTest::newRow("Simplified") << int(SimplifiedChinese) << "CTCSS/DCS 解码|无|D023N|低|窄|关|载波";
-        QTest::newRow("Traditional") << int(TraditionalChinese) << "CTCSS/DCS 解碼|無|D023N|低|窄|關|載波";
-        QTest::newRow("English") << int(English) << "CTCSS/DCS Dec|None|D023N|Low|Narrow|Off|Carrier";
+        // What a screen reader says: the list, row 4's decode cell, the list
+        // editor open on its power cell.
+        QTest::addColumn<QString>("spoken");
+        QTest::newRow("Simplified") << int(SimplifiedChinese) << "CTCSS/DCS 解码|无|D023N|低|窄|关|载波"
+                                    << "信道列表|解码 无亚音|发射功率";
+        QTest::newRow("Traditional") << int(TraditionalChinese) << "CTCSS/DCS 解碼|無|D023N|低|窄|關|載波"
+                                     << "信道列表|解碼 無亞音|發射功率";
+        QTest::newRow("English") << int(English) << "CTCSS/DCS Dec|None|D023N|Low|Narrow|Off|Carrier"
+                                 << "Channel list|decode no tone|TX Power";
     }
 
     // The list is filled in one language, then switched: captions, cells and
@@ -402,6 +409,7 @@ private Q_SLOTS:
     {
         QFETCH(int, language);
         QFETCH(QString, words);
+        QFETCH(QString, spoken);
         putChannel(4, u"150.00000"_s, u"150.00000"_s, u"None"_s, u"D023N"_s, 0x81, 0x82);
         app().LanguageIndex = SimplifiedChinese == language ? TraditionalChinese : SimplifiedChinese;
         openForm();
@@ -411,6 +419,12 @@ private Q_SLOTS:
         QCOMPARE(grid()->model()->headerData(Dec, Qt::Horizontal).toString(), words.section(u'|', 0, 0));
         QCOMPARE(QStringList{cell(0, Dec)} + rowCells(4).mid(2), words.split(u'|'));
         click(4, Power);
+        const auto heard = [](QObject *object) {
+            return QAccessible::queryAccessibleInterface(object)->text(QAccessible::Name);
+        };
+        QCOMPARE(QStringList({heard(form.get()), grid()->model()->index(4, Dec).data(Qt::AccessibleTextRole).toString(),
+                              heard(combo(1))}),
+                 spoken.split(u'|'));
         QCOMPARE(combo(1)->itemText(0), Words::High.in(language));
         combo(1)->setCurrentIndex(0);
         QTest::keyClick(combo(1), Qt::Key_Return);

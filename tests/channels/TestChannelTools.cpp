@@ -199,6 +199,30 @@ private Q_SLOTS:
         menu()->close();
     }
 
+    // From the keyboard the menu opens at the current cell, over its row.
+    void contextMenuByKey_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        QTest::newRow("Shift+F10") << int(Qt::Key_F10) << int(Qt::ShiftModifier);
+        QTest::newRow("the menu key") << int(Qt::Key_Menu) << int(Qt::NoModifier);
+    }
+
+    void contextMenuByKey()
+    {
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        openForm();
+        const QModelIndex current = grid()->model()->index(6, ColDecode);
+        grid()->setCurrentIndex(current);
+        grid()->setFocus();
+        QTest::keyClick(grid(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+        QTRY_VERIFY(menu()->isVisible());
+        QCOMPARE(form->selectedChannels(), QList<int>{6});
+        QCOMPARE(menu()->pos(), grid()->viewport()->mapToGlobal(grid()->visualRect(current).center()));
+        menu()->close();
+    }
+
     // Each tool changes the grid in one step; a channel that moves takes the
     // bytes of its record that no cell shows along. Undo puts back the rows
     // and those bytes, redo repeats the step.

@@ -226,7 +226,7 @@ private Q_SLOTS:
     void mapShowsTheImage()
     {
         image().WriteByte(0x1A03, 0x5A);
-        frmMemoryMap form(image());
+        frmMemoryMap form(image(), English);
         const MemoryMapModel *model = form.model();
         QStringList rowC8;
         for (int column = 0; column < 16; ++column)
@@ -279,7 +279,7 @@ private Q_SLOTS:
         QFETCH(int, currentRow);
         QFETCH(int, currentColumn);
         const QByteArray before = image().bytes();
-        frmMemoryMap form(image());
+        frmMemoryMap form(image(), English);
         showActive(&form);
         const QModelIndex start = form.model()->index(row, column);
         form.grid()->setCurrentIndex(start);
@@ -296,7 +296,7 @@ private Q_SLOTS:
     // edit is dropped.
     void mapScrollingCancels()
     {
-        frmMemoryMap form(image());
+        frmMemoryMap form(image(), English);
         showActive(&form);
         form.StartByteEdit(3, 2);
         type(u"\b1"_s);
@@ -327,7 +327,7 @@ private Q_SLOTS:
         QByteArray expected = image().bytes();
         if (patched)
             expected[0x3FF5] = '\x7E';
-        frmMemoryMap form(image());
+        frmMemoryMap form(image(), English);
         showActive(&form);
         form.grid()->setCurrentIndex(form.model()->index(0x3FF, 5));
         form.grid()->setFocus();
@@ -335,6 +335,46 @@ private Q_SLOTS:
         QTest::mouseClick(child<QPushButton>(&form, button), Qt::LeftButton);
         QVERIFY(!form.isVisible());
         QCOMPARE(image().bytes(), expected);
+    }
+
+    // What a screen reader hears on the grids' cells and the map's boxes, in
+    // the interface language while the map's own captions stay English.
+    void spokenTexts_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QString>("texts"); // map cell, address box, value box; FM VFO, channel 4 typed, channel 5
+        QTest::newRow("English") << int(English)
+                                 << u"row C8, column E, value 76, hex 4C|Address C8E|Value 76|"
+                                    "VFO, 87.50 megahertz|Channel 4, 99.00 megahertz|Channel 5, empty"_s;
+        QTest::newRow("Simplified") << int(SimplifiedChinese)
+                                    << u"第 C8 行，第 E 列，值 76，十六进制 4C|地址 C8E|值 76|"
+                                       "全频，87.50 兆赫|信道 4，99.00 兆赫|信道 5，空"_s;
+        QTest::newRow("Traditional") << int(TraditionalChinese)
+                                     << u"第 C8 行，第 E 列，值 76，十六進位 4C|位址 C8E|值 76|"
+                                        "全頻，87.50 兆赫|信道 4，99.00 兆赫|信道 5，空"_s;
+    }
+
+    void spokenTexts()
+    {
+        QFETCH(int, language);
+        QFETCH(QString, texts);
+        frmMemoryMap map(image(), Language(language));
+        map.grid()->setCurrentIndex(map.model()->index(0xC8, 0xE));
+        frmRadio radio(image(), Language(language));
+        showActive(&radio);
+        radio.grid()->setCurrentCell(frmRadio::FirstChannelRow + 4, 1);
+        radio.grid()->setFocus();
+        type(u"99\r"_s);
+        const auto spoken = [](const QTableWidget *grid, int row) {
+            return grid->item(row, 1)->data(Qt::AccessibleTextRole).toString();
+        };
+        const QStringList heard{map.grid()->currentIndex().data(Qt::AccessibleTextRole).toString(),
+                                child<QLabel>(&map, u"lblAddr"_s)->accessibleName(),
+                                child<QLabel>(&map, u"LblValue"_s)->accessibleName(),
+                                spoken(radio.grid(), frmRadio::VfoRow),
+                                spoken(radio.grid(), frmRadio::FirstChannelRow + 4),
+                                spoken(radio.grid(), frmRadio::FirstChannelRow + 5)};
+        QCOMPARE(heard.join(u'|'), texts);
     }
 };
 

@@ -7,6 +7,7 @@
 #include "features/frmKey.h"
 #include "features/frmOption.h"
 
+#include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
@@ -30,20 +31,25 @@ private Q_SLOTS:
         QTest::addColumn<int>("language");
         QTest::addColumn<QString>("button");
         QTest::addColumn<QString>("captions"); // the title, then the texts of captioned controls
+        // What a screen reader says: the dialog, then two lists (the side
+        // key's or P1's long press, then the side key's or P4's short press).
+        QTest::addColumn<QString>("spoken");
         const QString option = u"mnuOptiom_Features"_s;
         const QString key = u"mnuVFO"_s;
         QTest::newRow("optional features, English, OK")
-            << option << 0 << u"CmdOK"_s << u"Optiom Features(&O)|Squelch Level|KeyLock|Long Press|Scan|OK"_s;
+            << option << 0 << u"CmdOK"_s << u"Optiom Features(&O)|Squelch Level|KeyLock|Long Press|Scan|OK"_s
+            << u"Optiom Features|SideKey Long Press|SideKey Short Press"_s;
         QTest::newRow("optional features, Simplified Chinese, Cancel")
-            << option << 1 << u"CmdCannel"_s << u"可选功能(&O)|静噪等级|键盘锁|长按|扫描|确定"_s;
+            << option << 1 << u"CmdCannel"_s << u"可选功能(&O)|静噪等级|键盘锁|长按|扫描|确定"_s << u"可选功能|侧键 长按|侧键 短按"_s;
         QTest::newRow("optional features, Traditional Chinese, OK")
-            << option << 2 << u"CmdOK"_s << u"可選功能(&O)|靜噪等級|鍵盤鎖|長按|掃描|確定"_s;
+            << option << 2 << u"CmdOK"_s << u"可選功能(&O)|靜噪等級|鍵盤鎖|長按|掃描|確定"_s << u"可選功能|側鍵 長按|側鍵 短按"_s;
         QTest::newRow("key setting, English, OK")
-            << key << 0 << u"CmdOK"_s << u"Key Setting|P1：|Long Press|Short Press|Key Lock|Cancel"_s;
+            << key << 0 << u"CmdOK"_s << u"Key Setting|P1：|Long Press|Short Press|Key Lock|Cancel"_s
+            << u"Key Setting|P1 Long Press|P4 Short Press"_s;
         QTest::newRow("key setting, Simplified Chinese, OK")
-            << key << 1 << u"CmdOK"_s << u"键定义|P1：|长按|短按|键盘锁|取消"_s;
+            << key << 1 << u"CmdOK"_s << u"键定义|P1：|长按|短按|键盘锁|取消"_s << u"键定义|P1 长按|P4 短按"_s;
         QTest::newRow("key setting, Traditional Chinese, Cancel")
-            << key << 2 << u"CmdCannel"_s << u"鍵定義|P1：|長按|短按|鍵盤鎖|取消"_s;
+            << key << 2 << u"CmdCannel"_s << u"鍵定義|P1：|長按|短按|鍵盤鎖|取消"_s << u"鍵定義|P1 長按|P4 短按"_s;
     }
 
     void throughTheMenu()
@@ -52,6 +58,7 @@ private Q_SLOTS:
         QFETCH(int, language);
         QFETCH(QString, button);
         QFETCH(QString, captions);
+        QFETCH(QString, spoken);
         const bool option = menuItem == u"mnuOptiom_Features";
         const bool ok = button == u"CmdOK";
         h->open(language);
@@ -69,9 +76,15 @@ private Q_SLOTS:
             ? QStringList{u"Label10"_s, u"Check10"_s, u"Label22"_s, u"CobKeyS"_s, u"CmdOK"_s}
             : QStringList{u"Label10"_s, u"Label20"_s, u"Label21"_s, u"CobKeyL6"_s, u"CmdCannel"_s};
         QStringList shown;
+        QStringList heard;
         QByteArray found;
         ShellHarness::whenModal([&](QDialog *form) {
             found = wr::app().image.bytes();
+            for (const QString &name : option ? QStringList{QString(), u"CobKeyL"_s, u"CobKeyS"_s}
+                                              : QStringList{QString(), u"CobKeyL0"_s, u"CobKeyS3"_s}) {
+                QWidget *control = name.isEmpty() ? form : form->findChild<QWidget *>(name);
+                heard << QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name);
+            }
             shown = QStringList{form->windowTitle()};
             for (const QString &name : captioned) {
                 if (auto *label = form->findChild<QLabel *>(name))
@@ -86,6 +99,7 @@ private Q_SLOTS:
         });
         h->trigger(menuItem);
         QCOMPARE(shown.join(u'|'), captions);
+        QCOMPARE(heard.join(u'|'), spoken);
 
         // The commit step (address 0x0CD0 cleared) runs before the optional
         // features only.
@@ -122,6 +136,10 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&option));
         QVERIFY(option.findChild<QComboBox *>(u"Combo18"_s)->isVisible());
         QVERIFY(key.findChild<QWidget *>(u"Picture1"_s)->isVisible());
+        // The painted picture reads as one, with where the keys are.
+        QAccessibleInterface *picture = QAccessible::queryAccessibleInterface(key.findChild<QWidget *>(u"Picture1"_s));
+        QCOMPARE(picture->role(), QAccessible::Graphic);
+        QVERIFY(picture->text(QAccessible::Description).contains(u"P7"_s));
         QStringList outOfSight;
         for (const QString &name : {u"Check16"_s, u"Check17"_s, u"Combo114"_s, u"cboRadio3"_s, u"cboCH1"_s,
                                     u"ComKey"_s, u"Combo20"_s, u"Check2"_s}) {

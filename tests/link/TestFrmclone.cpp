@@ -3,11 +3,15 @@
 #include "TestSuite.h"
 
 #include "core/AppState.h"
+#include "link/CloneEngine.h"
 #include "link/TransferTexts.h"
 #include "link/frmclone.h"
 #include "ui/MessageBox.h"
 
+#include <QAccessible>
 #include <QLabel>
+#include <QProgressBar>
+#include <QScopeGuard>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -31,6 +35,7 @@ private Q_SLOTS:
     void transfer_data();
     void transfer();
     void cancelWhileRetrying();
+    void retryLineIsAnnounced();
 };
 
 void TestFrmclone::transfer_data()
@@ -119,7 +124,8 @@ void TestFrmclone::transfer()
 }
 
 // The radio stops answering after five rows: the line under the bar says
-// that the form retries, and Cancel ends the transfer with the rows read.
+// that the form retries (and tells a screen reader so), and Cancel ends the
+// transfer with the rows read.
 void TestFrmclone::cancelWhileRetrying()
 {
     test::RadioOnPty line(filePath(u"serial-ports"_s), sim::RadioFaults{.hangUpAfterRows = 5});
@@ -137,6 +143,11 @@ void TestFrmclone::cancelWhileRetrying()
     QCOMPARE(cancel->text(), u"取消"_s);
     QTRY_COMPARE_WITH_TIMEOUT(status->text(), u"COM200 無應答，正在重試（第 2 次，共 7 次）\u2026"_s, 10000);
     QCOMPARE(form.findChild<QLabel *>(u"lblPercent"_s)->text(), u"完成進度:  0%"_s);
+    QAccessibleInterface *bar = QAccessible::queryAccessibleInterface(form.findChild<QProgressBar *>(u"prgPercent"_s));
+    // Its value out of its maximum is the percentage a screen reader says.
+    QCOMPARE(QStringList({bar->text(QAccessible::Name), bar->valueInterface()->currentValue().toString(),
+                          bar->valueInterface()->maximumValue().toString()}),
+             (QStringList{u"完成進度"_s, u"0"_s, QString::number(CloneEngine::ProgressMaximum)}));
     QTest::mouseClick(cancel, Qt::LeftButton);
 
     QVERIFY(!form.isVisible());
@@ -145,6 +156,33 @@ void TestFrmclone::cancelWhileRetrying()
     QVERIFY(MessageBox::history().isEmpty());
     for (int row = 0; row < MemoryImage::RowCount; ++row)
         QCOMPARE(state.image.row(row), row < 5 ? line.radio.memory().row(row) : before.row(row));
+}
+
+// A screen reader hears the line under the bar each time it changes: its
+// name is its text, and a change of it is announced. Events reach a screen
+// reader only through the platform's accessibility bridge, so this runs on
+// the accessibility bus (test_frmclone_announced).
+void TestFrmclone::retryLineIsAnnounced()
+{
+    if (!qEnvironmentVariableIsSet("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"))
+        QSKIP("needs the accessibility bus: run as test_frmclone_announced");
+    QTRY_VERIFY_WITH_TIMEOUT(QAccessible::isActive(), 10000);
+    static QList<std::pair<QAccessible::Event, QObject *>> told;
+    told.clear();
+    const QAccessible::UpdateHandler bridge = QAccessible::installUpdateHandler(
+        [](QAccessibleEvent *event) { told.append({event->type(), event->object()}); });
+    const auto restore = qScopeGuard([bridge] { QAccessible::installUpdateHandler(bridge); });
+    test::RadioOnPty line(filePath(u"serial-ports"_s), sim::RadioFaults{.hangUpAfterRows = 5});
+    QVERIFY2(line.isOpen(), qPrintable(line.errorString()));
+    test::transferState(0, true, 200);
+
+    frmclone form;
+    form.show();
+    auto *status = form.findChild<QLabel *>(u"lblStatus"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(status->text().contains(u"retrying"_s), 10000);
+    QVERIFY(told.contains({QAccessible::NameChanged, status}));
+    QCOMPARE(QAccessible::queryAccessibleInterface(status)->text(QAccessible::Name), status->text());
+    form.close();
 }
 
 QTEST_MAIN(TestFrmclone)

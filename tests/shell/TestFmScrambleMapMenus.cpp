@@ -74,34 +74,45 @@ private Q_SLOTS:
 
     void memoryMapGesture_data()
     {
+        QTest::addColumn<bool>("byKey"); // Ctrl+Shift+Alt+M in place of the gesture
         QTest::addColumn<QString>("button");
         QTest::addColumn<QString>("rx");     // channel 3 in the list afterwards
         QTest::addColumn<bool>("meanwhile"); // channel 9 typed into the list while the map is open
-        QTest::newRow("OK keeps the patch") << u"cmdOK"_s << u"145.50000"_s << false;
-        QTest::newRow("Cancel drops it") << u"cmdCancel"_s << u"145.00000"_s << false;
-        QTest::newRow("OK over a channel typed meanwhile") << u"cmdOK"_s << u"145.50000"_s << true;
-        QTest::newRow("Cancel after a channel typed meanwhile") << u"cmdCancel"_s << u"145.00000"_s << true;
+        QTest::newRow("OK keeps the patch") << false << u"cmdOK"_s << u"145.50000"_s << false;
+        QTest::newRow("Cancel drops it") << false << u"cmdCancel"_s << u"145.00000"_s << false;
+        QTest::newRow("by key, OK keeps the patch") << true << u"cmdOK"_s << u"145.50000"_s << false;
+        QTest::newRow("OK over a channel typed meanwhile") << false << u"cmdOK"_s << u"145.50000"_s << true;
+        QTest::newRow("Cancel after a channel typed meanwhile") << false << u"cmdCancel"_s << u"145.00000"_s << true;
     }
 
-    // The gesture saves the grid and opens one memory map beside the
-    // window; a patch of channel 3 made there shows in the channel list
-    // after OK and survives the next commit step. OK overwrites what changed
-    // since the map opened, which is kept as a backup first.
+    // The gesture, or its key, saves the grid and opens one memory map
+    // beside the window; a patch of channel 3 made there shows in the
+    // channel list after OK and survives the next commit step. OK overwrites
+    // what changed since the map opened, which is kept as a backup first.
     void memoryMapGesture()
     {
+        QFETCH(bool, byKey);
         QFETCH(QString, button);
         QFETCH(QString, rx);
         QFETCH(bool, meanwhile);
         h->open(0).show();
-        QVERIFY(QTest::qWaitForWindowExposed(h->window.get()));
+        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
         h->editRx(3, u"145"_s);
-        gesture();
+        const auto open = [&] {
+            if (byKey)
+                QTest::keyClick(h->window.get(), Qt::Key_M, Qt::ControlModifier | Qt::ShiftModifier | Qt::AltModifier);
+            else
+                gesture();
+        };
+        open();
         QCOMPARE(memoryMaps().size(), 1);
         wr::frmMemoryMap *map = memoryMaps().first();
         QVERIFY(map->isVisible());
         QVERIFY(!map->isModal());
         QCOMPARE(ShellHarness::imageRx(3), u"145.00000"_s);
-        gesture();
+        h->window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
+        open();
         QCOMPARE(memoryMaps(), QList<wr::frmMemoryMap *>{map});
 
         if (meanwhile)

@@ -509,10 +509,16 @@ private Q_SLOTS:
         QTest::addColumn<int>("from");
         QTest::addColumn<int>("choice");
         QTest::addColumn<bool>("ok");
-        QTest::addColumn<QString>("texts"); // File menu, tree item, Qt's own Cancel, channel 2's power
-        QTest::newRow("English to Traditional Chinese") << 0 << 2 << true << u"文件(&F)|可選功能|取消|高"_s;
-        QTest::newRow("Simplified Chinese to English") << 1 << 0 << true << u"File(&F)|Optiom Features|Cancel|High"_s;
-        QTest::newRow("Cancel keeps English") << 0 << 1 << false << u"File(&F)|Optiom Features|Cancel|High"_s;
+        // File menu, tree item, Qt's own Cancel, channel 2's power; what a
+        // screen reader says for the tree, the icon-only Print and Read
+        // buttons (whose tool tips stay English) and the status bar.
+        QTest::addColumn<QString>("texts");
+        QTest::newRow("English to Traditional Chinese")
+            << 0 << 2 << true << u"文件(&F)|可選功能|取消|高|編輯項目|打印|讀取 Read|狀態列"_s;
+        QTest::newRow("Simplified Chinese to English")
+            << 1 << 0 << true << u"File(&F)|Optiom Features|Cancel|High|Editors|Print|Read Read|Status bar"_s;
+        QTest::newRow("Cancel keeps English")
+            << 0 << 1 << false << u"File(&F)|Optiom Features|Cancel|High|Editors|Print|Read Read|Status bar"_s;
     }
 
     void languageSwitch()
@@ -535,9 +541,15 @@ private Q_SLOTS:
         QCOMPARE(wr::InstalledQtTranslation(), expected);
         // The form's commit step kept the grid edit, and the grid reloaded it
         // in the new language's words.
+        const auto spoken = [this](const QString &name) {
+            QWidget *part = h->window->findChild<QWidget *>(name);
+            return QAccessible::queryAccessibleInterface(part)->text(QAccessible::Name);
+        };
+        auto *read = h->window->findChild<QToolButton *>(u"Read"_s);
         QCOMPARE(QStringList({h->action(u"mnuFile"_s)->text(), treeNode(u"Item2"_s)->text(0),
                               QCoreApplication::translate("QPlatformTheme", "Cancel"),
-                              h->window->channelList()->cellText(2, 5)}),
+                              h->window->channelList()->cellText(2, 5), spoken(u"Tree0"_s),
+                              spoken(u"Print"_s), spoken(u"Read"_s) + u' ' + read->toolTip(), spoken(u"MSBar"_s)}),
                  texts.split(u'|'));
         QVERIFY(!wr::app().image.IsModified());
     }

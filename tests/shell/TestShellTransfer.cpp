@@ -1,7 +1,7 @@
 // Write and Read through the main window's menu against the virtual radio
 // on a pseudo-terminal: the radio's memory, the refreshed channel list, the
-// backup of what was read, the read-back of a write, and the port dialog's
-// connection test.
+// backup of what was read, the read-back of a write, the port dialog's
+// connection test, and the whole round with the keyboard alone.
 // Cancelled confirmations are in TestMainWindow's shortcuts; the port scan
 // is tested with the link.
 #include "ShellHarness.h"
@@ -11,6 +11,7 @@
 #include <QAccessible>
 #include <QComboBox>
 #include <QDeadlineTimer>
+#include <QTableView>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLineEdit>
@@ -213,6 +214,52 @@ private Q_SLOTS:
             QCOMPARE(backups.last().reason, wr::BackupReason::BeforeRead);
             QCOMPARE(ShellHarness::rxOf(wr::DataFile::Read(backups.last().path).image, 7), u"145.50000"_s);
         }
+    }
+
+    // Read, edit a channel and write with the keyboard alone, as a user
+    // without a pointer would: every message box is answered with Enter.
+    void keyboardOnly()
+    {
+        const QString inRadio = filePath(u"in-radio.tw"_s);
+        const QString saved = filePath(u"radio-after.tw"_s);
+        QVERIFY(ShellHarness::writeDataFile(inRadio, ShellHarness::imageWithChannels(1, 40)));
+        QVERIFY(startRadioAndWindow({u"--image"_s, inRadio, u"--save"_s, saved}));
+        wr::MessageBox::setAutoAnswer(false);
+        QStringList answered;
+        QTimer enter;
+        connect(&enter, &QTimer::timeout, &enter, [&answered] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!box || !box->isVisible())
+                return;
+            answered << box->text().section(u'\n', 0, 0);
+            QTest::keyClick(box, Qt::Key_Return);
+        });
+        enter.start(20);
+        // A transfer that hangs must not hang the suite.
+        QTimer::singleShot(60000, h->window.get(), [] {
+            if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
+                dialog->reject();
+        });
+        h->window->show();
+        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
+        const auto keys = [](QKeyCombination key) { QTest::keyClick(QApplication::focusWidget(), key.key(), key.keyboardModifiers()); };
+
+        keys(Qt::CTRL | Qt::Key_R);
+        QCOMPARE(h->gridRx(5), u"435.12500"_s);
+        // A desktop's window manager activates the main window again once
+        // the dialogs close; the offscreen platform has none.
+        h->window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
+        QVERIFY(qobject_cast<QTableView *>(QApplication::focusWidget())); // the channel list kept the focus
+        for (int row = 1; row < 5; ++row)
+            keys(Qt::Key_Down);
+        for (const QChar typed : u"146.525"_s) // each key to wherever the focus is, as typing goes
+            QTest::keyClick(QApplication::focusWidget(), typed.toLatin1());
+        keys(Qt::Key_Return);
+        keys(Qt::CTRL | Qt::Key_W);
+        QCOMPARE(answered, (QStringList{u"Read data from radio."_s, u"Reading completed!"_s, u"Write data to radio."_s,
+                                        u"Writing completed! (verified)"_s}));
+        QTRY_COMPARE_WITH_TIMEOUT(ShellHarness::rxOf(wr::DataFile::Read(saved).image, 5), u"146.52500"_s, 5000);
     }
 
     // Verify After Writing, in the Set menu, is on unless switched off, and

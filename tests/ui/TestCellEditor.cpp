@@ -3,6 +3,7 @@
 // and a column whose edits go to the text column.
 #include "TestSuite.h"
 
+#include "ui/Accessible.h"
 #include "ui/CellEditor.h"
 
 #include <QApplication>
@@ -295,6 +296,31 @@ private Q_SLOTS:
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         QCOMPARE(m_rules->commits, 1);
         QVERIFY(m_view->hasFocus());
+    }
+
+    // A screen reader asking a table for its current cell crashes Qt 6.4
+    // when there is none; the grids keep one through every change.
+    void keepsACurrentCell_data()
+    {
+        QTest::addColumn<QString>("change");
+        QTest::newRow("every row removed, then rows added") << u"refill"_s;
+        QTest::newRow("the model reset") << u"reset"_s;
+    }
+
+    void keepsACurrentCell()
+    {
+        QFETCH(QString, change);
+        keepCurrentCell(m_view);
+        select(7, 2);
+        if (change == u"refill") {
+            m_model->removeRows(0, m_model->rowCount());
+            m_model->insertRows(0, 3);
+        } else {
+            m_model->clear();
+            m_model->setColumnCount(4);
+            m_model->setRowCount(3);
+        }
+        QCOMPARE(m_view->currentIndex(), m_model->index(0, 0));
     }
 };
 

@@ -10,7 +10,9 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
+#include <QAccessible>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTest>
@@ -22,8 +24,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr Caption Captions[]{
-    {u"frmExample", {u"Example", u"示例", u"示例"}},
-    {u"lblMode", {u"Mode", u"方式", u"方式"}},
+    {u"frmExample", {u"E&xample", u"示例(&X)", u"示例(&X)"}},
+    {u"lblMode", {u"Mode:", u"方式：", u"方式："}},
+    {u"lblPress", {u"Short Press", u"短按", u"短按"}},
     {u"grpMore", {u"More", u"更多", u"更多"}},
     {u"CmdOK", Words::OK},
     {u"CmdCancel", Words::Cancel},
@@ -35,7 +38,10 @@ constexpr ListField Lists[]{
     {.control = u"cboLevel", .bits = BitField{0x0CD6}, .words = OffWord, .numbers = {.first = 1, .last = 9}},
 };
 constexpr CheckField Checks[]{{u"chkBeep", {u"Beep", u"哗音", u"嘩音"}, BitField{0x0CD1, 6, 1}}};
-constexpr FieldTable Fields{.captions = Captions, .lists = Lists, .checks = Checks};
+constexpr ReportLine Lines[]{{u"cboLevel", u"lblMode", u"lblPress"}, {u"chkBeep"}};
+constexpr Caption SpokenNames[]{{u"txtNotes", {u"Notes", u"备注", u"備註"}}};
+constexpr FieldTable Fields{
+    .captions = Captions, .lists = Lists, .checks = Checks, .lines = Lines, .spokenNames = SpokenNames};
 
 constexpr ListField Missing[]{{.control = u"cboMissing", .bits = BitField{0x0CD8}, .words = OffWord}};
 constexpr FieldTable MissingFields{.lists = Missing};
@@ -52,8 +58,12 @@ public:
             control->setObjectName(name);
             layout->addWidget(control);
         };
-        add(new QLabel, u"lblMode"_s);
+        auto *mode = new QLabel;
+        add(mode, u"lblMode"_s);
         add(new QComboBox, u"cboMode"_s);
+        mode->setBuddy(list(u"cboMode"_s));
+        add(new QLabel, u"lblPress"_s);
+        add(new QPlainTextEdit, u"txtNotes"_s);
         add(new QGroupBox, u"grpMore"_s);
         add(new QComboBox, u"cboLevel"_s);
         add(new QCheckBox, u"chkBeep"_s);
@@ -79,9 +89,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("language");
         QTest::addColumn<QString>("texts"); // title, label, group, check, first items, OK, Cancel
-        QTest::newRow("English") << int(English) << u"Example|Mode|More|Beep|Slow|Off|OK|Cancel"_s;
-        QTest::newRow("Simplified") << int(SimplifiedChinese) << u"示例|方式|更多|哗音|慢|关|确定|取消"_s;
-        QTest::newRow("Traditional") << int(TraditionalChinese) << u"示例|方式|更多|嘩音|慢|關|確定|取消"_s;
+        QTest::newRow("English") << int(English) << u"E&xample|Mode:|More|Beep|Slow|Off|OK|Cancel"_s;
+        QTest::newRow("Simplified") << int(SimplifiedChinese) << u"示例(&X)|方式：|更多|哗音|慢|关|确定|取消"_s;
+        QTest::newRow("Traditional") << int(TraditionalChinese) << u"示例(&X)|方式：|更多|嘩音|慢|關|確定|取消"_s;
     }
 
     void captions()
@@ -157,6 +167,37 @@ private Q_SLOTS:
         QCOMPARE(form.missingControls(), QStringList{u"cboMissing"_s});
         form.accept();
         QCOMPARE(image.ReadByte(0x0CD8), 0x05);
+    }
+
+    // What a screen reader says, through the interfaces it reads: the title
+    // without its mnemonic, a list by its label (not by the item it shows)
+    // and keeping its item as value, a field by its line's captions, a text
+    // without a label by the name written for it, a check box by its text.
+    void spokenNames_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QString>("names"); // dialog, cboMode (its value), cboLevel, txtNotes, chkBeep, OK
+        QTest::newRow("English") << int(English) << u"Example|Mode (Fast)|Mode Short Press|Notes|Beep|OK"_s;
+        QTest::newRow("Simplified") << int(SimplifiedChinese) << u"示例|方式 (快)|方式 短按|备注|哗音|确定"_s;
+        QTest::newRow("Traditional") << int(TraditionalChinese) << u"示例|方式 (快)|方式 短按|備註|嘩音|確定"_s;
+    }
+
+    void spokenNames()
+    {
+        QFETCH(int, language);
+        QFETCH(QString, names);
+        MemoryImage image;
+        image.WriteByte(0x0CD1, 0x02);
+        frmExample form(image, Language(language));
+        const auto spoken = [&form](const QString &name, QAccessible::Text kind = QAccessible::Name) {
+            QWidget *control = name.isEmpty() ? &form : form.findChild<QWidget *>(name);
+            return QAccessible::queryAccessibleInterface(control)->text(kind);
+        };
+        const QStringList heard{spoken({}),
+                                spoken(u"cboMode"_s) + u" ("_s + spoken(u"cboMode"_s, QAccessible::Value) + u')',
+                                spoken(u"cboLevel"_s), spoken(u"txtNotes"_s), spoken(u"chkBeep"_s),
+                                spoken(u"CmdOK"_s)};
+        QCOMPARE(heard.join(u'|'), names);
     }
 };
 

@@ -6,7 +6,9 @@
 // The progress form is also shown retrying and searching the ports against a
 // silent virtual radio and verifying a write, the port dialog after its
 // connection test, and the port error and verification boxes and the
-// warning of a radio left partly written, with made-up devices and rows.
+// warning of a radio left partly written, with made-up devices and rows. For
+// each dialog, focus-*.png shows it once for every stop of the Tab key, to
+// check that the focus can be seen on every control.
 #include "channels/ChannelRecord.h"
 #include "channels/frmChannel.h"
 #include "channels/FillFrequenciesDialog.h"
@@ -20,10 +22,16 @@
 #include "link/frmclone.h"
 #include "shell/LanguageForm.h"
 #include "shell/MDIForm1.h"
+#include "ui/Accessible.h"
 #include "ui/MessageBox.h"
 #include "shell/frmAbout.h"
 #include "shell/frmBackups.h"
 #include "shell/frmComPort.h"
+#include "features/frmKey.h"
+#include "features/frmMemoryMap.h"
+#include "features/frmOption.h"
+#include "features/frmRadio.h"
+#include "features/frmSMB.h"
 
 #include "PtyRadio.h"
 #include "VirtualRadio.h"
@@ -35,8 +43,10 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -72,6 +82,39 @@ void save(QWidget *widget, const QString &folder, const QString &name)
     const QString path = QDir(folder).filePath(name + QStringLiteral(".png"));
     if (!widget->grab().save(path))
         std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
+}
+
+// The window once for each stop of the Tab key, side by side in rows of
+// four, from the control that has the focus when it opens round to it again.
+void saveFocusStops(QWidget *window, const QString &folder, const QString &name)
+{
+    window->show();
+    window->activateWindow();
+    QApplication::processEvents();
+    QList<QImage> stops;
+    const QWidget *first = QApplication::focusWidget();
+    for (int stop = 0; stop < 40; ++stop) {
+        QApplication::processEvents();
+        stops << window->grab().toImage();
+        QWidget *focus = QApplication::focusWidget();
+        if (!focus)
+            break;
+        QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
+        QApplication::sendEvent(focus, &tab);
+        if (QApplication::focusWidget() == first)
+            break;
+    }
+    const QSize cell = stops.first().size();
+    const int columns = std::min<int>(4, int(stops.size()));
+    QImage sheet(cell.width() * columns, cell.height() * int((stops.size() + columns - 1) / columns),
+                 QImage::Format_ARGB32);
+    sheet.fill(Qt::white);
+    QPainter painter(&sheet);
+    for (int i = 0; i < stops.size(); ++i)
+        painter.drawImage((i % columns) * cell.width(), (i / columns) * cell.height(), stops.at(i));
+    painter.end();
+    sheet.save(QDir(folder).filePath(QStringLiteral("focus-") + name + QStringLiteral(".png")));
+    window->hide();
 }
 
 void waitFor(const std::function<bool()> &done, int ms)
@@ -274,6 +317,7 @@ int main(int argc, char *argv[])
 {
     QApplication application(argc, argv);
     wr::InitApplicationIdentity();
+    wr::useFocusFrames();
     const QString folder = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("/tmp/shots-shell");
     QDir().mkpath(folder);
     // The progress form tries the port at once; its failure message must
@@ -315,6 +359,22 @@ int main(int argc, char *argv[])
         wr::frmAbout about(language, &window);
         save(&about, folder, QStringLiteral("about-box-") + tag);
         saveBackups(&window, language, folder, tag);
+        saveFocusStops(&languageForm, folder, QStringLiteral("language-form-") + tag);
+        saveFocusStops(&port, folder, QStringLiteral("port-dialog-") + tag);
+        saveFocusStops(&about, folder, QStringLiteral("about-box-") + tag);
+        {
+            wr::frmOption option(wr::app().image, language, &window);
+            saveFocusStops(&option, folder, QStringLiteral("optional-features-") + tag);
+            wr::frmKey key(wr::app().image, language, &window);
+            saveFocusStops(&key, folder, QStringLiteral("key-setting-") + tag);
+            wr::frmSMB scramble(wr::app().image, language, &window);
+            saveFocusStops(&scramble, folder, QStringLiteral("scramble-") + tag);
+            wr::frmRadio radio(wr::app().image, language, &window);
+            saveFocusStops(&radio, folder, QStringLiteral("radio-") + tag);
+            wr::frmMemoryMap map(wr::app().image, language, &window);
+            saveFocusStops(&map, folder, QStringLiteral("memory-map-") + tag);
+        }
+        saveFocusStops(&window, folder, QStringLiteral("main-window-") + tag);
 
         wr::app().LinkDirection = 0;
         auto *clone = new wr::frmclone(&window);
