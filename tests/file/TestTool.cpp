@@ -1,7 +1,7 @@
 // Runs the built wrpd6t-tool as a separate process, as a user would.
 
 #include "TestSuite.h"
-#include "ToolRun.h"
+#include "Programs.h"
 
 #include "core/MemoryImage.h"
 #include "file/Backups.h"

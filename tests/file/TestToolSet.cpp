@@ -2,7 +2,7 @@
 // and the channels of the file afterwards, or the file untouched.
 
 #include "TestSuite.h"
-#include "ToolRun.h"
+#include "Programs.h"
 
 #include "channels/ChannelRecord.h"
 #include "core/BandLimits.h"

@@ -2,6 +2,7 @@
 // user would, with their data folder in a temporary place.
 
 #include "LinkTestData.h"
+#include "Programs.h"
 #include "TestSuite.h"
 
 #include "core/MemoryImage.h"
@@ -16,26 +17,31 @@
 #include <QSerialPort>
 #include <QTest>
 
-#include <csignal>
-
 using namespace wr;
 using namespace Qt::Literals::StringLiterals;
+using test::runTool;
+
+namespace {
+
+// What a run of the tool said, on both outputs.
+QString said(const test::Run &run)
+{
+    return run.err + run.out;
+}
+
+} // namespace
 
 class TestLinkTools : public test::Suite
 {
     Q_OBJECT
 
-    void setUp() override;
-    void tearDown() override
+    void setUp() override
     {
-        m_radio.terminate(); // SIGTERM: the radio removes its link
-        m_radio.waitForFinished(5000);
-        for (const std::unique_ptr<QProcess> &radios : m_radioSets) {
-            radios->terminate();
-            radios->waitForFinished(5000);
-        }
-        m_radioSets.clear();
+        m_radios.emplace();
+        test::fillPattern(m_radioImage, 11);
+        QVERIFY(DataFile::Write(filePath(u"start.tw"_s), m_radioImage, nullptr));
     }
+    void tearDown() override { m_radios.reset(); }
 
 private Q_SLOTS:
     void readAndWrite();
@@ -50,118 +56,57 @@ private Q_SLOTS:
     void doctorWaitsForThePort();
 
 private:
-    // Starts the virtual radio on COM77; returns its first line ("COM77 /dev/pts/3").
-    QString startRadio(const QStringList &faults);
     // Starts `count` virtual radios from COM<com> in one process, holding
-    // start.tw and saving to radio-COM<N>.tw; returns their devices by
-    // number (empty when they did not start).
-    QMap<int, QString> startRadios(int com, int count, const QStringList &faults = {});
-    // Runs the tool; the exit code, and its error output (then its output) in
-    // *err. With interruptAtQuarters, Ctrl+C once that many progress lines
-    // have said 25 %.
-    int tool(const QStringList &arguments, QString *err, int interruptAtQuarters = 0);
+    // start.tw and saving to radio.tw (radio-COM<N>.tw when there are
+    // several); their devices by number, none when they did not start.
+    QMap<int, QString> startRadios(int com, int count, const QStringList &faults = {})
+    {
+        return m_radios->start(tempFolder(), com, count,
+                               QStringList{u"--image"_s, filePath(u"start.tw"_s), u"--save"_s, filePath(u"radio.tw"_s)}
+                                   + faults);
+    }
+    // One radio on COM77; its device.
+    QString startRadio(const QStringList &faults = {}) { return startRadios(77, 1, faults).value(77); }
     // Each row of the data file `name`: from `moved` where listed, else from `others`.
     void checkRows(const QString &name, const QList<int> &listed, const MemoryImage &moved, const MemoryImage &others)
     {
-        MemoryImage image;
-        image.setBytes(DataFile::Read(filePath(name)).image);
+        const MemoryImage image = test::imageOf(DataFile::Read(filePath(name)).image);
         for (int row = 0; row < MemoryImage::RowCount; ++row)
             QCOMPARE(image.row(row), listed.contains(row) ? moved.row(row) : others.row(row));
     }
 
-    QProcessEnvironment m_environment;
-    QProcess m_radio;
-    std::vector<std::unique_ptr<QProcess>> m_radioSets;
+    std::optional<test::SimulatedRadios> m_radios;
     MemoryImage m_radioImage;
 };
 
-void TestLinkTools::setUp()
-{
-    m_environment = QProcessEnvironment::systemEnvironment();
-    m_environment.insert(u"XDG_DATA_HOME"_s, filePath(u"data"_s));
-    test::fillPattern(m_radioImage, 11);
-    QVERIFY(DataFile::Write(filePath(u"start.tw"_s), m_radioImage, nullptr));
-}
-
-QString TestLinkTools::startRadio(const QStringList &faults)
-{
-    m_radio.setProcessEnvironment(m_environment);
-    m_radio.start(QStringLiteral(WRPD6T_SIM_PATH), QStringList{u"--no-pacing"_s, u"--com"_s, u"77"_s, u"--image"_s,
-                                                               filePath(u"start.tw"_s), u"--save"_s, filePath(u"radio.tw"_s)}
-                      + faults);
-    if (!m_radio.waitForStarted(5000) || !m_radio.waitForReadyRead(5000))
-        return {};
-    return QString::fromUtf8(m_radio.readLine()).trimmed();
-}
-
-QMap<int, QString> TestLinkTools::startRadios(int com, int count, const QStringList &faults)
-{
-    QProcess &radios = *m_radioSets.emplace_back(std::make_unique<QProcess>());
-    radios.setProcessEnvironment(m_environment);
-    radios.start(QStringLiteral(WRPD6T_SIM_PATH),
-                 QStringList{u"--no-pacing"_s, u"--com"_s, QString::number(com), u"--count"_s, QString::number(count),
-                             u"--image"_s, filePath(u"start.tw"_s), u"--save"_s, filePath(u"radio.tw"_s)}
-                     + faults);
-    QMap<int, QString> devices;
-    if (!radios.waitForStarted(5000))
-        return {};
-    while (devices.size() < count) {
-        if (!radios.canReadLine() && !radios.waitForReadyRead(5000))
-            return {};
-        const QString line = QString::fromUtf8(radios.readLine()).trimmed(); // "COM80 /dev/pts/3"
-        devices.insert(line.section(u' ', 0, 0).mid(3).toInt(), line.section(u' ', 1));
-    }
-    return devices;
-}
-
-int TestLinkTools::tool(const QStringList &arguments, QString *err, int interruptAtQuarters)
-{
-    QProcess process;
-    process.setProcessEnvironment(m_environment);
-    process.setReadChannel(QProcess::StandardError);
-    process.start(QStringLiteral(WRPD6T_TOOL_PATH), arguments);
-    process.closeWriteChannel(); // nobody at a terminal to answer
-    QByteArray said;
-    if (interruptAtQuarters > 0) {
-        while (said.count("25%") < interruptAtQuarters && process.waitForReadyRead(10000))
-            said += process.readAllStandardError();
-        if (said.count("25%") < interruptAtQuarters || ::kill(pid_t(process.processId()), SIGINT) != 0)
-            return -1;
-    }
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
-        return -1;
-    *err = QString::fromUtf8(said + process.readAllStandardError() + process.readAllStandardOutput());
-    return process.exitCode();
-}
-
 void TestLinkTools::readAndWrite()
 {
-    const QString first = startRadio({});
-    QVERIFY2(first.startsWith(u"COM77 /dev/"_s), qPrintable(first));
+    const QString device = startRadio();
+    QVERIFY2(device.startsWith(u"/dev/"_s), qPrintable(device));
     const QString link = filePath(u"data/wrpd6t/serial-ports/com77"_s);
-    QCOMPARE(QFileInfo(link).symLinkTarget(), first.section(u' ', 1));
-    QString err;
-    QCOMPARE(tool({u"ports"_s}, &err), 0);
-    QVERIFY2(err.contains(u"COM77"_s), qPrintable(err));
+    QCOMPARE(QFileInfo(link).symLinkTarget(), device);
+    test::Run run = runTool({u"ports"_s}, tempFolder());
+    QCOMPARE(run.exitCode, 0);
+    QVERIFY2(said(run).contains(u"COM77"_s), qPrintable(said(run)));
 
     // Read: the radio's rows into a fresh image, saved as a data file.
-    QCOMPARE(tool({u"read"_s, u"COM77"_s, filePath(u"read.tw"_s)}, &err), 0);
-    QVERIFY2(err.contains(u"Reading completed!"_s), qPrintable(err));
-    MemoryImage fresh;
-    fresh.InitImage();
-    checkRows(u"read.tw"_s, test::transferredRows(true), m_radioImage, fresh);
+    run = runTool({u"read"_s, u"COM77"_s, u"@/read.tw"_s}, tempFolder());
+    QCOMPARE(run.exitCode, 0);
+    QVERIFY2(said(run).contains(u"Reading completed!"_s), qPrintable(said(run)));
+    checkRows(u"read.tw"_s, test::transferredRows(true), m_radioImage, test::freshImage());
 
     // Write: the file's rows into the radio, which saves its memory after "END".
     MemoryImage toWrite;
     test::fillPattern(toWrite, 12);
-    QVERIFY(DataFile::Write(filePath(u"write.tw"_s), toWrite, &err));
-    QCOMPARE(tool({u"write"_s, filePath(u"write.tw"_s), u"com77"_s}, &err), 0);
-    QVERIFY2(err.contains(u"Writing completed!"_s), qPrintable(err));
+    QVERIFY(DataFile::Write(filePath(u"write.tw"_s), toWrite, nullptr));
+    run = runTool({u"write"_s, u"@/write.tw"_s, u"com77"_s}, tempFolder());
+    QCOMPARE(run.exitCode, 0);
+    QVERIFY2(said(run).contains(u"Writing completed!"_s), qPrintable(said(run)));
     QTRY_VERIFY(QFileInfo::exists(filePath(u"radio.tw"_s)));
     checkRows(u"radio.tw"_s, test::transferredRows(false), toWrite, m_radioImage);
 
-    m_radio.terminate();
-    QVERIFY(m_radio.waitForFinished(5000) && m_radio.exitStatus() == QProcess::NormalExit);
+    m_radios->last().terminate();
+    QVERIFY(m_radios->last().waitForFinished(5000) && m_radios->last().exitStatus() == QProcess::NormalExit);
     QVERIFY(!QFileInfo(link).isSymLink());
 }
 
@@ -195,15 +140,15 @@ void TestLinkTools::failedReadKeepsFile()
     QFETCH(bool, portHeld);
     QFETCH(QString, port);
     QFETCH(QString, message);
-    const QString device = startRadio(faults).section(u' ', 1);
+    const QString device = startRadio(faults);
     QVERIFY(!device.isEmpty());
     QSerialPort holder(device);
     QVERIFY(!portHeld || holder.open(QIODevice::ReadWrite));
     QVERIFY(test::writeFile(filePath(u"out.tw"_s), "an older file"));
 
-    QString err;
-    QCOMPARE(tool({u"read"_s, port, filePath(u"out.tw"_s)}, &err), 1);
-    QVERIFY2(err.endsWith(message.replace(u"%1"_s, device)), qPrintable(err));
+    const test::Run run = runTool({u"read"_s, port, u"@/out.tw"_s}, tempFolder());
+    QCOMPARE(run.exitCode, 1);
+    QVERIFY2(said(run).endsWith(message.replace(u"%1"_s, device)), qPrintable(said(run)));
     QCOMPARE(test::readFile(filePath(u"out.tw"_s)), QByteArray("an older file"));
 }
 
@@ -256,9 +201,10 @@ void TestLinkTools::writeSeveral()
     arguments.append(filePath(u"write.tw"_s));
     for (const int port : devices.keys())
         arguments.append(u"COM%1"_s.arg(port));
-    QString err;
     const bool lastFails = !lastFaults.isEmpty();
-    QCOMPARE(tool(arguments, &err), lastFails ? 1 : 0);
+    const test::Run run = runTool(arguments, tempFolder());
+    const QString err = said(run);
+    QCOMPARE(run.exitCode, lastFails ? 1 : 0);
     for (auto radio = devices.cbegin(); radio != devices.cend(); ++radio) {
         const int port = radio.key();
         const QString label = u"COM%1 (%2): "_s.arg(port).arg(radio.value());
@@ -288,8 +234,9 @@ void TestLinkTools::writeInterrupted()
 {
     const QMap<int, QString> devices = startRadios(80, 2);
     QCOMPARE(devices.size(), 2);
-    QString err;
-    QCOMPARE(tool({u"write"_s, filePath(u"start.tw"_s), u"COM80"_s, u"COM81"_s}, &err, 2), 1);
+    const test::Run run = runTool({u"write"_s, u"@/start.tw"_s, u"COM80"_s, u"COM81"_s}, tempFolder(), 2);
+    const QString err = said(run);
+    QCOMPARE(run.exitCode, 1);
     for (auto radio = devices.cbegin(); radio != devices.cend(); ++radio) {
         const QString summary = u"COM%1 (%2): The transfer was cancelled.\n  The radio is only partly written: the write "
                                 "on COM%1 did not finish.\n  Write the radio again before using it.\n"_s;
@@ -302,13 +249,12 @@ void TestLinkTools::readEach()
 {
     const QMap<int, QString> devices = startRadios(80, 2);
     QCOMPARE(devices.size(), 2);
-    QString err;
-    QCOMPARE(tool({u"read"_s, u"--each"_s, u"COM80"_s, u"COM81"_s, u"--into"_s, filePath(u"batch"_s)}, &err), 0);
+    const test::Run run = runTool({u"read"_s, u"--each"_s, u"COM80"_s, u"COM81"_s, u"--into"_s, u"@/batch"_s}, tempFolder());
+    const QString err = said(run);
+    QCOMPARE(run.exitCode, 0);
 
     const QStringList files = QDir(filePath(u"batch"_s)).entryList(QDir::Files, QDir::Name);
     QCOMPARE(files.size(), 2);
-    MemoryImage fresh;
-    fresh.InitImage();
     for (int i = 0; i < 2; ++i) {
         const QString &name = files.at(i);
         QVERIFY2(QRegularExpression(u"^COM8%1_\\d{4}-\\d\\d-\\d\\d_\\d{6}\\.tw$"_s.arg(i)).match(name).hasMatch(),
@@ -316,7 +262,7 @@ void TestLinkTools::readEach()
         QVERIFY2(err.contains(u"COM8%1 (%2): Reading completed! Saved as %3\n"_s.arg(i).arg(devices.value(80 + i),
                                                                                       filePath(u"batch/"_s + name))),
                  qPrintable(err));
-        checkRows(u"batch/"_s + name, test::transferredRows(true), m_radioImage, fresh);
+        checkRows(u"batch/"_s + name, test::transferredRows(true), m_radioImage, test::freshImage());
     }
 }
 
@@ -355,38 +301,37 @@ void TestLinkTools::doctor()
     QFETCH(QStringList, arguments);
     QFETCH(int, exitCode);
     QFETCH(QString, output);
-    const QString device = startRadio(faults).section(u' ', 1);
+    const QString device = startRadio(faults);
     QVERIFY(!device.isEmpty());
-    m_environment.insert(u"XDG_CONFIG_HOME"_s, filePath(u"config"_s));
     SettingsStore(filePath(u"config/wrpd6t/settings.ini"_s))
         .SetKeyValue(SettingsStore::Root::LocalMachine, SettingsStore::keyPath(), u"gbPort"_s, u"77"_s);
 
-    QString err;
-    QCOMPARE(tool(QStringList{u"doctor"_s} + arguments, &err), exitCode);
+    const test::Run run = runTool(QStringList{u"doctor"_s} + arguments, tempFolder());
+    QCOMPARE(run.exitCode, exitCode);
     if (exitCode == 2)
         return;
-    QVERIFY2(err.startsWith(output.replace(u"%1"_s, device) + u'\n'), qPrintable(err));
+    QVERIFY2(said(run).startsWith(output.replace(u"%1"_s, device) + u'\n'), qPrintable(said(run)));
 }
 
 // A port that is not there is waited for; the port that comes instead is named.
 void TestLinkTools::doctorWaitsForThePort()
 {
     QProcess doctor;
-    doctor.setProcessEnvironment(m_environment);
+    doctor.setProcessEnvironment(test::environmentIn(tempFolder()));
     QElapsedTimer clock;
     clock.start();
     doctor.start(QStringLiteral(WRPD6T_TOOL_PATH), {u"doctor"_s, u"COM79"_s, u"--wait"_s, u"5"_s, u"--json"_s});
     QVERIFY(doctor.waitForStarted(5000));
     QTest::qWait(1000);
-    const QString device = startRadio({}).section(u' ', 1); // on COM77
+    const QString device = startRadio(); // on COM77
     QVERIFY(!device.isEmpty());
     QVERIFY(doctor.waitForFinished(10000));
     QVERIFY2(clock.elapsed() < 3000, qPrintable(QString::number(clock.elapsed())));
     QCOMPARE(doctor.exitCode(), 1);
-    const QString said = QString::fromUtf8(doctor.readAllStandardOutput());
-    QVERIFY2(said.contains(u"\"cause\":\"no-device\""_s), qPrintable(said));
-    QVERIFY2(said.contains(u"While the test waited, COM77 (%1) appeared."_s.arg(device)), qPrintable(said));
-    QVERIFY2(said.contains(u"choose COM77 and run the test again"_s), qPrintable(said));
+    const QString json = QString::fromUtf8(doctor.readAllStandardOutput());
+    QVERIFY2(json.contains(u"\"cause\":\"no-device\""_s), qPrintable(json));
+    QVERIFY2(json.contains(u"While the test waited, COM77 (%1) appeared."_s.arg(device)), qPrintable(json));
+    QVERIFY2(json.contains(u"choose COM77 and run the test again"_s), qPrintable(json));
 }
 
 QTEST_GUILESS_MAIN(TestLinkTools)

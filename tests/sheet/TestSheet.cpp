@@ -3,6 +3,7 @@
 // command and the print preview.
 
 #include "ModalDialog.h"
+#include "Programs.h"
 #include "TestSuite.h"
 
 #include "channels/ChannelRecord.h"
@@ -384,15 +385,11 @@ void TestSheet::tool()
     QVERIFY(test::writeFile(filePath(u"damaged.tw"_s), "PDZUNK damaged"));
     const QString out = filePath(u"out.pdf"_s);
     for (const QString &target : {out, filePath(u"missing/out.pdf"_s)}) {
-        QProcess tool;
-        tool.start(QStringLiteral(WRPD6T_TOOL_PATH), QStringList{u"sheet"_s}
-                                                         + arguments.replaceInStrings(u"@"_s, tempFolder())
-                                                         + QStringList{target});
-        QVERIFY(tool.waitForFinished(30000));
-        const QString errors = QString::fromUtf8(tool.readAllStandardError());
+        const test::Run run = test::runTool(QStringList{u"sheet"_s} + arguments + QStringList{target}, tempFolder());
+        const QString &errors = run.err;
         // A folder that is not there: the file cannot be written.
         const bool writable = target == out;
-        QCOMPARE(tool.exitCode(), writable || exitCode != 0 ? exitCode : 1);
+        QCOMPARE(run.exitCode, writable || exitCode != 0 ? exitCode : 1);
         QVERIFY2(errors.contains(writable || exitCode != 0 ? message : target + u": "_s), qPrintable(errors));
         if (exitCode == 0 && !writable)
             QVERIFY(errors.contains(u"No such file or directory"_s));

@@ -1,6 +1,7 @@
 // New, Open, Save and Save As through the main window's menu, and files
 // opened from outside (command line, drop): the questions, the file names and
 // folders, and that a failure never changes the image or the files.
+#include "Programs.h"
 #include "ShellHarness.h"
 
 #include "file/Backups.h"
@@ -8,7 +9,6 @@
 #include <QDir>
 #include <QFile>
 #include <QMimeData>
-#include <QProcess>
 #include <QPushButton>
 #include <QUrl>
 
@@ -263,12 +263,9 @@ private Q_SLOTS:
         QFETCH(QStringList, arguments);
         QFETCH(int, exitCode);
         QFETCH(QString, output);
-        QProcess program;
-        program.start(QStringLiteral(WRPD6T_PROGRAM), arguments);
-        QVERIFY(program.waitForFinished(20000));
-        QCOMPARE(program.exitCode(), exitCode);
-        const QString written = QString::fromUtf8(exitCode ? program.readAllStandardError() : program.readAllStandardOutput());
-        QVERIFY2(written.contains(output), qPrintable(written));
+        const wr::test::Run run = wr::test::runProgram(QStringLiteral(WRPD6T_PATH), arguments, tempFolder());
+        QCOMPARE(run.exitCode, exitCode);
+        QVERIFY2((exitCode ? run.err : run.out).contains(output), qPrintable(run.err + run.out));
     }
 
     // Data files dropped on the window.

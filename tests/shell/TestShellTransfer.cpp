@@ -4,18 +4,16 @@
 // connection test, and the whole round with the keyboard alone.
 // Cancelled confirmations are in TestMainWindow's shortcuts; the port scan
 // is tested with the link.
+#include "Programs.h"
 #include "ShellHarness.h"
 
 #include "file/Backups.h"
 
 #include <QAccessible>
 #include <QComboBox>
-#include <QDeadlineTimer>
-#include <QTableView>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLineEdit>
-#include <QProcess>
 #include <QProgressBar>
 #include <QPushButton>
 
@@ -28,27 +26,20 @@ class TestShellTransfer : public wr::test::ShellSuite
     Q_OBJECT
 
 private:
-    QProcess m_radio;
+    std::optional<wr::test::SimulatedRadios> m_radio;
 
-    // The virtual radio registered as COM200 in the test's own data home,
-    // and the main window on that port. The radio's first line,
-    // "COM200 <device>", says the link is in place.
-    bool startRadioAndWindow(const QStringList &arguments, int language = 0)
+    // The virtual radio registered as COM200 in the test's own data folder,
+    // and the main window on that port; the radio's device, none when it
+    // did not start.
+    QString startRadioAndWindow(const QStringList &arguments, int language = 0)
     {
-        const QString dataHome = filePath(u"data-home"_s);
-        QDir().mkpath(dataHome);
         // Only the virtual radio is listed: no real serial device joins in.
         wr::setSystemPortSource([] { return QList<wr::SystemPort>{}; });
-        wr::setSerialPortsFolder(dataHome + u"/wrpd6t/serial-ports"_s);
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(u"XDG_DATA_HOME"_s, dataHome);
-        m_radio.setProcessEnvironment(env);
-        m_radio.start(QStringLiteral(WRPD6T_RADIO_SIM), QStringList{u"--no-pacing"_s, u"--com"_s, u"200"_s} + arguments);
-        for (QDeadlineTimer wait(10000); !m_radio.canReadLine() && !wait.hasExpired();)
-            QTest::qWait(20);
+        wr::setSerialPortsFolder(filePath(u"data/wrpd6t/serial-ports"_s));
+        m_radio.emplace();
         h->storeSetting(u"gbPort"_s, u"200"_s);
         h->open(language);
-        return m_radio.readLine().startsWith("COM200 ");
+        return m_radio->start(tempFolder(), 200, 1, arguments).value(200);
     }
 
     // Runs Read or Write, confirmed with OK; the first and last message are
@@ -64,60 +55,27 @@ private:
         QCOMPARE(shown.last().section(u'|', 2), done);
     }
 
-    void trigger(const QString &item)
+    // A transfer that hangs must not hang the suite: its progress form closes.
+    void guardAgainstHanging() const
     {
-        // A transfer that hangs must not hang the suite: close the progress form.
-        QTimer::singleShot(30000, h->window.get(), [] {
+        QTimer::singleShot(60000, h->window.get(), [] {
             if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
                 dialog->reject();
         });
+    }
+    void trigger(const QString &item)
+    {
+        guardAgainstHanging();
         h->trigger(item);
     }
 
     void tearDown() override
     {
         ShellSuite::tearDown();
-        m_radio.terminate();
-        if (!m_radio.waitForFinished(3000))
-            m_radio.kill();
-        m_radio.waitForFinished(1000);
+        m_radio.reset();
     }
 
 private Q_SLOTS:
-    // Write, then Read back into a fresh image, with one virtual radio.
-    void writeThenReadThroughMenu()
-    {
-        const QString saved = filePath(u"radio-after.tw"_s);
-        QVERIFY(startRadioAndWindow({u"--save"_s, saved}));
-        wr::app().image.setBytes(ShellHarness::imageWithChannels(1, 60));
-        h->window->RefreshMainWindow();
-        h->editRx(100, u"145.5"_s); // Write commits the grid first
-        transfer(u"mnuWrite"_s, u"Write data to radio.\nDo you wish to continue?"_s,
-                 u"Writing completed! (verified)"_s);
-        QCOMPARE(wr::app().LinkDirection, 1);
-        QTRY_VERIFY_WITH_TIMEOUT(wr::DataFile::Read(saved).status == wr::DataFile::ReadStatus::Ok, 5000);
-        const QByteArray inRadio = wr::DataFile::Read(saved).image;
-        const QByteArray written = wr::app().image.bytes();
-        QCOMPARE(inRadio.first(128 * 16), written.first(128 * 16)); // channel rows
-        QCOMPARE(inRadio.sliced(200 * 16, 48 * 16), written.sliced(200 * 16, 48 * 16));
-        QCOMPARE(ShellHarness::rxOf(inRadio, 100), u"145.50000"_s);
-        QCOMPARE(inRadio.at(0x0CD0), '\0');
-
-        wr::app().image.InitImage();
-        wr::app().BandLimits[0] = 140;
-        h->window->RefreshMainWindow();
-        transfer(u"mnuRead"_s, u"Read data from radio.\nDo you wish to continue?"_s, u"Reading completed!"_s);
-        QCOMPARE(wr::app().LinkDirection, 0);
-        // The radio's rows are back with the snapshot taken, the band limits
-        // re-read and the channel list reloaded.
-        const QByteArray image = wr::app().image.bytes();
-        QCOMPARE(image.first(128 * 16), written.first(128 * 16));
-        QCOMPARE(image.sliced(416 * 16, 16), written.sliced(416 * 16, 16)); // band limits
-        QVERIFY(!wr::app().image.IsModified());
-        QCOMPARE(wr::app().BandLimits[0], 136);
-        QCOMPARE(h->gridRx(100), u"145.50000"_s);
-    }
-
     void interruptedWrite_data()
     {
         QTest::addColumn<int>("language");
@@ -147,7 +105,7 @@ private Q_SLOTS:
         QFETCH(QStringList, radio);
         QFETCH(bool, cancelInForm);
         QFETCH(QStringList, shown);
-        QVERIFY(startRadioAndWindow(radio, language));
+        QVERIFY(!startRadioAndWindow(radio, language).isEmpty());
         wr::MessageBox::clearHistory();
         wr::MessageBox::setNextAnswer(QMessageBox::Ok);
         if (!cancelInForm)
@@ -191,7 +149,7 @@ private Q_SLOTS:
         QVERIFY(ShellHarness::writeDataFile(inRadio, ShellHarness::imageWithChannels(1, 40)));
         if (blocked)
             QVERIFY(QDir().mkpath(h->dataFolder()) && wr::test::writeFile(h->backupFolder(), "in the way"));
-        QVERIFY(startRadioAndWindow({u"--image"_s, inRadio}));
+        QVERIFY(!startRadioAndWindow({u"--image"_s, inRadio}).isEmpty());
         if (edited)
             h->editRx(7, u"145.5"_s);
         QString question = u"Read data from radio.\nDo you wish to continue?"_s;
@@ -218,12 +176,17 @@ private Q_SLOTS:
 
     // Read, edit a channel and write with the keyboard alone, as a user
     // without a pointer would: every message box is answered with Enter.
+    // The read replaces the image, re-reads the band limits and takes the
+    // snapshot; the write moves what was typed into the grid into the image
+    // first, and the radio then holds the image's rows.
     void keyboardOnly()
     {
         const QString inRadio = filePath(u"in-radio.tw"_s);
         const QString saved = filePath(u"radio-after.tw"_s);
-        QVERIFY(ShellHarness::writeDataFile(inRadio, ShellHarness::imageWithChannels(1, 40)));
-        QVERIFY(startRadioAndWindow({u"--image"_s, inRadio, u"--save"_s, saved}));
+        const QByteArray radio = ShellHarness::imageWithChannels(1, 40);
+        QVERIFY(ShellHarness::writeDataFile(inRadio, radio));
+        QVERIFY(!startRadioAndWindow({u"--image"_s, inRadio, u"--save"_s, saved}).isEmpty());
+        wr::app().BandLimits[0] = 140;
         wr::MessageBox::setAutoAnswer(false);
         QStringList answered;
         QTimer enter;
@@ -235,17 +198,18 @@ private Q_SLOTS:
             QTest::keyClick(box, Qt::Key_Return);
         });
         enter.start(20);
-        // A transfer that hangs must not hang the suite.
-        QTimer::singleShot(60000, h->window.get(), [] {
-            if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
-                dialog->reject();
-        });
+        guardAgainstHanging();
         h->window->show();
         QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
         const auto keys = [](QKeyCombination key) { QTest::keyClick(QApplication::focusWidget(), key.key(), key.keyboardModifiers()); };
 
         keys(Qt::CTRL | Qt::Key_R);
         QCOMPARE(h->gridRx(5), u"435.12500"_s);
+        const QByteArray read = wr::app().image.bytes();
+        QCOMPARE(read.first(128 * 16), radio.first(128 * 16)); // channel rows
+        QCOMPARE(read.sliced(416 * 16, 16), radio.sliced(416 * 16, 16)); // band limits
+        QCOMPARE(wr::app().BandLimits[0], 136);
+        QVERIFY(!wr::app().image.IsModified());
         // A desktop's window manager activates the main window again once
         // the dialogs close; the offscreen platform has none.
         h->window->activateWindow();
@@ -260,6 +224,10 @@ private Q_SLOTS:
         QCOMPARE(answered, (QStringList{u"Read data from radio."_s, u"Reading completed!"_s, u"Write data to radio."_s,
                                         u"Writing completed! (verified)"_s}));
         QTRY_COMPARE_WITH_TIMEOUT(ShellHarness::rxOf(wr::DataFile::Read(saved).image, 5), u"146.52500"_s, 5000);
+        const QByteArray stored = wr::DataFile::Read(saved).image, written = wr::app().image.bytes();
+        QCOMPARE(stored.first(128 * 16), written.first(128 * 16));
+        QCOMPARE(stored.sliced(200 * 16, 48 * 16), written.sliced(200 * 16, 48 * 16));
+        QCOMPARE(stored.at(0x0CD0), '\0'); // the commit step's mark, cleared before the write
     }
 
     // Verify After Writing, in the Set menu, is on unless switched off, and
@@ -282,7 +250,7 @@ private Q_SLOTS:
         QFETCH(QString, done);
         if (!stored.isEmpty())
             h->storeSetting(u"VerifyWrites"_s, stored);
-        QVERIFY(startRadioAndWindow({u"--corrupt-row"_s, u"120"_s}));
+        QVERIFY(!startRadioAndWindow({u"--corrupt-row"_s, u"120"_s}).isEmpty());
         QAction *verify = h->action(u"mnuVerify"_s);
         QVERIFY(verify->isCheckable() && verify->isVisible());
         QCOMPARE(verify->text(), u"Verify After Writing(&V)"_s);
@@ -320,8 +288,8 @@ private Q_SLOTS:
         QFETCH(QString, typed);
         QFETCH(QString, waiting);
         QFETCH(QString, result);
-        QVERIFY(startRadioAndWindow({u"--echo"_s}));
-        const QString device = QFile::symLinkTarget(filePath(u"data-home/wrpd6t/serial-ports/com200"_s));
+        const QString device = startRadioAndWindow({u"--echo"_s});
+        QVERIFY(!device.isEmpty());
         wr::app().LanguageIndex = quint8(language); // the dialog is told the window's language
 
         QString shownWhileWaiting, buttonWhileRunning, shownAfter, heard;

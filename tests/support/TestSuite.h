@@ -2,13 +2,36 @@
 
 #include "TestSupport.h"
 
+#include "core/Language.h"
+
 #include <QObject>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QTest>
 
+#include <array>
 #include <optional>
 
 namespace wr::test {
+
+// The interface languages as data rows name them.
+inline constexpr const char *LanguageNames[LanguageCount]{"English", "Simplified Chinese", "Traditional Chinese"};
+
+// One data row for each interface language, named after it: a column
+// "language" (an int), then for each further column named, the value the
+// row of that language holds. The value types are given, for example
+// languageRows<QString>({"texts"}, {english, simplified, traditional}).
+template <typename... T>
+void languageRows(const std::array<const char *, sizeof...(T)> &columns = {}, const QList<T> &...values)
+{
+    QTest::addColumn<int>("language");
+    std::size_t column = 0;
+    (QTest::addColumn<T>(columns[column++]), ...);
+    for (int language = English; language < LanguageCount; ++language) {
+        QTestData &row = QTest::newRow(LanguageNames[language]) << language;
+        ((row << values.at(language)), ...);
+    }
+}
 
 // The base of the test suites. Standard paths are in test mode from the
 // start, data functions included, and every test function runs on a clean

@@ -32,4 +32,18 @@ bool writeFile(const QString &path, const QByteArray &bytes)
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
 }
 
+MemoryImage freshImage()
+{
+    MemoryImage image;
+    image.InitImage();
+    return image;
+}
+
+MemoryImage imageOf(const QByteArray &bytes)
+{
+    MemoryImage image;
+    image.setBytes(bytes);
+    return image;
+}
+
 } // namespace wr::test

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/MemoryImage.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -14,5 +16,10 @@ void resetProcessState();
 QByteArray readFile(const QString &path);
 // Writes a whole file; false on failure.
 bool writeFile(const QString &path, const QByteArray &bytes);
+
+// The image of a radio fresh from the factory.
+MemoryImage freshImage();
+// An image holding these bytes.
+MemoryImage imageOf(const QByteArray &bytes);
 
 } // namespace wr::test
