@@ -4,64 +4,15 @@
 // memory image, and at it again after undo.
 
 #include "ChannelListForm.h"
-#include "ModalDialog.h"
-#include "TestSuite.h"
 
-#include "channels/ChannelRecord.h"
-#include "channels/frmChannel.h"
-#include "core/AppState.h"
-#include "core/Language.h"
-
-#include <QApplication>
-#include <QComboBox>
-#include <QContextMenuEvent>
-#include <QDialog>
 #include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPushButton>
 #include <QSignalSpy>
-#include <QTableView>
-#include <QTest>
 #include <QUndoStack>
-
-#include <memory>
 
 using namespace wr;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// Channels 1-3, 5 and 6 in use; bytes 12 and 13 hold the channel's number
-// and SignallingFlags a value of its own, none of which a cell shows.
-//
-//   ch  rx         tx         dec    enc    power  W/N     scan  BCL
-//   1   146.00000  146.00000  88.5   88.5   High   Wide    On    Off
-//   2   145.00000  145.60000  D023N  D754I  Low    Narrow  Off   Carrier
-//   3   147.00000             67.0          Low    Wide    On    Off
-//   5   446.00625  446.00625  None   100.0  High   Narrow  On    Opt.Signal
-//   6   439.00000  434.00000  None   None   Low    Wide    Off   Off
-void putChannels()
-{
-    const std::pair<int, const char16_t *> channels[]{
-        {1, u"146.00000|146.00000|88.5|88.5|High|Wide|On|Off|11"},
-        {2, u"145.00000|145.60000|D023N|D754I|Low|Narrow|Off|Carrier|82"},
-        {3, u"147.00000||67.0||Low|Wide|On|Off|40"},
-        {5, u"446.00625|446.00625|None|100.0|High|Narrow|On|Opt.Signal|0C"},
-        {6, u"439.00000|434.00000|None|None|Low|Wide|Off|Off|01"},
-    };
-    for (const auto &[channel, row] : channels) {
-        const QStringList cells = QString::fromUtf16(row).split(u'|');
-        ChannelTexts texts;
-        for (int column = ColRx; column <= ColBcl; ++column)
-            texts.cell(column) = cells.at(column - ColRx);
-        CreateChannel(app().image, channel);
-        SaveChannel(app().image, channel, texts);
-        app().image.WriteByte(channel - 1, 12, quint8(channel));
-        app().image.WriteByte(channel - 1, 13, quint8(0x20 + channel));
-        app().image.WriteByte(channel - 1, 15, quint8(cells.back().toUInt(nullptr, 16)));
-    }
-}
 
 // The rows of two images that differ, one line each; "" when none does.
 QString differences(const QByteArray &got, const QByteArray &expected)
@@ -88,27 +39,29 @@ QByteArray withRows(QByteArray image, const QString &rows)
     return image;
 }
 
-// Types text key by key; QTest::keyClicks takes ASCII only.
-void typeText(QWidget *widget, const QString &text)
-{
-    for (const QChar c : text) {
-        if (c.unicode() < 0x80)
-            QTest::keyClick(widget, char(c.unicode()));
-        else
-            QTest::sendKeyEvent(QTest::Click, widget, Qt::Key_unknown, QString(c), Qt::NoModifier);
-    }
-}
-
-const Language Languages[]{English, SimplifiedChinese, TraditionalChinese};
-const char *const LanguageNames[]{"English", "Simplified", "Traditional"};
-
 } // namespace
 
 class TestChannelBulkEdit : public test::ChannelListSuite
 {
     Q_OBJECT
 
-    void setUp() override { putChannels(); }
+    // Channels 1-3, 5 and 6 in use, each with a signalling byte of its own:
+    //
+    //   ch  rx         tx         dec    enc    power  W/N     scan  BCL
+    //   1   146.00000  146.00000  88.5   88.5   High   Wide    On    Off
+    //   2   145.00000  145.60000  D023N  D754I  Low    Narrow  Off   Carrier
+    //   3   147.00000             67.0          Low    Wide    On    Off
+    //   5   446.00625  446.00625  None   100.0  High   Narrow  On    Opt.Signal
+    //   6   439.00000  434.00000  None   None   Low    Wide    Off   Off
+    void setUp() override
+    {
+        ChannelListSuite::setUp();
+        putChannels({u"1|146.00000|146.00000|88.5|88.5|High|Wide|On|Off|11",
+                     u"2|145.00000|145.60000|D023N|D754I|Low|Narrow|Off|Carrier|82",
+                     u"3|147.00000||67.0||Low|Wide|On|Off|40",
+                     u"5|446.00625|446.00625|None|100.0|High|Narrow|On|Opt.Signal|0C",
+                     u"6|439.00000|434.00000|None|None|Low|Wide|Off|Off|01"});
+    }
 
 private Q_SLOTS:
     void filter_data();
@@ -123,92 +76,18 @@ private Q_SLOTS:
     void fillFrequenciesShowsTheSeries();
 
 private:
-    void openForm(Language language);
     QLineEdit *filterLine() const { return form->findChild<QLineEdit *>(u"txtFilter"_s); }
     void typeFilter(const QString &text);
-    void run(const QString &steps);
-    void chooseFromMenu(const QStringList &path);
     QString shownChannels() const;
     QString selectedCells() const;
-
 };
-
-void TestChannelBulkEdit::openForm(Language language)
-{
-    app().LanguageIndex = language;
-    ChannelListSuite::openForm();
-}
 
 // Ctrl+F from the grid, then the text key by key.
 void TestChannelBulkEdit::typeFilter(const QString &text)
 {
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_F, Qt::ControlModifier);
     QCOMPARE(QApplication::focusWidget(), filterLine());
-    typeText(filterLine(), text);
-}
-
-// Steps, one a word: "c3.5" clicks the cell of row 3, column 5, "+c3.5"
-// with Shift, "^c3.5" with Ctrl, "^+c3.5" with both; "n3", "+n3", "^n3"
-// click channel number 3; "g3.5" only makes that cell current; "t:145.5"
-// types into whatever has the focus; "@a/b" chooses item b of submenu a of
-// the context menu opened over the current cell;
-// "d:txtStart=446;txtStep=12.5" answers the next dialog and presses OK;
-// anything else is a key sequence ("Shift+Down", "Ctrl+Return").
-void TestChannelBulkEdit::run(const QString &steps)
-{
-    for (const QString &step : steps.split(u' ', Qt::SkipEmptyParts)) {
-        Qt::KeyboardModifiers modifiers;
-        qsizetype at = 0;
-        for (; at < step.size() && (step[at] == u'+' || step[at] == u'^'); ++at)
-            modifiers |= step[at] == u'+' ? Qt::ShiftModifier : Qt::ControlModifier;
-        const QChar kind = step[at];
-        const QString place = step.mid(at + 1);
-        const int row = place.section(u'.', 0, 0).toInt();
-        const int column = place.section(u'.', 1).toInt();
-        if ((kind == u'c' || kind == u'n' || kind == u'g') && row > 0) {
-            QVERIFY2(!grid()->isRowHidden(row), qPrintable(step));
-            if (kind == u'g') {
-                grid()->setCurrentIndex(grid()->model()->index(row, column));
-                grid()->setFocus();
-            } else {
-                QTest::mouseClick(grid()->viewport(), Qt::LeftButton, modifiers,
-                                  cellCentre(row, kind == u'n' ? int(ColNumber) : column));
-            }
-        } else if (step.startsWith(u"t:")) {
-            typeText(QApplication::focusWidget(), step.mid(2));
-        } else if (kind == u'@') {
-            chooseFromMenu(step.mid(1).split(u'/'));
-        } else if (step.startsWith(u"d:")) {
-            test::whenModal([answers = step.mid(2).split(u';')](QDialog *dialog) {
-                for (const QString &answer : answers) {
-                    auto *field = dialog->findChild<QWidget *>(answer.section(u'=', 0, 0));
-                    field->setFocus();
-                    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
-                    QTest::keyClicks(field, answer.section(u'=', 1));
-                }
-                QTest::mouseClick(dialog->findChild<QPushButton *>(u"cmdOK"_s), Qt::LeftButton);
-            });
-        } else {
-            QTest::keySequence(QApplication::focusWidget(), QKeySequence(step));
-        }
-    }
-}
-
-// A right click over the current cell, then a click on each item.
-void TestChannelBulkEdit::chooseFromMenu(const QStringList &path)
-{
-    const QPoint at = cellCentre(grid()->currentIndex().row(), grid()->currentIndex().column());
-    QContextMenuEvent event(QContextMenuEvent::Mouse, at, grid()->viewport()->mapToGlobal(at));
-    QApplication::sendEvent(grid()->viewport(), &event);
-    auto *menu = form->findChild<QMenu *>(u"channelMenu"_s);
-    for (const QString &name : path) {
-        QTRY_VERIFY(menu->isVisible());
-        auto *item = form->findChild<QAction *>(name);
-        QVERIFY2(item && item->isEnabled(), qPrintable(name));
-        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(item).center());
-        if (item->menu())
-            menu = item->menu();
-    }
+    type(text);
 }
 
 QString TestChannelBulkEdit::shownChannels() const
@@ -255,11 +134,10 @@ void TestChannelBulkEdit::filter_data()
         {"a DCS code in another case and a frequency", {u"d754i 145."}, "2", 1},
         {"no channel", {u"low 446"}, "", 0},
     };
-    for (std::size_t language = 0; language < std::size(Languages); ++language) {
+    for (int language = English; language < LanguageCount; ++language) {
         for (const auto &row : rows) {
-            QTest::addRow("%s, %s", row.name, LanguageNames[language])
-                << int(Languages[language]) << row.typed.in(Languages[language]) << QString::fromLatin1(row.shown)
-                << row.count;
+            QTest::addRow("%s, %s", row.name, test::LanguageNames[language])
+                << language << row.typed.in(language) << QString::fromLatin1(row.shown) << row.count;
         }
     }
 }
@@ -283,7 +161,7 @@ void TestChannelBulkEdit::filter()
 // shown, Esc clears the line, Tab leaves it.
 void TestChannelBulkEdit::filterKeepsTheFocus()
 {
-    openForm(English);
+    openForm();
     run(u"c6.5 Escape"_s);
     typeFilter(u"low"_s);
     QCOMPARE(QApplication::focusWidget(), filterLine());
@@ -307,7 +185,7 @@ void TestChannelBulkEdit::filterKeepsTheFocus()
 // leave the hidden ones alone.
 void TestChannelBulkEdit::filterLeavesEditsAndHiddenRowsAlone()
 {
-    openForm(English);
+    openForm();
     typeFilter(u"low"_s);
     run(u"c2.5 Up Return"_s); // channel 2's power: High
     QCOMPARE(form->cellText(2, ColPower), u"High"_s);
@@ -348,7 +226,7 @@ void TestChannelBulkEdit::selectCells()
 {
     QFETCH(QString, steps);
     QFETCH(QString, selected);
-    openForm(English);
+    openForm();
     run(steps);
     QCOMPARE(selectedCells(), selected);
     QCOMPARE(QApplication::focusWidget(), grid());
@@ -401,11 +279,11 @@ void TestChannelBulkEdit::bulkEdits_data()
          u"2=4460062514560000238054c702222182 3=44601875ffffffff7006ffff03236840 "
          u"6=4460312543400000ffffffff06266001"},
     };
-    for (std::size_t language = 0; language < std::size(Languages); ++language) {
+    for (int language = English; language < LanguageCount; ++language) {
         for (const auto &row : rows) {
             for (const bool filtered : {false, true}) {
-                QTest::addRow("%s, %s, %s", row.name, filtered ? "filtered" : "unfiltered", LanguageNames[language])
-                    << int(Languages[language]) << filtered << QString::fromUtf16(row.steps)
+                QTest::addRow("%s, %s, %s", row.name, filtered ? "filtered" : "unfiltered", test::LanguageNames[language])
+                    << language << filtered << QString::fromUtf16(row.steps)
                     << QString::fromUtf16(filtered ? row.filtered : row.unfiltered);
             }
         }

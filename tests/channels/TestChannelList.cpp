@@ -60,23 +60,10 @@ class TestChannelList : public test::ChannelListSuite
     Q_OBJECT
 
 private:
-    QStringList rowCells(int row) const
-    {
-        QStringList cells;
-        for (int column = Rx; column <= Bcl; ++column)
-            cells << cell(row, column);
-        return cells;
-    }
     // The editor a cell of the column opens.
     QWidget *editorOf(int column) const
     {
         return column <= Tx ? static_cast<QWidget *>(text()) : combo(column <= Enc ? 0 : 1);
-    }
-
-    void setUp() override
-    {
-        app().LanguageIndex = English;
-        app().ToneTable = BuildToneTable(English);
     }
 
 private Q_SLOTS:

@@ -3,79 +3,26 @@
 // preview and the file dialogs; then a look at the cells, the history and
 // the memory image.
 
-#include "ModalDialog.h"
 #include "ChannelListForm.h"
 
-#include "channels/ChannelRecord.h"
-#include "channels/frmChannel.h"
-#include "core/AppState.h"
-#include "core/FrequencyCodec.h"
-#include "core/ToneCodec.h"
-#include "ui/MessageBox.h"
-
-#include <QAction>
-#include <QApplication>
-#include <QClipboard>
-#include <QContextMenuEvent>
-#include <QComboBox>
-#include <QDialog>
 #include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
 #include <QPlainTextEdit>
 #include <QProcess>
-#include <QPushButton>
 #include <QRegularExpression>
 #include <QSignalSpy>
-#include <QTableView>
-#include <QTimer>
-#include <QTest>
 #include <QUndoStack>
-
-#include <memory>
-#include <optional>
 
 using namespace wr;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-// Channels 1-3, 5 and 6 in use, each with its own bytes 12, 13 and
-// signalling byte, which no cell shows.
-void putChannels()
-{
-    const struct
-    {
-        int channel;
-        const char *rx, *tx, *decode, *encode;
-        quint8 flags, signalling;
-    } channels[]{
-        {1, "146.00000", "146.60000", "88.5", "88.5", 0x4C, 0x11},
-        {2, "145.00000", "145.00000", "D023N", "D754I", 0x05, 0x82},
-        {3, "147.00000", "", "67.0", "", 0x48, 0x40},
-        {5, "144.00000", "144.00000", "None", "100.0", 0x4E, 0x0C},
-        {6, "439.00000", "434.00000", "None", "None", 0x40, 0x01},
-    };
-    MemoryImage &image = app().image;
-    for (const auto &c : channels) {
-        const ChannelTexts texts{QString::fromLatin1(c.rx), QString::fromLatin1(c.tx), QString::fromLatin1(c.decode),
-                                 QString::fromLatin1(c.encode), PowerText(c.flags & 0x04, English),
-                                 BandwidthText(c.flags & 0x40, English), ScanAddText(c.flags & 0x08, English),
-                                 BclText(ChannelRecord::Bcl(c.flags & 0x03), English)};
-        CreateChannel(image, c.channel);
-        SaveChannel(image, c.channel, texts);
-        image.WriteByte(c.channel - 1, 12, quint8(c.channel));
-        image.WriteByte(c.channel - 1, 13, quint8(0x20 + c.channel));
-        ChannelRecord(image, c.channel).setSignallingFlags(c.signalling);
-    }
-}
-
-// Bytes 12-15 of every record.
-QByteArray hiddenBytes()
+// Bytes 12-15 of every record of an image.
+QByteArray hiddenBytes(const QByteArray &image)
 {
     QByteArray bytes;
     for (int row = 0; row < 128; ++row)
-        bytes += app().image.row(row).mid(12);
+        bytes += image.mid(row * 16 + 12, 4);
     return bytes;
 }
 
@@ -86,7 +33,6 @@ class TestChannelTools : public test::ChannelListSuite
     Q_OBJECT
 
 private:
-    QMenu *menu() const { return form->findChild<QMenu *>(u"channelMenu"_s); }
     QString rxColumn(int rows = 8) const
     {
         QStringList rx;
@@ -94,71 +40,17 @@ private:
             rx << cell(row, 1);
         return rx.join(u'|');
     }
-    void click(int row, int column, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-    {
-        ChannelListSuite::click(row, column, Qt::LeftButton, modifiers);
-    }
-    // A right click as the window system reports it.
-    void rightClick(int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-    {
-        const QPoint at = cellCentre(row, 0);
-        QContextMenuEvent event(QContextMenuEvent::Mouse, at, grid()->viewport()->mapToGlobal(at), modifiers);
-        QApplication::sendEvent(grid()->viewport(), &event);
-    }
-    void chooseTool(int row, const QString &name)
-    {
-        rightClick(row);
-        QTRY_VERIFY(menu()->isVisible());
-        QAction *action = form->findChild<QAction *>(name);
-        QVERIFY(action && action->isEnabled());
-        QTest::mouseClick(menu(), Qt::LeftButton, {}, menu()->actionGeometry(action).center());
-        QTRY_VERIFY(!menu()->isVisible());
-    }
-    void key(const QString &keys) { QTest::keySequence(grid(), QKeySequence(keys)); }
-    QStringList rowTexts(int channel) const
-    {
-        QStringList texts;
-        for (int column = 1; column < frmChannel::ColumnCount; ++column)
-            texts << cell(channel, column);
-        return texts;
-    }
 
-    // Steps: "2" clicks channel number 2, "+4" Shift-clicks, "^5" Ctrl-clicks,
-    // "Del" or "Ctrl+V" are keys, "@insertChannel" chooses a tool from the
-    // context menu, "8=145.5" types a receive frequency.
-    void run(const QString &steps)
-    {
-        for (const QString &step : steps.split(u' ')) {
-            if (step.front().isDigit() && step.contains(u'=')) {
-                click(step.section(u'=', 0, 0).toInt(), 1);
-                QTest::keyClicks(QApplication::focusWidget(), step.section(u'=', 1));
-                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-            } else if (step.front().isDigit()) {
-                click(step.toInt(), 0);
-            } else if (step.front() == u'+' || step.front() == u'^') {
-                click(step.mid(1).toInt(), 0, step.front() == u'+' ? Qt::ShiftModifier : Qt::ControlModifier);
-            } else if (step.front() == u'@') {
-                chooseTool(form->selectedChannels().value(0), step.mid(1));
-            } else {
-                key(step);
-            }
-        }
-    }
-
+    // Channels 1-3, 5 and 6 in use, each with its own bytes 12, 13 and
+    // signalling byte, which no cell shows.
     void setUp() override
     {
-        app().LanguageIndex = English;
-        MessageBox::reset();
-        MessageBox::setAutoAnswer(true);
-        FileDialog::reset();
-        QGuiApplication::clipboard()->clear();
-        putChannels();
-    }
-    void tearDown() override
-    {
-        ChannelListSuite::tearDown();
-        MessageBox::reset();
-        FileDialog::reset();
+        ChannelListSuite::setUp();
+        putChannels({u"1|146.00000|146.60000|88.5|88.5|High|Wide|On|Off|11",
+                     u"2|145.00000|145.00000|D023N|D754I|High|Narrow|Off|Carrier|82",
+                     u"3|147.00000||67.0||Low|Wide|On|Off|40",
+                     u"5|144.00000|144.00000|None|100.0|High|Wide|On|Opt.Signal|0C",
+                     u"6|439.00000|434.00000|None|None|Low|Wide|Off|Off|01"});
     }
 
 private Q_SLOTS:
@@ -186,9 +78,9 @@ private Q_SLOTS:
         QFETCH(QString, captions);
         app().LanguageIndex = quint8(language);
         openForm();
-        rightClick(5, Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
+        rightClick(5, 0, Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
         QVERIFY(!menu()->isVisible());
-        rightClick(5);
+        rightClick(5, 0);
         QTRY_VERIFY(menu()->isVisible());
         QStringList shown;
         for (QAction *action : menu()->actions())
@@ -233,23 +125,23 @@ private Q_SLOTS:
         QTest::addColumn<QString>("redo");
         const QString before = u"146.00000|145.00000|147.00000||144.00000|439.00000||"_s;
         QTest::newRow("Delete clears the rows selected by their numbers")
-            << u"2 +3 Del"_s << u"146.00000||||144.00000|439.00000||"_s << u"Ctrl+Y"_s;
-        QTest::newRow("Ctrl adds rows to the selection") << u"1 ^3 ^5 Del"_s << u"|145.00000||||439.00000||"_s
+            << u"n2 +n3 Delete"_s << u"146.00000||||144.00000|439.00000||"_s << u"Ctrl+Y"_s;
+        QTest::newRow("Ctrl adds rows to the selection") << u"n1 ^n3 ^n5 Delete"_s << u"|145.00000||||439.00000||"_s
                                                          << u"Ctrl+Shift+Z"_s;
-        QTest::newRow("Shift+Delete cuts") << u"6 Shift+Del"_s << u"146.00000|145.00000|147.00000||144.00000|||"_s
+        QTest::newRow("Shift+Delete cuts") << u"n6 Shift+Del"_s << u"146.00000|145.00000|147.00000||144.00000|||"_s
                                            << u"Ctrl+Y"_s;
         QTest::newRow("insert moves the channels below down")
-            << u"2 @insertChannel"_s << u"146.00000||145.00000|147.00000||144.00000|439.00000|"_s << u"Ctrl+Y"_s;
+            << u"n2 @insertChannel"_s << u"146.00000||145.00000|147.00000||144.00000|439.00000|"_s << u"Ctrl+Y"_s;
         QTest::newRow("delete and move up closes the gaps")
-            << u"2 ^4 @removeChannels"_s << u"146.00000|147.00000|144.00000|439.00000||||"_s << u"Ctrl+Y"_s;
-        QTest::newRow("move up") << u"2 +3 @moveChannelsUp"_s << u"145.00000|147.00000|146.00000||144.00000|439.00000||"_s
+            << u"n2 ^n4 @removeChannels"_s << u"146.00000|147.00000|144.00000|439.00000||||"_s << u"Ctrl+Y"_s;
+        QTest::newRow("move up") << u"n2 +n3 @moveChannelsUp"_s << u"145.00000|147.00000|146.00000||144.00000|439.00000||"_s
                                  << u"Ctrl+Y"_s;
-        QTest::newRow("move down") << u"5 @moveChannelsDown @moveChannelsDown"_s
+        QTest::newRow("move down") << u"n5 @moveChannelsDown @moveChannelsDown"_s
                                    << u"146.00000|145.00000|147.00000||439.00000||144.00000|"_s << u"Ctrl+Y"_s;
         QTest::newRow("sort by receive frequency, empty rows last")
-            << u"1 +6 @sortChannels"_s << u"144.00000|145.00000|146.00000|147.00000|439.00000|||"_s << u"Ctrl+Y"_s;
-        QTest::newRow("typing creates a channel") << u"8=145.5"_s << before + u"145.50000"_s << u"Ctrl+Y"_s;
-        QTest::newRow("paste of copied rows") << u"1 +2 Ctrl+C 7 Ctrl+V"_s
+            << u"n1 +n6 @sortChannels"_s << u"144.00000|145.00000|146.00000|147.00000|439.00000|||"_s << u"Ctrl+Y"_s;
+        QTest::newRow("typing creates a channel") << u"c8.1 t:145.5 Return"_s << before + u"145.50000"_s << u"Ctrl+Y"_s;
+        QTest::newRow("paste of copied rows") << u"n1 +n2 Ctrl+C n7 Ctrl+V"_s
                                               << u"146.00000|145.00000|147.00000||144.00000|439.00000|146.00000|145.00000"_s
                                               << u"Ctrl+Y"_s;
     }
@@ -275,16 +167,16 @@ private Q_SLOTS:
             const QString channel = cell(row, 1);
             if (channel.isEmpty())
                 QCOMPARE(app().image.row(row - 1), QByteArray(16, char(0xFF)));
-            else if (!steps.contains(u'=') && !steps.contains(u"Ctrl+V"))
+            else if (!steps.contains(u"t:") && !steps.contains(u"Ctrl+V"))
                 QCOMPARE(app().image.row(row - 1).toHex(), records.value(channel).toHex());
         }
 
         // Undo every step of the test: the rows and the hidden bytes are back,
         // and the next save gives the image of before.
         for (int i = 0; i < steps0; ++i)
-            key(u"Ctrl+Z"_s);
+            run(u"Ctrl+Z"_s);
         QCOMPARE(rxColumn(), rxBefore);
-        QCOMPARE(hiddenBytes().toHex(), hiddenBytesOf(imageBefore).toHex());
+        QCOMPARE(hiddenBytes(app().image.bytes()).toHex(), hiddenBytes(imageBefore).toHex());
         // The scan-skip bit of a channel left empty keeps what the last save
         // wrote; everything else is as it was.
         form->SaveData();
@@ -292,7 +184,7 @@ private Q_SLOTS:
         QCOMPARE(app().image.bytes().toHex(), imageBefore.toHex());
 
         for (int i = 0; i < steps0; ++i)
-            key(redo);
+            run(redo);
         QCOMPARE(rxColumn(), rx);
     }
 
@@ -301,11 +193,11 @@ private Q_SLOTS:
     void pasteCreatesOrKeeps()
     {
         openForm();
-        run(u"1 +2 Ctrl+C"_s);
+        run(u"n1 +n2 Ctrl+C"_s);
         const QString copied = QGuiApplication::clipboard()->text();
         QVERIFY(copied.startsWith(u"Location\tName\tFrequency\t"));
         QCOMPARE(copied.count(u'\n'), 3);
-        run(u"4 Ctrl+V"_s);
+        run(u"n4 Ctrl+V"_s);
         QCOMPARE(rxColumn(6), u"146.00000|145.00000|147.00000|146.00000|145.00000|439.00000"_s);
         QCOMPARE(app().image.row(3).mid(12).toHex(), QByteArray("00004c00")); // at once, as typing
         form->SaveData();
@@ -359,7 +251,7 @@ private Q_SLOTS:
                 QTest::mouseClick(preview->findChild<QPushButton *>(accept ? u"cmdOK"_s : u"cmdCancel"_s), Qt::LeftButton);
             });
         }
-        run(u"7 Ctrl+V"_s);
+        run(u"n7 Ctrl+V"_s);
         QCOMPARE(rxColumn(), rx);
         const QString message = MessageBox::history().isEmpty() ? QString() : MessageBox::history().front().text;
         QCOMPARE(report.isEmpty() ? message : report, shown);
@@ -427,13 +319,13 @@ private Q_SLOTS:
         QCOMPARE(shown.join(u'|'), preview);
         QStringList after;
         for (int channel = 5; channel <= 8; ++channel)
-            after << rowTexts(channel).join(u'|').replace(u"|||||||"_s, QString());
+            after << rowCells(channel).join(u'|').replace(u"|||||||"_s, QString());
         QCOMPARE(after, rows);
         QCOMPARE(form->undoStack()->count(), accept ? 1 : 0);
         form->SaveData();
         for (int channel = 5; channel <= 8; ++channel) {
             const ChannelTexts stored = ReadChannelTexts(app().image, channel, English);
-            QCOMPARE(stored.rx.isEmpty() ? QString() : rowTexts(channel).join(u'|'), rows.at(channel - 5));
+            QCOMPARE(stored.rx.isEmpty() ? QString() : rowCells(channel).join(u'|'), rows.at(channel - 5));
         }
     }
 
@@ -467,7 +359,7 @@ private Q_SLOTS:
             QTest::mouseClick(preview->findChild<QPushButton *>(accept ? u"cmdOK"_s : u"cmdCancel"_s), Qt::LeftButton);
         });
         FileDialog::setNextFileName(path);
-        chooseTool(1, u"importCsv"_s);
+        run(u"n1 @importCsv"_s);
         QCOMPARE(labels, QStringList({u"File: club.csv"_s, u"Rows to import: 3 (changed: 1)"_s, u"Rows skipped: 1"_s,
                                       u"Channels in use that will be replaced: 2-3"_s}));
         QCOMPARE(report.split(u'\n'),
@@ -487,7 +379,7 @@ private Q_SLOTS:
         // when a dialog closes; a window manager gives it to the list.
         form->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(form.get()));
-        key(u"Ctrl+Z"_s);
+        run(u"Ctrl+Z"_s);
         QCOMPARE(rxColumn(11), before);
     }
 
@@ -517,7 +409,7 @@ private Q_SLOTS:
         if (!contents.isEmpty())
             QVERIFY(test::writeFile(path, contents));
         openForm();
-        run(u"7"_s);
+        run(u"n7"_s);
         QString targets;
         QPointer<QTimer> watch = test::whenModal([&targets](QDialog *preview) {
             targets = preview->findChild<QLabel *>(u"lblTargets"_s)->text();
@@ -537,9 +429,9 @@ private Q_SLOTS:
     void channelSheetOfTheSelection()
     {
         openForm();
-        run(u"10=145.5"_s);
+        run(u"c10.1 t:145.5 Return"_s);
         const QByteArray image = app().image.bytes();
-        run(u"3 ^10"_s);
+        run(u"n3 ^n10"_s);
         const QString pdf = filePath(u"sheet.pdf"_s);
         QString title;
         test::whenModal([&](QDialog *preview) {
@@ -551,7 +443,7 @@ private Q_SLOTS:
             QTest::keyClick(preview, Qt::Key_S, Qt::ControlModifier);
             preview->reject();
         });
-        chooseTool(3, u"mnuChannelSheet"_s);
+        run(u"@mnuChannelSheet"_s);
         QCOMPARE(title, u"Channel Sheet"_s);
         QCOMPARE(app().image.bytes(), image);
         QProcess text;
@@ -572,9 +464,9 @@ private Q_SLOTS:
     void exportFile()
     {
         openForm();
-        run(u"2 Del 8=146.52"_s);
+        run(u"n2 Delete c8.1 t:146.52 Return"_s);
         FileDialog::setNextFileName(filePath(u"list"_s));
-        chooseTool(1, u"exportCsv"_s);
+        run(u"n1 @exportCsv"_s);
         const QList<QByteArray> lines = test::readFile(filePath(u"list.csv"_s)).split('\n');
         QCOMPARE(lines.size(), 1 + 5 + 1);
         QVERIFY(lines.front().startsWith("Location,Name,Frequency,Duplex,Offset,Tone,"));
@@ -636,7 +528,7 @@ private Q_SLOTS:
             dialog->reject();
         });
         const QByteArray image = app().image.bytes();
-        const QStringList cells = rowTexts(channel);
+        const QStringList cells = rowCells(channel);
 
         enterCell(channel, column);
         QWidget *editor = QApplication::focusWidget();
@@ -653,7 +545,7 @@ private Q_SLOTS:
         delete watch;
         QCOMPARE(dialogs, 0);
         QCOMPARE(form->undoStack()->count(), 0);
-        QCOMPARE(rowTexts(channel), cells);
+        QCOMPARE(rowCells(channel), cells);
         QCOMPARE(app().image.bytes(), image);
         QTest::keyClick(editor, Qt::Key_Escape);
     }
@@ -661,7 +553,7 @@ private Q_SLOTS:
     void insertRefusedWhenChannel128IsInUse()
     {
         openForm();
-        run(u"128=150 3 @insertChannel"_s);
+        run(u"c128.1 t:150 Return n3 @insertChannel"_s);
         QCOMPARE(MessageBox::history().size(), 1);
         QCOMPARE(MessageBox::history().front().text, u"Channel 128 is in use: there is no room to insert a channel."_s);
         QCOMPARE(form->undoStack()->count(), 1); // the typing only
@@ -684,22 +576,13 @@ private Q_SLOTS:
         QFETCH(int, language);
         QFETCH(QString, undone);
         openForm();
-        run(u"3 Del"_s);
+        run(u"n3 Delete"_s);
         form->SaveData();
         app().LanguageIndex = quint8(language);
         form->RefreshChannel();
         QCOMPARE(form->undoStack()->count(), language == English ? 0 : 1);
-        key(u"Ctrl+Z"_s);
+        run(u"Ctrl+Z"_s);
         QCOMPARE(cell(3, 1) + u'|' + cell(3, 5), undone);
-    }
-
-private:
-    static QByteArray hiddenBytesOf(const QByteArray &image)
-    {
-        QByteArray bytes;
-        for (int row = 0; row < 128; ++row)
-            bytes += image.mid(row * 16 + 12, 4);
-        return bytes;
     }
 };
 
