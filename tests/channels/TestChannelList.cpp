@@ -339,13 +339,7 @@ private Q_SLOTS:
     // Each editor lies exactly over its cell (the list editors once grew or
     // shrank to their words), in every language; CTest runs this at 150 %
     // scale too.
-    void editorsCoverTheirCells_data()
-    {
-        QTest::addColumn<int>("language");
-        QTest::newRow("English") << int(English);
-        QTest::newRow("Simplified") << int(SimplifiedChinese);
-        QTest::newRow("Traditional") << int(TraditionalChinese);
-    }
+    void editorsCoverTheirCells_data() { test::languageRows(); }
 
     void editorsCoverTheirCells()
     {
@@ -376,17 +370,14 @@ private Q_SLOTS:
 
     void languageSwitch_data()
     {
-        QTest::addColumn<int>("language");
-        QTest::addColumn<QString>("words"); // header of column 3, then row 4's words
-        // What a screen reader says: the list, row 4's decode cell, the list
-        // editor open on its power cell.
-        QTest::addColumn<QString>("spoken");
-        QTest::newRow("Simplified") << int(SimplifiedChinese) << "CTCSS/DCS 解码|无|D023N|低|窄|关|载波"
-                                    << "信道列表|解码 无亚音|发射功率";
-        QTest::newRow("Traditional") << int(TraditionalChinese) << "CTCSS/DCS 解碼|無|D023N|低|窄|關|載波"
-                                     << "信道列表|解碼 無亞音|發射功率";
-        QTest::newRow("English") << int(English) << "CTCSS/DCS Dec|None|D023N|Low|Narrow|Off|Carrier"
-                                 << "Channel list|decode no tone|TX Power";
+        // The header of column 3, then row 4's words; what a screen reader
+        // says: the list, row 4's decode cell, the list editor open on its
+        // power cell.
+        test::languageRows<QString, QString>(
+            {"words", "spoken"},
+            {u"CTCSS/DCS Dec|None|D023N|Low|Narrow|Off|Carrier"_s, u"CTCSS/DCS 解码|无|D023N|低|窄|关|载波"_s,
+             u"CTCSS/DCS 解碼|無|D023N|低|窄|關|載波"_s},
+            {u"Channel list|decode no tone|TX Power"_s, u"信道列表|解码 无亚音|发射功率"_s, u"信道列表|解碼 無亞音|發射功率"_s});
     }
 
     // The list is filled in one language, then switched: captions, cells and

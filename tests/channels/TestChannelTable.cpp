@@ -180,20 +180,16 @@ private Q_SLOTS:
     // What a screen reader hears on the cells, in the language of the words.
     void spokenCells_data()
     {
-        QTest::addColumn<int>("language");
         // Channel 12: Rx, Tx (none), decode, encode (none), power; channel 3:
         // decode (none), encode, lockout; channel 7 (empty): number, Rx.
-        QTest::addColumn<QString>("heard");
-        QTest::newRow("English") << int(English)
-                                 << u"Channel 12, Rx 145.50000 megahertz|no Tx frequency|decode tone D023 inverted|"
-                                    "encode no tone|power Low|decode no tone|encode tone 88.5 hertz|"
-                                    "busy channel lockout Carrier|Channel 7, empty|Channel 7, empty"_s;
-        QTest::newRow("Simplified") << int(SimplifiedChinese)
-                                    << u"信道 12，接收 145.50000 兆赫|无发射频率|解码 数字亚音 D023 反相|编码 无亚音|功率 低|"
-                                       "解码 无亚音|编码 亚音 88.5 赫兹|繁忙锁定 载波|信道 7，空|信道 7，空"_s;
-        QTest::newRow("Traditional") << int(TraditionalChinese)
-                                     << u"信道 12，接收 145.50000 兆赫|無發射頻率|解碼 數字亞音 D023 反相|編碼 無亞音|功率 低|"
-                                        "解碼 無亞音|編碼 亞音 88.5 赫茲|繁忙鎖定 載波|信道 7，空|信道 7，空"_s;
+        test::languageRows<QString>(
+            {"heard"},
+            {u"Channel 12, Rx 145.50000 megahertz|no Tx frequency|decode tone D023 inverted|encode no tone|power Low|"
+             "decode no tone|encode tone 88.5 hertz|busy channel lockout Carrier|Channel 7, empty|Channel 7, empty"_s,
+             u"信道 12，接收 145.50000 兆赫|无发射频率|解码 数字亚音 D023 反相|编码 无亚音|功率 低|"
+             "解码 无亚音|编码 亚音 88.5 赫兹|繁忙锁定 载波|信道 7，空|信道 7，空"_s,
+             u"信道 12，接收 145.50000 兆赫|無發射頻率|解碼 數字亞音 D023 反相|編碼 無亞音|功率 低|"
+             "解碼 無亞音|編碼 亞音 88.5 赫茲|繁忙鎖定 載波|信道 7，空|信道 7，空"_s});
     }
 
     void spokenCells()

@@ -56,18 +56,15 @@ private:
 private Q_SLOTS:
     void contextMenu_data()
     {
-        QTest::addColumn<int>("language");
-        QTest::addColumn<QString>("captions");
-        QTest::newRow("English") << int(English)
-                                 << u"Undo|Redo||Cut|Copy|Paste|Delete||Fill Selection|Fill Down|Set for Selected Channels|"
-                                    "Fill Frequencies…||Insert empty channel|Delete and move up|Move up|"
-                                    "Move down|Sort selected channels by receive frequency||Import CHIRP CSV…|Export CHIRP CSV…||Channel Sheet…"_s;
-        QTest::newRow("Simplified") << int(SimplifiedChinese)
-                                    << u"撤销|重做||剪切|复制|粘贴|删除||填充所选单元格|向下填充|为所选信道设置|填充频率…||插入空信道|删除并上移|上移|下移|所选信道按接收频率排序||"
-                                       "导入 CHIRP CSV…|导出 CHIRP CSV…||信道表…"_s;
-        QTest::newRow("Traditional") << int(TraditionalChinese)
-                                     << u"復原|重做||剪下|複製|貼上|刪除||填滿所選儲存格|向下填滿|為所選信道設置|填入頻率…||插入空信道|刪除並上移|上移|下移|所選信道按接收頻率排序||"
-                                        "匯入 CHIRP CSV…|匯出 CHIRP CSV…||信道表…"_s;
+        test::languageRows<QString>(
+            {"captions"},
+            {u"Undo|Redo||Cut|Copy|Paste|Delete||Fill Selection|Fill Down|Set for Selected Channels|Fill Frequencies…||"
+             "Insert empty channel|Delete and move up|Move up|Move down|Sort selected channels by receive frequency||"
+             "Import CHIRP CSV…|Export CHIRP CSV…||Channel Sheet…"_s,
+             u"撤销|重做||剪切|复制|粘贴|删除||填充所选单元格|向下填充|为所选信道设置|填充频率…||插入空信道|删除并上移|上移|下移|"
+             "所选信道按接收频率排序||导入 CHIRP CSV…|导出 CHIRP CSV…||信道表…"_s,
+             u"復原|重做||剪下|複製|貼上|刪除||填滿所選儲存格|向下填滿|為所選信道設置|填入頻率…||插入空信道|刪除並上移|上移|下移|"
+             "所選信道按接收頻率排序||匯入 CHIRP CSV…|匯出 CHIRP CSV…||信道表…"_s});
     }
 
     // A right click opens the menu over the row clicked; the memory map's

@@ -82,11 +82,10 @@ class TestFmScrambleMemoryMap : public test::Suite
 private Q_SLOTS:
     void radioShowsTheImage_data()
     {
-        QTest::addColumn<int>("language");
-        QTest::addColumn<QString>("texts"); // title, frames, headers, VFO row, buttons
-        QTest::newRow("English") << int(English) << u"Radio Setup|Radio|Radio CH|CH.|Frequency|VFO|OK|Cancel"_s;
-        QTest::newRow("Simplified") << int(SimplifiedChinese) << u"收音机设置|收音机|收音机信道|信道|频率|全频|确定|取消"_s;
-        QTest::newRow("Traditional") << int(TraditionalChinese) << u"收音機設置|收音機|收機音信道|信道|頻率|全頻|確定|取消"_s;
+        // The title, frames, headers, VFO row, buttons.
+        test::languageRows<QString>({"texts"}, {u"Radio Setup|Radio|Radio CH|CH.|Frequency|VFO|OK|Cancel"_s,
+                                                u"收音机设置|收音机|收音机信道|信道|频率|全频|确定|取消"_s,
+                                                u"收音機設置|收音機|收機音信道|信道|頻率|全頻|確定|取消"_s});
     }
 
     // An erased image: 87.50 in the VFO row and 32 empty channels 0-31.
@@ -162,12 +161,10 @@ private Q_SLOTS:
 
     void scrambleCaptions_data()
     {
-        QTest::addColumn<int>("language");
-        QTest::addColumn<QString>("texts"); // title, frame, OK, S0-S7 and their fields
+        // The title, frame, OK, S0-S7 and their fields.
         const QString table = u"|S0 3.3K|S1 3.2K|S2 3.1K|S3 3.0K|S4 2.9K|S5 2.8K|S6 2.7K|S7 2.6K"_s;
-        QTest::newRow("English") << int(English) << u"Scramble(&S)|Scramble(&S)|OK"_s + table;
-        QTest::newRow("Simplified") << int(SimplifiedChinese) << u"扰频(&S)|扰频(&S)|确定"_s + table;
-        QTest::newRow("Traditional") << int(TraditionalChinese) << u"擾頻(&S)|擾頻(&S)|確定"_s + table;
+        test::languageRows<QString>({"texts"}, {u"Scramble(&S)|Scramble(&S)|OK"_s + table,
+                                                u"扰频(&S)|扰频(&S)|确定"_s + table, u"擾頻(&S)|擾頻(&S)|確定"_s + table});
     }
 
     void scrambleCaptions()
@@ -341,17 +338,13 @@ private Q_SLOTS:
     // the interface language while the map's own captions stay English.
     void spokenTexts_data()
     {
-        QTest::addColumn<int>("language");
-        QTest::addColumn<QString>("texts"); // map cell, address box, value box; FM VFO, channel 4 typed, channel 5
-        QTest::newRow("English") << int(English)
-                                 << u"row C8, column E, value 76, hex 4C|Address C8E|Value 76|"
-                                    "VFO, 87.50 megahertz|Channel 4, 99.00 megahertz|Channel 5, empty"_s;
-        QTest::newRow("Simplified") << int(SimplifiedChinese)
-                                    << u"第 C8 行，第 E 列，值 76，十六进制 4C|地址 C8E|值 76|"
-                                       "全频，87.50 兆赫|信道 4，99.00 兆赫|信道 5，空"_s;
-        QTest::newRow("Traditional") << int(TraditionalChinese)
-                                     << u"第 C8 行，第 E 列，值 76，十六進位 4C|位址 C8E|值 76|"
-                                        "全頻，87.50 兆赫|信道 4，99.00 兆赫|信道 5，空"_s;
+        // The map's cell, address box, value box; the FM VFO, channel 4 typed, channel 5.
+        test::languageRows<QString>(
+            {"texts"},
+            {u"row C8, column E, value 76, hex 4C|Address C8E|Value 76|VFO, 87.50 megahertz|Channel 4, 99.00 megahertz|"
+             "Channel 5, empty"_s,
+             u"第 C8 行，第 E 列，值 76，十六进制 4C|地址 C8E|值 76|全频，87.50 兆赫|信道 4，99.00 兆赫|信道 5，空"_s,
+             u"第 C8 行，第 E 列，值 76，十六進位 4C|位址 C8E|值 76|全頻，87.50 兆赫|信道 4，99.00 兆赫|信道 5，空"_s});
     }
 
     void spokenTexts()

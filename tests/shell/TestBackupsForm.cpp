@@ -63,24 +63,19 @@ class TestBackupsForm : public wr::test::ShellSuite
 private Q_SLOTS:
     void listAndOpen_data()
     {
-        QTest::addColumn<int>("language");
-        QTest::addColumn<QStringList>("listed");
-        QTest::addColumn<QString>("captions"); // menu item, label, buttons and column headers
-        QTest::newRow("English") << 0
-                                 << QStringList{u"2026-11-23 14:14:02|Unsaved changes before Open|3"_s,
-                                                u"2026-11-23 14:13:02|Program closed with unsaved changes|unreadable"_s,
-                                                u"2026-11-23 14:12:02|Read from the radio|1"_s}
-                                 << u"&Backups…|Backups the program kept, newest first|Show Folder|Open|Close|Time|Reason|Channels in use"_s;
-        QTest::newRow("Simplified Chinese") << 1
-                                            << QStringList{u"2026-11-23 14:14:02|打开前未保存的修改|3"_s,
-                                                           u"2026-11-23 14:13:02|程序关闭时有未保存的修改|无法读取"_s,
-                                                           u"2026-11-23 14:12:02|从对讲机读取|1"_s}
-                                            << u"备份…|程序保留的备份，最新的在前|显示文件夹|打开|关闭|时间|原因|使用中的信道"_s;
-        QTest::newRow("Traditional Chinese") << 2
-                                             << QStringList{u"2026-11-23 14:14:02|打開前未保存的修改|3"_s,
-                                                            u"2026-11-23 14:13:02|程序關閉時有未保存的修改|無法讀取"_s,
-                                                            u"2026-11-23 14:12:02|從對講機讀取|1"_s}
-                                             << u"備份…|程序保留的備份，最新的在前|顯示文件夾|打開|關閉|時間|原因|使用中的信道"_s;
+        // The rows listed; the menu item, label, buttons and column headers.
+        wr::test::languageRows<QStringList, QString>(
+            {"listed", "captions"},
+            {{u"2026-11-23 14:14:02|Unsaved changes before Open|3"_s,
+              u"2026-11-23 14:13:02|Program closed with unsaved changes|unreadable"_s,
+              u"2026-11-23 14:12:02|Read from the radio|1"_s},
+             {u"2026-11-23 14:14:02|打开前未保存的修改|3"_s, u"2026-11-23 14:13:02|程序关闭时有未保存的修改|无法读取"_s,
+              u"2026-11-23 14:12:02|从对讲机读取|1"_s},
+             {u"2026-11-23 14:14:02|打開前未保存的修改|3"_s, u"2026-11-23 14:13:02|程序關閉時有未保存的修改|無法讀取"_s,
+              u"2026-11-23 14:12:02|從對講機讀取|1"_s}},
+            {u"&Backups…|Backups the program kept, newest first|Show Folder|Open|Close|Time|Reason|Channels in use"_s,
+             u"备份…|程序保留的备份，最新的在前|显示文件夹|打开|关闭|时间|原因|使用中的信道"_s,
+             u"備份…|程序保留的備份，最新的在前|顯示文件夾|打開|關閉|時間|原因|使用中的信道"_s});
     }
 
     // The list speaks the interface language, its controls are named for a

@@ -613,13 +613,7 @@ private Q_SLOTS:
         QCOMPARE(h->panel(1), u"COM"_s + QString::number(stored));
     }
 
-    void portDetailsFramed_data()
-    {
-        QTest::addColumn<int>("language");
-        QTest::newRow("English") << 0;
-        QTest::newRow("Simplified Chinese") << 1;
-        QTest::newRow("Traditional Chinese") << 2;
-    }
+    void portDetailsFramed_data() { wr::test::languageRows(); }
 
     // The box beside the port list shows all four sides, wherever the
     // language's captions put it. CTest runs this at 150 % too, where a

@@ -27,17 +27,11 @@ private Q_SLOTS:
 
 void TestMainWindowFilter::countInTheStatusBar_data()
 {
-    QTest::addColumn<int>("language");
-    QTest::addColumn<QStringList>("counts"); // 12 channels shown, 2, then 2 after the switch to English
-    QTest::newRow("English") << 0
-                             << QStringList{u"12 of 128 channels shown"_s, u"2 of 128 channels shown"_s,
-                                            u"2 of 128 channels shown"_s};
-    QTest::newRow("Simplified") << 1
-                                << QStringList{u"显示 12 / 128 个信道"_s, u"显示 2 / 128 个信道"_s,
-                                               u"2 of 128 channels shown"_s};
-    QTest::newRow("Traditional") << 2
-                                 << QStringList{u"顯示 12 / 128 個信道"_s, u"顯示 2 / 128 個信道"_s,
-                                                u"2 of 128 channels shown"_s};
+    // 12 channels shown, 2, then 2 after the switch to English.
+    const QString two = u"2 of 128 channels shown"_s;
+    wr::test::languageRows<QStringList>({"counts"}, {{u"12 of 128 channels shown"_s, two, two},
+                                                     {u"显示 12 / 128 个信道"_s, u"显示 2 / 128 个信道"_s, two},
+                                                     {u"顯示 12 / 128 個信道"_s, u"顯示 2 / 128 個信道"_s, two}});
 }
 
 // Ctrl+F reaches the filter from the tree; the count follows each

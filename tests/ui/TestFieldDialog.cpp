@@ -148,11 +148,10 @@ private Q_SLOTS:
     // without a label by the name written for it, a check box by its text.
     void spokenNames_data()
     {
-        QTest::addColumn<int>("language");
-        QTest::addColumn<QString>("names"); // dialog, cboMode (its value), cboLevel, txtNotes, chkBeep, OK
-        QTest::newRow("English") << int(English) << u"Example|Mode (Fast)|Mode Short Press|Notes|Beep|OK"_s;
-        QTest::newRow("Simplified") << int(SimplifiedChinese) << u"示例|方式 (快)|方式 短按|备注|哗音|确定"_s;
-        QTest::newRow("Traditional") << int(TraditionalChinese) << u"示例|方式 (快)|方式 短按|備註|嘩音|確定"_s;
+        // The dialog, cboMode (its value), cboLevel, txtNotes, chkBeep, OK.
+        test::languageRows<QString>({"names"}, {u"Example|Mode (Fast)|Mode Short Press|Notes|Beep|OK"_s,
+                                                u"示例|方式 (快)|方式 短按|备注|哗音|确定"_s,
+                                                u"示例|方式 (快)|方式 短按|備註|嘩音|確定"_s});
     }
 
     void spokenNames()
