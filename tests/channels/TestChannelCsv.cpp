@@ -316,8 +316,7 @@ private Q_SLOTS:
     {
         QRandomGenerator random(20250101);
         const QStringList tones = BuildToneTable(English);
-        MemoryImage original;
-        original.InitImage();
+        MemoryImage original = test::freshImage();
         for (int n = 1; n <= ChannelRecord::ChannelCount; ++n) {
             if (random.bounded(8) == 0)
                 continue; // empty
@@ -346,8 +345,7 @@ private Q_SLOTS:
 
         const CsvImport import = readChannelCsv(csv::decode(file), DefaultBandLimits);
         QCOMPARE(notesOf(import), QStringList());
-        MemoryImage imported;
-        imported.InitImage();
+        MemoryImage imported = test::freshImage();
         applyImport(imported, import);
         for (int row : {202, 203})
             QCOMPARE(imported.row(row).toHex(), original.row(row).toHex());
@@ -358,8 +356,7 @@ private Q_SLOTS:
     // creation bytes, as typing its receive frequency gives.
     void importKeepsSignallingOfChannelsInUse()
     {
-        MemoryImage image;
-        image.InitImage();
+        MemoryImage image = test::freshImage();
         CreateChannel(image, 1);
         SaveChannel(image, 1, textsOf(u"145.00000|145.00000|None|None|High|Wide|On|Off"_s));
         ChannelRecord(image, 1).setSignallingFlags(0x82);

@@ -74,8 +74,7 @@ void TestImage::freshImageErasedElsewhere()
 
 void TestImage::modifiedTracksEveryByte()
 {
-    MemoryImage image;
-    image.InitImage();
+    MemoryImage image = test::freshImage();
     for (int a : {0, 0x0CD0, 0x1A0F, MemoryImage::Size - 1}) {
         const quint8 old = image.ReadByte(a);
         image.WriteByte(a, static_cast<quint8>(old ^ 0x01));

@@ -107,8 +107,7 @@ private Q_SLOTS:
         QFETCH(bool, inUse);
         QFETCH(QString, bytes);
         QFETCH(QString, shown);
-        MemoryImage image;
-        image.InitImage();
+        MemoryImage image = test::freshImage();
         put(image, channel == Vfo ? fm::VfoAddress : fm::FirstChannelAddress + 4 * channel, qPrintable(bytes));
         if (channel != Vfo && inUse)
             markInUse(image, channel);
@@ -126,8 +125,7 @@ private Q_SLOTS:
     // marked empty, the VFO encoded and the rest of rows 400 and 409 kept.
     void saveOneChannel()
     {
-        MemoryImage image;
-        image.InitImage();
+        MemoryImage image = test::freshImage();
         put(image, 0x1904, "123456");
         put(image, 0x1994, "ABCDEF");
         for (int channel = 0; channel < fm::ChannelCount; ++channel) {

@@ -103,8 +103,7 @@ private Q_SLOTS:
 
         // The commit step (address 0x0CD0 cleared) runs before the optional
         // features only.
-        wr::MemoryImage expected;
-        expected.setBytes(before);
+        wr::MemoryImage expected = wr::test::imageOf(before);
         if (option)
             expected.WriteByte(0x0CD0, 0x00);
         QCOMPARE(found.toHex(' '), expected.bytes().toHex(' '));
@@ -125,8 +124,7 @@ private Q_SLOTS:
     // that only carry texts are filled but out of sight.
     void everyControlBound()
     {
-        wr::MemoryImage image;
-        image.InitImage();
+        wr::MemoryImage image = wr::test::freshImage();
         wr::frmOption option(image, wr::TraditionalChinese);
         wr::frmKey key(image, wr::TraditionalChinese);
         QCOMPARE(option.missingControls(), QStringList());

@@ -90,8 +90,7 @@ void loadAndStore(const FieldTable &table)
     QFETCH(QString, expected);
     QFETCH(QString, changes);
     QFETCH(QString, stored);
-    MemoryImage image;
-    image.InitImage();
+    MemoryImage image = test::freshImage();
     writeBytes(image, bytes);
     MemoryImage after = image;
     writeBytes(after, stored);
@@ -217,8 +216,7 @@ private Q_SLOTS:
         QFETCH(QString, bytes);
         QFETCH(int, language);
         QFETCH(QString, lines);
-        MemoryImage image;
-        image.InitImage();
+        MemoryImage image = test::freshImage();
         writeBytes(image, bytes);
         const QStringList report = describeSettings(image, language);
         QCOMPARE(report.size(), 9 + 6 + 2 + 2 * KeyCount);

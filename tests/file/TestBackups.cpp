@@ -20,8 +20,7 @@ const QDateTime At = QDateTime(QDate(2026, 11, 23), QTime(14, 15, 2));
 // A fresh radio with one byte of channel 1 changed to `mark`.
 MemoryImage imageMarked(std::uint8_t mark)
 {
-    MemoryImage image;
-    image.InitImage();
+    MemoryImage image = test::freshImage();
     image.WriteByte(0, mark);
     return image;
 }

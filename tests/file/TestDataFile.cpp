@@ -47,21 +47,10 @@ QByteArray randomBytes(QRandomGenerator &random, int count)
     return bytes;
 }
 
-MemoryImage imageOf(const QByteArray &bytes)
-{
-    MemoryImage image;
-    image.setBytes(bytes);
-    return image;
-}
-
-MemoryImage freshImage()
-{
-    MemoryImage image;
-    image.InitImage();
-    return image;
-}
-
 } // namespace
+
+using test::freshImage;
+using test::imageOf;
 
 Q_DECLARE_METATYPE(Pass)
 

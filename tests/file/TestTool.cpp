@@ -25,8 +25,7 @@ namespace {
 // narrow, not scanned, BCL off. Both marked in use in the empty bitmap.
 MemoryImage imageWithChannels()
 {
-    MemoryImage image;
-    image.InitImage();
+    MemoryImage image = test::freshImage();
     image.setRow(2, QByteArray::fromHex("14550000" "14600000" "8508" "2380" "0000" "4D" "00"));
     image.setRow(9, QByteArray::fromHex("43512500" "FFFFFFFF" "FFFF" "FFFF" "0000" "00" "00"));
     image.WriteByte(202, 0, 0xFF & ~(1 << 2)); // channel 3 in use
@@ -170,8 +169,7 @@ void TestTool::fileCommands()
     const QString folder = tempFolder();
     // "new" writes the fresh radio's 165-byte file.
     QCOMPARE(runTool({u"new"_s, u"@/fresh.tw"_s}, folder).exitCode, 0);
-    MemoryImage fresh;
-    fresh.InitImage();
+    MemoryImage fresh = test::freshImage();
     QCOMPARE(test::readFile(folder + u"/fresh.tw"_s), *DF::Encode(fresh));
 
     const Run dump = runTool({u"dump"_s, u"@/channels.tw"_s}, folder);
@@ -191,8 +189,7 @@ void TestTool::backups()
 {
     const QString folder = tempFolder();
     const QString backups = folder + u"/data/wrpd6t/backups"_s;
-    MemoryImage fresh;
-    fresh.InitImage();
+    MemoryImage fresh = test::freshImage();
     const QDate day(2026, 11, 23);
     QVERIFY(Backups::keep(backups, imageWithChannels(), BackupReason::Read, QDateTime(day, QTime(14, 15, 2))).status
             == Backups::Status::Written);

@@ -26,8 +26,7 @@ const QStringList ClubChannels{
 QStringList channelsOf(const QString &path)
 {
     const DataFile::ReadResult file = DataFile::Read(path);
-    MemoryImage image;
-    image.setBytes(file.image);
+    MemoryImage image = test::imageOf(file.image);
     QStringList channels;
     for (int channel = 1; channel <= 4; ++channel) {
         const ChannelTexts texts = ReadChannelTexts(image, channel, English);
@@ -47,8 +46,7 @@ class TestToolSet : public test::Suite
 
     void setUp() override
     {
-        MemoryImage image;
-        image.InitImage();
+        MemoryImage image = test::freshImage();
         WriteDefaultBandLimits(image);
         for (int channel = 1; channel <= ClubChannels.size(); ++channel) {
             const QStringList cells = ClubChannels.at(channel - 1).split(u'|');

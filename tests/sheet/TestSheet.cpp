@@ -117,8 +117,7 @@ QList<qsizetype> channelRows(const Page &page)
 // power, width, scan add and busy lock varied. FM channel 2 on 98.10 MHz.
 MemoryImage sheetImage()
 {
-    MemoryImage image;
-    image.InitImage();
+    MemoryImage image = test::freshImage();
     for (int channel = 1; channel <= ChannelRecord::ChannelCount; ++channel) {
         if (channel % 16 == 0)
             continue;

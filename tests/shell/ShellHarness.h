@@ -85,9 +85,7 @@ public:
     QString gridRx(int channel) const { return window->channelList()->cellText(channel, 1); }
     static QString rxOf(const QByteArray &image, int channel)
     {
-        MemoryImage memory;
-        memory.setBytes(image);
-        return ReadChannelTexts(memory, channel, 0).rx;
+        return ReadChannelTexts(imageOf(image), channel, 0).rx;
     }
     static QString imageRx(int channel) { return rxOf(app().image.bytes(), channel); }
     // "Icon|title|text" of every message box so far.
@@ -111,8 +109,7 @@ public:
     // band limits a radio reports.
     static QByteArray imageWithChannels(int first, int count, int baseMHz = 430)
     {
-        MemoryImage image;
-        image.InitImage();
+        MemoryImage image = freshImage();
         for (int channel = first; channel < first + count; ++channel) {
             const QString rx = QStringLiteral("%1.12500").arg(baseMHz + channel % 30);
             CreateChannel(image, channel);
@@ -124,12 +121,11 @@ public:
         return image.bytes();
     }
 
-    static bool writeDataFile(const QString &path, const QByteArray &bytes)
-    {
-        MemoryImage image;
-        image.setBytes(bytes);
-        return writeFile(path, DataFile::Encode(image).value_or(QByteArray()));
-    }
+    // A data file of an image's bytes, and the receive frequency of a
+    // channel of one on disk.
+    static QByteArray fileOf(const QByteArray &bytes) { return DataFile::Encode(imageOf(bytes)).value_or(QByteArray()); }
+    static bool writeDataFile(const QString &path, const QByteArray &bytes) { return writeFile(path, fileOf(bytes)); }
+    static QString rxInFile(const QString &path, int channel) { return rxOf(DataFile::Read(path).image, channel); }
 
     QString folder;
     SettingsStore settings;

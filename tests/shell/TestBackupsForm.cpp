@@ -44,8 +44,7 @@ class TestBackupsForm : public wr::test::ShellSuite
     void keepBackups(const QList<BackupReason> &reasons) const
     {
         for (qsizetype i = 0; i < reasons.size(); ++i) {
-            wr::MemoryImage image;
-            image.setBytes(ShellHarness::imageWithChannels(1, int(i) + 1));
+            wr::MemoryImage image = wr::test::imageOf(ShellHarness::imageWithChannels(1, int(i) + 1));
             wr::Backups::keep(h->backupFolder(), image, reasons.at(i), At.addSecs(60 * (i - reasons.size())));
         }
     }

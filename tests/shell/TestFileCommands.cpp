@@ -19,28 +19,6 @@
 using namespace Qt::StringLiterals;
 using wr::test::ShellHarness;
 
-namespace {
-
-QString rxInFile(const QString &path, int channel)
-{
-    return ShellHarness::rxOf(wr::DataFile::Read(path).image, channel);
-}
-
-QByteArray freshImage()
-{
-    wr::MemoryImage image;
-    image.InitImage();
-    return image.bytes();
-}
-
-QByteArray fileOf(const QByteArray &bytes)
-{
-    wr::MemoryImage image;
-    image.setBytes(bytes);
-    return wr::DataFile::Encode(image).value_or(QByteArray());
-}
-
-} // namespace
 
 class TestFileCommands : public wr::test::ShellSuite
 {
@@ -123,7 +101,7 @@ private Q_SLOTS:
             QCOMPARE(ShellHarness::imageRx(1), u"145.50000"_s);
         if (!savedFirst)
             return;
-        QCOMPARE(rxInFile(saved, 1), u"145.50000"_s);
+        QCOMPARE(ShellHarness::rxInFile(saved, 1), u"145.50000"_s);
         // After Open, Save goes to the file last saved without a dialog and
         // leaves the opened file alone.
         h->editRx(10, u"439.0"_s);
@@ -131,8 +109,8 @@ private Q_SLOTS:
         wr::FileDialog::setNextFileName(sentinel); // a dialog would take it
         h->trigger(u"mnuFile_Save"_s);
         QVERIFY(!QFile::exists(sentinel));
-        QCOMPARE(rxInFile(saved, 10), u"439.00000"_s);
-        QCOMPARE(rxInFile(saved, 20), u"450.12500"_s);
+        QCOMPARE(ShellHarness::rxInFile(saved, 10), u"439.00000"_s);
+        QCOMPARE(ShellHarness::rxInFile(saved, 20), u"450.12500"_s);
         QCOMPARE(wr::test::readFile(other), otherFile);
         QCOMPARE(wr::MessageBox::history().size(), 1);
     }
@@ -221,7 +199,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("content"); // null: there is no such file
         QTest::addColumn<QString>("shown");      // "%1" stands for the file's path
-        const QByteArray good = fileOf(ShellHarness::imageWithChannels(20, 5));
+        const QByteArray good = ShellHarness::fileOf(ShellHarness::imageWithChannels(20, 5));
         QTest::newRow("good file") << good << QString();
         QTest::newRow("damaged file") << good.left(40) + good.right(1)
                                       << u"Critical|Error|Incorrect File Type.\ncustomer.tw: its packing is damaged"_s;
@@ -240,7 +218,7 @@ private Q_SLOTS:
 
         const bool opened = shown.isEmpty();
         QCOMPARE(ShellHarness::shownBoxes(), opened ? QStringList() : QStringList{QString(shown).replace(u"%1"_s, path)});
-        QCOMPARE(wr::app().image.bytes(), opened ? ShellHarness::imageWithChannels(20, 5) : freshImage());
+        QCOMPARE(wr::app().image.bytes(), opened ? ShellHarness::imageWithChannels(20, 5) : wr::test::freshImage().bytes());
         QVERIFY(!wr::app().image.IsModified());
         QCOMPARE(wr::app().BandLimits[0], opened ? 136 : 140);
         QCOMPARE(h->gridRx(20), opened ? u"450.12500"_s : QString());
@@ -464,7 +442,7 @@ private Q_SLOTS:
         QCOMPARE(wr::FileDialog::history(), proposed);
         QCOMPARE(wr::app().CurrentFileName, written.isEmpty() ? u"Untitled"_s : filePath(written));
         if (!written.isEmpty())
-            QCOMPARE(rxInFile(filePath(written), 7), u"439.50000"_s);
+            QCOMPARE(ShellHarness::rxInFile(filePath(written), 7), u"439.50000"_s);
         if (!existing.isEmpty() && existing != written)
             QCOMPARE(wr::test::readFile(filePath(existing)), QByteArray("theirs"));
         // No file under the name as typed.
@@ -529,9 +507,7 @@ private Q_SLOTS:
         QCOMPARE(ShellHarness::shownBoxes(), QStringList{u"Warning|Alert!|All data will be cleared."_s});
         QCOMPARE(wr::MessageBox::history().first().buttons, QMessageBox::Ok | QMessageBox::Cancel);
         QCOMPARE(wr::MessageBox::history().first().defaultButton, QMessageBox::Cancel);
-        wr::MemoryImage fresh;
-        fresh.InitImage();
-        QCOMPARE(wr::app().image.bytes() == fresh.bytes(), cleared);
+        QCOMPARE(wr::app().image.bytes() == wr::test::freshImage().bytes(), cleared);
         QCOMPARE(h->gridRx(1).isEmpty(), cleared);
         QVERIFY(!wr::app().image.IsModified());
         QCOMPARE(wr::app().CurrentFileName, filePath(u"current.tw"_s));

@@ -223,7 +223,7 @@ private Q_SLOTS:
         keys(Qt::CTRL | Qt::Key_W);
         QCOMPARE(answered, (QStringList{u"Read data from radio."_s, u"Reading completed!"_s, u"Write data to radio."_s,
                                         u"Writing completed! (verified)"_s}));
-        QTRY_COMPARE_WITH_TIMEOUT(ShellHarness::rxOf(wr::DataFile::Read(saved).image, 5), u"146.52500"_s, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(ShellHarness::rxInFile(saved, 5), u"146.52500"_s, 5000);
         const QByteArray stored = wr::DataFile::Read(saved).image, written = wr::app().image.bytes();
         QCOMPARE(stored.first(128 * 16), written.first(128 * 16));
         QCOMPARE(stored.sliced(200 * 16, 48 * 16), written.sliced(200 * 16, 48 * 16));

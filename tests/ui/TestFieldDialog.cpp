@@ -101,8 +101,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, how);
         QFETCH(bool, stores);
-        MemoryImage image;
-        image.InitImage();
+        MemoryImage image = test::freshImage();
         image.WriteByte(0x0CD1, 0xA2);
         image.WriteByte(0x0CD6, 0x07);
         const MemoryImage before = image;
