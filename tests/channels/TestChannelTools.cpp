@@ -72,7 +72,6 @@ private Q_SLOTS:
     void contextMenu()
     {
         QFETCH(int, language);
-        QFETCH(QString, captions);
         app().LanguageIndex = quint8(language);
         openForm();
         rightClick(5, 0, Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
@@ -82,7 +81,7 @@ private Q_SLOTS:
         QStringList shown;
         for (QAction *action : menu()->actions())
             shown << action->text();
-        QCOMPARE(shown.join(u'|'), captions);
+        QTEST(shown.join(u'|'), "captions");
         QCOMPARE(form->selectedChannels(), QList<int>{5});
         QVERIFY(!form->findChild<QAction *>(u"undoChannels"_s)->isEnabled());
         menu()->close();
@@ -440,7 +439,6 @@ private Q_SLOTS:
         QFETCH(QString, key);
         QFETCH(QString, clipboard);
         QFETCH(QString, text);
-        QFETCH(QString, clipboardAfter);
         openForm();
         int dialogs = 0;
         QPointer<QTimer> watch = test::whenModal([&dialogs](QDialog *dialog) {
@@ -459,7 +457,7 @@ private Q_SLOTS:
         QCOMPARE(QApplication::focusWidget(), editor);
         const auto *line = qobject_cast<QLineEdit *>(editor);
         QCOMPARE(line ? line->text() : qobject_cast<QComboBox *>(editor)->currentText(), text);
-        QCOMPARE(QGuiApplication::clipboard()->text(), clipboardAfter);
+        QTEST(QGuiApplication::clipboard()->text(), "clipboardAfter");
         QTest::qWait(50);
         delete watch;
         QCOMPARE(dialogs, 0);
@@ -493,7 +491,6 @@ private Q_SLOTS:
     void reloadOrLanguageSwitch()
     {
         QFETCH(int, language);
-        QFETCH(QString, undone);
         openForm();
         run(u"n3 Delete"_s);
         form->SaveData();
@@ -501,7 +498,7 @@ private Q_SLOTS:
         form->RefreshChannel();
         QCOMPARE(form->undoStack()->count(), language == English ? 0 : 1);
         run(u"Ctrl+Z"_s);
-        QCOMPARE(cell(3, 1) + u'|' + cell(3, 5), undone);
+        QTEST(cell(3, 1) + u'|' + cell(3, 5), "undone");
     }
 };
 

@@ -253,13 +253,12 @@ void TestDataFile::hostileFiles()
 {
     QFETCH(QByteArray, file);
     QFETCH(DF::ReadStatus, status);
-    QFETCH(DF::ReadProblem, problem);
     // The same through the file system, where the reading starts.
     const QString path = filePath(QStringLiteral("hostile.tw"));
     QVERIFY(file.isNull() || test::writeFile(path, file));
     const DF::ReadResult read = DF::Read(path);
     QCOMPARE(read.status, status);
-    QCOMPARE(read.problem, problem);
+    QTEST(read.problem, "problem");
     QCOMPARE(read.image.size(), status == DF::ReadStatus::Ok ? MemoryImage::Size : 0);
     QCOMPARE(read.errorString.isEmpty(), status != DF::ReadStatus::CannotOpen);
 }

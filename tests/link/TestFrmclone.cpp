@@ -65,10 +65,6 @@ void TestFrmclone::transfer()
     QFETCH(int, port);
     QFETCH(int, language);
     QFETCH(bool, read);
-    QFETCH(QString, caption);
-    QFETCH(QString, label);
-    QFETCH(QMessageBox::Icon, icon);
-    QFETCH(QString, message);
     const bool moves = port == 200;
 
     test::RadioOnPty line(filePath(u"serial-ports"_s)); // COM200
@@ -95,18 +91,18 @@ void TestFrmclone::transfer()
     watch.start(5);
     form.show();
     QVERIFY(form.isModal());
-    QCOMPARE(form.windowTitle(), caption);
+    QTEST(form.windowTitle(), "caption");
     QTRY_VERIFY_WITH_TIMEOUT(!form.isVisible(), 60000);
 
     QCOMPARE(form.result(), int{moves ? QDialog::Accepted : QDialog::Rejected});
-    QCOMPARE(form.findChild<QLabel *>(u"lblPercent"_s)->text(), label);
+    QTEST(form.findChild<QLabel *>(u"lblPercent"_s)->text(), "label");
     QCOMPARE(completed.size(), moves && read ? 1 : 0);
     QCOMPARE(int{state.PortNumber}, port);
     const QList<MessageBox::Shown> shown = MessageBox::history();
     QCOMPARE(shown.size(), 1);
     QCOMPARE(shown.first().title, u"WR-PD6T"_s);
-    QCOMPARE(shown.first().icon, icon);
-    QCOMPARE(shown.first().text, message);
+    QTEST(shown.first().icon, "icon");
+    QTEST(shown.first().text, "message");
     QCOMPARE(statuses.contains(statusText({TransferStatus::Kind::Verifying}, language)), moves && !read);
 
     const QList<int> moved = moves ? test::transferredRows(read) : QList<int>{};

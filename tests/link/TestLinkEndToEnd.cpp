@@ -280,7 +280,6 @@ void TestLinkEndToEnd::batchWithTroubledPort_data()
 void TestLinkEndToEnd::batchWithTroubledPort()
 {
     QFETCH(bool, pullCable);
-    QFETCH(Kind, ends);
     const QString folder = filePath(u"serial-ports"_s);
     test::RadioOnPty first(folder);
     test::RadioOnPty second(folder, {}, false, 201);
@@ -311,7 +310,7 @@ void TestLinkEndToEnd::batchWithTroubledPort()
     for (const int row : test::transferredRows(false))
         QCOMPARE(first.radio.memory().row(row), image.row(row));
     const CloneBatch::Radio &troubled = batch.radio(1);
-    QCOMPARE(troubled.outcome.kind, ends);
+    QTEST(troubled.outcome.kind, "ends");
     QCOMPARE(troubled.port, 201);
     QCOMPARE(troubled.device, device); // named by its device, even once it is gone
     QCOMPARE(troubled.outcome.problem.kind, pullCable ? PortProblem::Kind::Lost : PortProblem::Kind::Busy);

@@ -295,14 +295,13 @@ void TestSheet::paginate_data()
 void TestSheet::paginate()
 {
     QFETCH(QString, blocks);
-    QFETCH(QList<int>, pages);
     QList<sheet::Block> parsed;
     for (QString block : blocks.split(u' ')) {
         const bool row = block.startsWith(u't');
         const bool kept = block.startsWith(u'k');
         parsed.append({block.remove(0, row || kept ? 1 : 0).toDouble(), row, kept});
     }
-    QCOMPARE(sheet::paginate(parsed, 30, 5), pages);
+    QTEST(sheet::paginate(parsed, 30, 5), "pages");
 }
 
 void TestSheet::textMap_data()
@@ -350,11 +349,10 @@ void TestSheet::paper_data()
 void TestSheet::paper()
 {
     QFETCH(QStringList, environment);
-    QFETCH(int, paper);
     QProcessEnvironment variables;
     for (const QString &variable : environment)
         variables.insert(variable.section(u'=', 0, 0), variable.section(u'=', 1));
-    QCOMPARE(int(sheet::localePaper(variables)), paper);
+    QTEST(int(sheet::localePaper(variables)), "paper");
 }
 
 void TestSheet::tool_data()
@@ -379,7 +377,6 @@ void TestSheet::tool()
     QFETCH(QStringList, arguments);
     QFETCH(int, exitCode);
     QFETCH(QString, message);
-    QFETCH(QList<int>, rows);
     QVERIFY(DataFile::Write(filePath(u"in.tw"_s), sheetImage(), nullptr));
     QVERIFY(test::writeFile(filePath(u"damaged.tw"_s), "PDZUNK damaged"));
     const QString out = filePath(u"out.pdf"_s);
@@ -402,7 +399,7 @@ void TestSheet::tool()
     QList<int> listed;
     for (const qsizetype line : channelRows(pages[0]))
         listed.append(pages[0].lines[line].front().text.toInt());
-    QCOMPARE(listed, rows);
+    QTEST(listed, "rows");
     QVERIFY(pages[0].line(0).startsWith(u"WR-PD6T"_s));
     QVERIFY(pages[0].line(pages[0].lines.size() - 1).endsWith(u"第 1 页，共 1 页"_s));
 }

@@ -83,8 +83,6 @@ private Q_SLOTS:
     void listAndOpen()
     {
         QFETCH(int, language);
-        QFETCH(QStringList, listed);
-        QFETCH(QString, captions);
         keepBackups({BackupReason::Read, BackupReason::ExitUnsaved, BackupReason::BeforeOpen});
         const QString damaged = wr::Backups::list(h->backupFolder()).at(1).path;
         QVERIFY(wr::test::writeFile(damaged, "damaged"));
@@ -111,8 +109,8 @@ private Q_SLOTS:
         wr::MessageBox::setNextAnswer(QMessageBox::No);
         h->trigger(u"mnuFile_Backups"_s);
 
-        QCOMPARE(shown, listed);
-        QCOMPARE(spoken.join(u'|'), captions);
+        QTEST(shown, "listed");
+        QTEST(spoken.join(u'|'), "captions");
         QCOMPARE(wr::MessageBox::history().size(), 1); // the modified question
         QCOMPARE(wr::app().image.bytes(), ShellHarness::imageWithChannels(1, 1));
         QCOMPARE(h->gridRx(1), u"431.12500"_s);

@@ -144,7 +144,6 @@ private Q_SLOTS:
     {
         QFETCH(int, key);
         QFETCH(int, column);
-        QFETCH(QString, cell);
         QFETCH(QString, ran);
         QTableView *grid = gridAt(0, 3, column, u"145.5"_s);
         QVERIFY(grid);
@@ -158,7 +157,7 @@ private Q_SLOTS:
         wr::FileDialog::setNextFileName(path);
         wr::MessageBox::setNextAnswer(QMessageBox::Cancel);
         QTest::keyClick(editor, Qt::Key(key), Qt::ControlModifier);
-        QCOMPARE(h->window->channelList()->cellText(3, column), cell);
+        QTEST(h->window->channelList()->cellText(3, column), "cell");
         QVERIFY(!editor->isVisible());
         if (ran == u"saved")
             QVERIFY(QFile::exists(path));
@@ -185,7 +184,6 @@ private Q_SLOTS:
     {
         QFETCH(bool, backwards);
         QFETCH(QString, typed);
-        QFETCH(QString, lands);
         QTableView *grid = gridAt(0, 3, 1, QString());
         QVERIFY(grid);
         if (!typed.isEmpty()) {
@@ -194,7 +192,7 @@ private Q_SLOTS:
         }
         const Qt::Key key = backwards ? Qt::Key_Backtab : Qt::Key_Tab;
         QTest::keyClick(QApplication::focusWidget(), key, Qt::ControlModifier | (backwards ? Qt::ShiftModifier : Qt::NoModifier));
-        QCOMPARE(QApplication::focusWidget()->objectName(), lands);
+        QTEST(QApplication::focusWidget()->objectName(), "lands");
         QCOMPARE(h->gridRx(3), typed.isEmpty() ? QString() : u"147.00000"_s);
     }
 
@@ -591,7 +589,6 @@ private Q_SLOTS:
     {
         QFETCH(int, portNumber);
         QFETCH(QString, typed);
-        QFETCH(QString, expectedShown);
         QFETCH(int, stored);
         wr::setSerialPortsFolder(filePath(u"serial-ports"_s));
         wr::setSystemPortSource([] {
@@ -608,7 +605,7 @@ private Q_SLOTS:
             QTest::mouseClick(form->findChild<QPushButton *>(u"CmdOK"_s), Qt::LeftButton);
         });
         h->trigger(u"mnuPort"_s);
-        QCOMPARE(shown, expectedShown);
+        QTEST(shown, "expectedShown");
         QCOMPARE(int(wr::app().PortNumber), stored);
         QCOMPARE(h->panel(1), u"COM"_s + QString::number(stored));
     }

@@ -156,7 +156,6 @@ private Q_SLOTS:
     void spokenNames()
     {
         QFETCH(int, language);
-        QFETCH(QString, names);
         MemoryImage image;
         image.WriteByte(0x0CD1, 0x02);
         frmExample form(image, Language(language));
@@ -168,7 +167,7 @@ private Q_SLOTS:
                                 spoken(u"cboMode"_s) + u" ("_s + spoken(u"cboMode"_s, QAccessible::Value) + u')',
                                 spoken(u"cboLevel"_s), spoken(u"txtNotes"_s), spoken(u"chkBeep"_s),
                                 spoken(u"CmdOK"_s)};
-        QCOMPARE(heard.join(u'|'), names);
+        QTEST(heard.join(u'|'), "names");
     }
 };
 
