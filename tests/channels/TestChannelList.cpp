@@ -480,21 +480,6 @@ private Q_SLOTS:
         notch(-120, Qt::ShiftModifier);
         QCOMPARE(grid()->currentIndex().row(), row);
     }
-
-    void memoryMapGestureSavesFirst()
-    {
-        putChannel(15, u"150.00000"_s, u"150.00000"_s);
-        openForm();
-        QSignalSpy spy(form.get(), &frmChannel::memoryMapRequested);
-        click(15, Rx);
-        QTest::keyClicks(text(), u"162.5"_s);
-        click(20, Scan, Qt::RightButton, Qt::ShiftModifier | Qt::ControlModifier);
-        QCOMPARE(spy.count(), 0); // Alt missing
-        QCOMPARE(ReadFreq(app().image, Side::Rx, 15), u"150.00000"_s);
-        click(20, Scan, Qt::RightButton, Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier);
-        QCOMPARE(spy.count(), 1);
-        QCOMPARE(ReadFreq(app().image, Side::Rx, 15), u"162.50000"_s);
-    }
 };
 
 QTEST_MAIN(TestChannelList)

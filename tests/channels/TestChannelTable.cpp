@@ -131,8 +131,8 @@ private Q_SLOTS:
 
     // The model over a working copy, checked by Qt's model tester all along:
     // a created channel's bytes 12-15 reach the image at once and go back on
-    // undo; a language switch re-captions every word and keeps the history,
-    // whose steps come back in the new words.
+    // undo. (A language switch keeping the history is tried on the list:
+    // TestChannelTools' reloadOrLanguageSwitch.)
     void modelAndHistory()
     {
         MemoryImage &image = app().image;
@@ -153,25 +153,18 @@ private Q_SLOTS:
         history.change(Text(u"Edit"), {{5, created}}, {}, {}); // nothing differs: no step
         QCOMPARE(history.stack()->count(), 1);
 
-        ChannelTable switched = model.table();
-        switched.recaption(TraditionalChinese);
-        model.setTable(switched, TraditionalChinese);
-        QCOMPARE(model.index(5, ColPower).data().toString(), u"高"_s);
-        QCOMPARE(model.headerData(ColPower, Qt::Horizontal).toString(), u"發射功率"_s);
-        QCOMPARE(model.index(0, ColPower).data().toString(), u"發射功率"_s);
         history.stack()->undo();
         QCOMPARE(model.index(5, ColRx).data().toString(), QString());
         QCOMPARE(image.row(ChannelRow(5)).mid(12).toHex(), QByteArray("123456ff"));
         history.stack()->redo();
-        QCOMPARE(model.table().at(5).texts, recaptioned(created.texts, TraditionalChinese));
-        QCOMPARE(model.index(5, ColScanAdd).data().toString(), u"開"_s);
+        QCOMPARE(model.index(5, ColScanAdd).data().toString(), u"On"_s);
 
         // Saving writes the cells and the bytes 12-15 of the channels in use.
         MemoryImage saved = image;
         saved.setRow(ChannelRow(5), QByteArray(16, '\0'));
         model.table().save(saved);
         QCOMPARE(saved.row(ChannelRow(5)).toHex(), QByteArray("1455000014550000ffffffff00004c00"));
-        QVERIFY(ChannelTable::load(saved, TraditionalChinese).savesAs(model.table()));
+        QVERIFY(ChannelTable::load(saved, English).savesAs(model.table()));
     }
 
     // What a screen reader hears on the cells, in the language of the words.

@@ -9,6 +9,8 @@
 using namespace wr;
 using namespace Qt::StringLiterals;
 
+// (Settings written at close and read at the next start are tried on the
+// main window: TestMainWindow's settingsWrittenAtClose.)
 class TestSettings : public test::Suite
 {
     Q_OBJECT
@@ -16,7 +18,6 @@ class TestSettings : public test::Suite
 private Q_SLOTS:
     void startUpReadsStoredValues_data();
     void startUpReadsStoredValues();
-    void writtenValuesReadBack();
     void valueNamesIgnoreCase();
     void storedNumberReadsAsDecimal();
     void unreadableOrUnwritableStore();
@@ -63,24 +64,6 @@ void TestSettings::startUpReadsStoredValues()
     QTEST(int(state.ModelIndex), "modelIndex");
     QTEST(int(state.LanguageIndex), "languageIndex");
     QTEST(int(state.PortNumber), "portNumber");
-}
-
-void TestSettings::writtenValuesReadBack()
-{
-    SettingsStore store(iniFile());
-    AppState state;
-    state.ModelIndex = 9;
-    state.LanguageIndex = 2;
-    state.PortNumber = 200;
-    SaveSettings(state, store);
-    QVERIFY(QFile::exists(iniFile()));
-
-    AppState next;
-    StartUp(next, SettingsStore(iniFile()));
-    QCOMPARE(next.ModelIndex, 9);
-    QCOMPARE(next.LanguageIndex, 2);
-    QCOMPARE(next.PortNumber, 200);
-    QCOMPARE(next.ToneTable.first(), u"無"_s);
 }
 
 void TestSettings::valueNamesIgnoreCase()

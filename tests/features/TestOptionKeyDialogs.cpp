@@ -76,7 +76,7 @@ private Q_SLOTS:
         QStringList shown;
         QStringList heard;
         QByteArray found;
-        ShellHarness::whenModal([&](QDialog *form) {
+        wr::test::whenModal([&](QDialog *form) {
             found = wr::app().image.bytes();
             for (const QString &name : option ? QStringList{QString(), u"CobKeyL"_s, u"CobKeyS"_s}
                                               : QStringList{QString(), u"CobKeyL0"_s, u"CobKeyS3"_s}) {

@@ -69,6 +69,12 @@ public:
         window->setBackupFolder(backupFolder());
         return *window;
     }
+    // The window opened and shown; false when it never became active.
+    bool show(int language = -1)
+    {
+        open(language).show();
+        return QTest::qWaitForWindowActive(window.get());
+    }
     // The automatic backups go to the test's own data folder.
     QString dataFolder() const { return folder + QStringLiteral("/data"); }
     QString backupFolder() const { return dataFolder() + QStringLiteral("/backups"); }
@@ -100,10 +106,6 @@ public:
     {
         return window->findChild<QLabel *>(QStringLiteral("MSBar_Panel%1").arg(number))->text();
     }
-
-    // Runs handler on the next modal dialog once it is up (the command that
-    // opens it blocks in exec()).
-    static void whenModal(std::function<void(QDialog *)> handler) { test::whenModal(std::move(handler)); }
 
     // An image with channels first.. on <base + n % 30>.12500 MHz and the
     // band limits a radio reports.

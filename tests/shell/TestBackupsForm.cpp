@@ -86,12 +86,11 @@ private Q_SLOTS:
         keepBackups({BackupReason::Read, BackupReason::ExitUnsaved, BackupReason::BeforeOpen});
         const QString damaged = wr::Backups::list(h->backupFolder()).at(1).path;
         QVERIFY(wr::test::writeFile(damaged, "damaged"));
-        h->open(language).show();
-        QVERIFY(QTest::qWaitForWindowActive(h->window.get()));
+        QVERIFY(h->show(language));
         h->editRx(9, u"145.5"_s);
         QStringList shown;
         QStringList spoken{h->action(u"mnuFile_Backups"_s)->text()};
-        ShellHarness::whenModal([&](QDialog *form) {
+        wr::test::whenModal([&](QDialog *form) {
             auto *list = form->findChild<QTreeWidget *>(u"lstBackups"_s);
             shown = rows(list);
             auto *label = form->findChild<QLabel *>(u"lblBackups"_s);
@@ -133,7 +132,7 @@ private Q_SLOTS:
         h->open(0);
         QString note;
         bool openable = true;
-        ShellHarness::whenModal([&](QDialog *form) {
+        wr::test::whenModal([&](QDialog *form) {
             auto *list = form->findChild<QTreeWidget *>(u"lstBackups"_s);
             note = list->currentItem() ? list->currentItem()->text(0) : QString();
             openable = form->findChild<QPushButton *>(u"cmdOpen"_s)->isEnabled();

@@ -294,7 +294,7 @@ private Q_SLOTS:
 
         QString shownWhileWaiting, buttonWhileRunning, shownAfter, heard;
         qint64 longestStallMs = 0;
-        ShellHarness::whenModal([&](QDialog *form) {
+        wr::test::whenModal([&](QDialog *form) {
             auto *combo = form->findChild<QComboBox *>(u"Combo1"_s);
             auto *test = form->findChild<QPushButton *>(u"cmdTest"_s);
             auto *label = form->findChild<QLabel *>(u"lblTestResult"_s);
