@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ModalDialog.h"
+#include "Widgets.h"
 #include "TestSuite.h"
 
 #include "channels/ChannelRecord.h"
@@ -72,9 +72,7 @@ protected:
     void openForm()
     {
         form = std::make_unique<frmChannel>(app());
-        form->show();
-        form->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(form.get()));
+        showActive(form.get());
         form->grid()->setFocus();
     }
     void openForm(Language language)
@@ -127,19 +125,6 @@ protected:
         const QPoint at = cellCentre(row, column);
         QContextMenuEvent event(QContextMenuEvent::Mouse, at, grid()->viewport()->mapToGlobal(at), modifiers);
         QApplication::sendEvent(grid()->viewport(), &event);
-    }
-
-    // Types text key by key into the focused widget, Chinese included
-    // (QTest::keyClicks takes ASCII only).
-    static void type(const QString &text)
-    {
-        for (const QChar c : text) {
-            if (c.unicode() < 0x80)
-                QTest::keyClick(QApplication::focusWidget(), char(c.unicode()));
-            else
-                QTest::sendKeyEvent(QTest::Click, QApplication::focusWidget(), Qt::Key_unknown, QString(c),
-                                    Qt::NoModifier);
-        }
     }
 
     // Steps, one a word: "c3.5" clicks the cell of row 3, column 5, "+c3.5"

@@ -330,7 +330,7 @@ private:
     {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_F, Qt::ControlModifier);
         QCOMPARE(QApplication::focusWidget(), filterLine());
-        type(text);
+        test::type(text);
     }
 
     QString shownChannels() const

@@ -2,6 +2,7 @@
 // captions in each language, the grid editing rules, and what OK and Cancel
 // leave in the image.
 #include "TestSuite.h"
+#include "Widgets.h"
 
 #include "core/AppState.h"
 #include "features/MemoryMapModel.h"
@@ -27,41 +28,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Keys to the widget that has the focus: "\r" Enter, "\x1b" Esc, "\b"
-// Backspace, anything else typed as it is.
-void type(const QString &keys)
-{
-    for (const QChar key : keys) {
-        QWidget *target = QApplication::focusWidget();
-        QVERIFY(target);
-        if (key == u'\r')
-            QTest::keyClick(target, Qt::Key_Return);
-        else if (key == u'\x1b')
-            QTest::keyClick(target, Qt::Key_Escape);
-        else if (key == u'\b')
-            QTest::keyClick(target, Qt::Key_Backspace);
-        else
-            QTest::keyClick(target, key.toLatin1());
-    }
-}
-
-void showActive(QWidget *form)
-{
-    form->show();
-    form->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(form));
-}
-
-template <typename Control>
-Control *child(const QWidget *form, const QString &name)
-{
-    return form->findChild<Control *>(name);
-}
-
 // The editor's text while it is open, "-" when it is closed.
 QString editorText(const QWidget *form, const QString &name)
 {
-    const auto *editor = child<QLineEdit>(form, name);
+    const auto *editor = form->findChild<QLineEdit *>(name);
     return editor->isVisible() ? editor->text() : u"-"_s;
 }
 
@@ -96,13 +66,13 @@ private Q_SLOTS:
         QCOMPARE(form.missingControls(), QStringList());
         const QTableWidget *grid = form.grid();
         const QStringList shown{form.windowTitle(),
-                                child<QGroupBox>(&form, u"Frame1"_s)->title(),
-                                child<QGroupBox>(&form, u"Frame2"_s)->title(),
+                                form.findChild<QGroupBox *>(u"Frame1"_s)->title(),
+                                form.findChild<QGroupBox *>(u"Frame2"_s)->title(),
                                 grid->horizontalHeaderItem(0)->text(),
                                 grid->horizontalHeaderItem(1)->text(),
                                 form.cellText(frmRadio::VfoRow, 0),
-                                child<QPushButton>(&form, u"CmdOK"_s)->text(),
-                                child<QPushButton>(&form, u"CmdCannel"_s)->text()};
+                                form.findChild<QPushButton *>(u"CmdOK"_s)->text(),
+                                form.findChild<QPushButton *>(u"CmdCannel"_s)->text()};
         QTEST(shown.join(u'|'), "texts");
         QCOMPARE(grid->rowCount(), 34);
         QCOMPARE(form.cellText(frmRadio::VfoRow), u"87.50"_s);
@@ -140,10 +110,10 @@ private Q_SLOTS:
         QFETCH(bool, told);
         const QByteArray before = image().bytes();
         frmRadio form(image(), English);
-        showActive(&form);
+        test::showActive(&form);
         form.grid()->setCurrentCell(row, column);
         form.grid()->setFocus();
-        type(keys);
+        test::type(keys);
 
         QTEST(form.cellText(row), "cell");
         QCOMPARE(MessageBox::history().size(), told ? 1 : 0);
@@ -167,11 +137,11 @@ private Q_SLOTS:
     {
         QFETCH(int, language);
         frmSMB form(image(), Language(language));
-        QStringList shown{form.windowTitle(), child<QGroupBox>(&form, u"Frame2"_s)->title(),
-                          child<QPushButton>(&form, u"CmdOK"_s)->text()};
+        QStringList shown{form.windowTitle(), form.findChild<QGroupBox *>(u"Frame2"_s)->title(),
+                          form.findChild<QPushButton *>(u"CmdOK"_s)->text()};
         for (int index = 0; index < 8; ++index) {
-            shown << child<QLabel>(&form, u"Label1"_s + QString::number(index))->text() + u' '
-                    + child<QLineEdit>(&form, u"Txtsmb"_s + QString::number(index))->text();
+            shown << form.findChild<QLabel *>(u"Label1"_s + QString::number(index))->text() + u' '
+                    + form.findChild<QLineEdit *>(u"Txtsmb"_s + QString::number(index))->text();
         }
         QTEST(shown.join(u'|'), "texts");
     }
@@ -197,9 +167,9 @@ private Q_SLOTS:
         QGuiApplication::clipboard()->setText(u"9.9K"_s);
         const QByteArray before = image().bytes();
         frmSMB form(image(), English);
-        showActive(&form);
+        test::showActive(&form);
         for (int index = 0; index < 8; ++index) {
-            auto *field = child<QLineEdit>(&form, u"Txtsmb"_s + QString::number(index));
+            auto *field = form.findChild<QLineEdit *>(u"Txtsmb"_s + QString::number(index));
             const QString text = field->text();
             field->setFocus();
             field->selectAll();
@@ -208,7 +178,7 @@ private Q_SLOTS:
             QTest::keyClick(field, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
             QCOMPARE(field->text(), text);
         }
-        QTest::mouseClick(child<QPushButton>(&form, u"CmdOK"_s), Qt::LeftButton);
+        QTest::mouseClick(form.findChild<QPushButton *>(u"CmdOK"_s), Qt::LeftButton);
         QCOMPARE(form.result(), int(QDialog::Accepted));
         QCOMPARE(image().bytes(), before);
     }
@@ -231,7 +201,7 @@ private Q_SLOTS:
         QCOMPARE(headers, (QStringList{u"0"_s, u"C8"_s, u"3FF"_s, u"F"_s}));
 
         const auto labels = [&form] {
-            return child<QLabel>(&form, u"lblAddr"_s)->text() + u' ' + child<QLabel>(&form, u"LblValue"_s)->text();
+            return form.findChild<QLabel *>(u"lblAddr"_s)->text() + u' ' + form.findChild<QLabel *>(u"LblValue"_s)->text();
         };
         QCOMPARE(labels(), u"00 255"_s);
         form.grid()->setCurrentIndex(model->index(0x1A0, 3));
@@ -270,11 +240,11 @@ private Q_SLOTS:
         QFETCH(int, currentColumn);
         const QByteArray before = image().bytes();
         frmMemoryMap form(image(), English);
-        showActive(&form);
+        test::showActive(&form);
         const QModelIndex start = form.model()->index(row, column);
         form.grid()->setCurrentIndex(start);
         form.grid()->setFocus();
-        type(keys);
+        test::type(keys);
 
         QTEST(start.data().toString(), "cell");
         QTEST(editorText(&form, u"txtMemory"_s), "editor");
@@ -287,9 +257,9 @@ private Q_SLOTS:
     void mapScrollingCancels()
     {
         frmMemoryMap form(image(), English);
-        showActive(&form);
+        test::showActive(&form);
         form.StartByteEdit(3, 2);
-        type(u"\b1"_s);
+        test::type(u"\b1"_s);
         form.grid()->verticalScrollBar()->setValue(40);
         QCOMPARE(editorText(&form, u"txtMemory"_s), u"-"_s);
         QCOMPARE(form.model()->index(2, 3).data().toString(), u"FF"_s);
@@ -318,11 +288,11 @@ private Q_SLOTS:
         if (patched)
             expected[0x3FF5] = '\x7E';
         frmMemoryMap form(image(), English);
-        showActive(&form);
+        test::showActive(&form);
         form.grid()->setCurrentIndex(form.model()->index(0x3FF, 5));
         form.grid()->setFocus();
-        type(keys);
-        QTest::mouseClick(child<QPushButton>(&form, button), Qt::LeftButton);
+        test::type(keys);
+        QTest::mouseClick(form.findChild<QPushButton *>(button), Qt::LeftButton);
         QVERIFY(!form.isVisible());
         QCOMPARE(image().bytes(), expected);
     }
@@ -346,16 +316,16 @@ private Q_SLOTS:
         frmMemoryMap map(image(), Language(language));
         map.grid()->setCurrentIndex(map.model()->index(0xC8, 0xE));
         frmRadio radio(image(), Language(language));
-        showActive(&radio);
+        test::showActive(&radio);
         radio.grid()->setCurrentCell(frmRadio::FirstChannelRow + 4, 1);
         radio.grid()->setFocus();
-        type(u"99\r"_s);
+        test::type(u"99\r"_s);
         const auto spoken = [](const QTableWidget *grid, int row) {
             return grid->item(row, 1)->data(Qt::AccessibleTextRole).toString();
         };
         const QStringList heard{map.grid()->currentIndex().data(Qt::AccessibleTextRole).toString(),
-                                child<QLabel>(&map, u"lblAddr"_s)->accessibleName(),
-                                child<QLabel>(&map, u"LblValue"_s)->accessibleName(),
+                                map.findChild<QLabel *>(u"lblAddr"_s)->accessibleName(),
+                                map.findChild<QLabel *>(u"LblValue"_s)->accessibleName(),
                                 spoken(radio.grid(), frmRadio::VfoRow),
                                 spoken(radio.grid(), frmRadio::FirstChannelRow + 4),
                                 spoken(radio.grid(), frmRadio::FirstChannelRow + 5)};

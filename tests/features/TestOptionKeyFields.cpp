@@ -38,39 +38,29 @@ QList<std::pair<QString, QString>> fieldsOf(const QString &fields)
     return parsed;
 }
 
-qsizetype listIndex(const FieldTable &table, const QString &control)
+// The index of the list or check box of that name in its part of the table; -1 for none.
+template <typename Fields>
+qsizetype indexOf(const Fields &fields, const QString &control)
 {
-    for (std::size_t i = 0; i < table.lists.size(); ++i) {
-        if (table.lists[i].control == control)
-            return qsizetype(i);
-    }
-    return -1;
-}
-
-qsizetype checkIndex(const FieldTable &table, const QString &control)
-{
-    for (std::size_t i = 0; i < table.checks.size(); ++i) {
-        if (table.checks[i].control == control)
-            return qsizetype(i);
-    }
-    return -1;
+    const auto field = std::find_if(fields.begin(), fields.end(), [&](const auto &f) { return f.control == control; });
+    return field == fields.end() ? -1 : qsizetype(field - fields.begin());
 }
 
 // What a field shows: a list's English text, a check box's 0 or 1.
 QString shown(const FieldTable &table, const FieldValues &values, const QString &control)
 {
-    if (const qsizetype list = listIndex(table, control); list >= 0)
+    if (const qsizetype list = indexOf(table.lists, control); list >= 0)
         return table.lists[std::size_t(list)].items(English).value(values.positions.at(list));
-    if (const qsizetype check = checkIndex(table, control); check >= 0)
+    if (const qsizetype check = indexOf(table.checks, control); check >= 0)
         return values.checked.at(check) ? u"1"_s : u"0"_s;
     return u"(no such field)"_s;
 }
 
 void choose(const FieldTable &table, FieldValues &values, const QString &control, const QString &text)
 {
-    if (const qsizetype list = listIndex(table, control); list >= 0)
+    if (const qsizetype list = indexOf(table.lists, control); list >= 0)
         values.positions[list] = int(table.lists[std::size_t(list)].items(English).indexOf(text));
-    else if (const qsizetype check = checkIndex(table, control); check >= 0)
+    else if (const qsizetype check = indexOf(table.checks, control); check >= 0)
         values.checked[check] = text == u"1";
     else
         QFAIL(qPrintable(u"no field "_s + control));

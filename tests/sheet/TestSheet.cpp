@@ -2,7 +2,7 @@
 // the PDF with where they stand, the fonts it embeds, the tool's sheet
 // command and the print preview.
 
-#include "ModalDialog.h"
+#include "Widgets.h"
 #include "Programs.h"
 #include "TestSuite.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ModalDialog.h"
+#include "Widgets.h"
 #include "TestSuite.h"
 #include "channels/ChannelRecord.h"
 #include "core/BandLimits.h"
