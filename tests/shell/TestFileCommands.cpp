@@ -55,50 +55,111 @@ class TestFileCommands : public wr::test::ShellSuite
     }
 
 private Q_SLOTS:
-    void openModifiedImage_data()
+    // File > Open, a data file dropped on the window (as a copy, so that
+    // the file stays where it is) and File > New replace the image. Unsaved
+    // changes are asked about first (Open: save them?; New: they will be
+    // cleared), and kept as a backup before the image goes unless they were
+    // saved. A drop of anything but one data file is refused. New keeps the
+    // file name.
+    void replacingTheImage_data()
     {
-        QTest::addColumn<int>("answer");       // to "File has been modified, save it now?", 0 = not modified
+        QTest::addColumn<QString>("how");      // "open", "drop" or "new"
+        QTest::addColumn<QStringList>("names"); // the files opened or dropped, each holding other.tw's image
+        QTest::addColumn<Qt::KeyboardModifiers>("keys"); // held during a drop: Shift proposes a move
+        QTest::addColumn<bool>("edited");      // channel 1 typed into the grid
+        QTest::addColumn<int>("answer");       // to the question; 0: none is asked
         QTest::addColumn<QString>("saveName"); // answer of the save dialog, "-" = not asked
-        QTest::addColumn<bool>("opened");
-        QTest::newRow("not modified: no question") << 0 << u"-"_s << true;
-        QTest::newRow("Yes saves Untitled under a new name, then opens") << int(QMessageBox::Yes) << u"saved.tw"_s << true;
-        QTest::newRow("No opens without saving") << int(QMessageBox::No) << u"-"_s << true;
-        QTest::newRow("Cancel keeps the edits") << int(QMessageBox::Cancel) << u"-"_s << false;
-        QTest::newRow("Yes, save dialog cancelled: nothing opened") << int(QMessageBox::Yes) << QString() << false;
+        QTest::addColumn<bool>("replaced");
+        QTest::addColumn<QString>("kept");     // the reason of the backup kept, "" for none
+        const QStringList one{u"other.tw"_s};
+        const Qt::KeyboardModifiers none = Qt::NoModifier;
+        const int yes = QMessageBox::Yes, no = QMessageBox::No, cancel = QMessageBox::Cancel, ok = QMessageBox::Ok;
+        QTest::newRow("Open, not modified: no question") << u"open"_s << one << none << false << 0 << u"-"_s << true << QString();
+        QTest::newRow("Open, Yes saves Untitled under a new name, then opens")
+            << u"open"_s << one << none << true << yes << u"saved.tw"_s << true << QString();
+        QTest::newRow("Open, No opens without saving") << u"open"_s << one << none << true << no << u"-"_s << true
+                                                       << u"before-open"_s;
+        QTest::newRow("Open, Cancel keeps the edits") << u"open"_s << one << none << true << cancel << u"-"_s << false
+                                                      << QString();
+        QTest::newRow("Open, Yes, save dialog cancelled: nothing opened")
+            << u"open"_s << one << none << true << yes << QString() << false << QString();
+        QTest::newRow("drop, No: the file opens") << u"drop"_s << one << none << true << no << u"-"_s << true
+                                                  << u"before-open"_s;
+        QTest::newRow("drop, Cancel keeps the edits") << u"drop"_s << one << none << true << cancel << u"-"_s << false
+                                                      << QString();
+        QTest::newRow("drop, Shift held: still a copy") << u"drop"_s << one << Qt::KeyboardModifiers(Qt::ShiftModifier)
+                                                        << true << no << u"-"_s << true << u"before-open"_s;
+        QTest::newRow("drop, suffix in capitals") << u"drop"_s << QStringList{u"OTHER.TW"_s} << none << true << no
+                                                  << u"-"_s << true << u"before-open"_s;
+        QTest::newRow("drop, another kind of file refused") << u"drop"_s << QStringList{u"other.txt"_s} << none << true
+                                                            << 0 << u"-"_s << false << QString();
+        QTest::newRow("drop, two files refused") << u"drop"_s << QStringList{u"other.tw"_s, u"more.tw"_s} << none << true
+                                                 << 0 << u"-"_s << false << QString();
+        QTest::newRow("New, kept before clearing") << u"new"_s << one << none << true << ok << u"-"_s << true
+                                                   << u"before-new"_s;
+        QTest::newRow("New cancelled") << u"new"_s << one << none << true << cancel << u"-"_s << false << QString();
+        QTest::newRow("New without changes") << u"new"_s << one << none << false << ok << u"-"_s << true << QString();
     }
 
-    void openModifiedImage()
+    void replacingTheImage()
     {
+        QFETCH(QString, how);
+        QFETCH(QStringList, names);
+        QFETCH(Qt::KeyboardModifiers, keys);
+        QFETCH(bool, edited);
         QFETCH(int, answer);
         QFETCH(QString, saveName);
-        QFETCH(bool, opened);
-        const QString other = filePath(u"other.tw"_s);
+        QFETCH(bool, replaced);
+        QFETCH(QString, kept);
         const QByteArray otherImage = ShellHarness::imageWithChannels(20, 5);
-        QVERIFY(ShellHarness::writeDataFile(other, otherImage));
-        const QByteArray otherFile = wr::test::readFile(other);
-        if (answer) {
-            h->editRx(1, u"145.5"_s); // in the grid only; Open still knows it as a change
-            wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
+        QStringList paths;
+        for (const QString &name : names) {
+            QVERIFY(ShellHarness::writeDataFile(filePath(name), otherImage));
+            paths << filePath(name);
         }
+        const QByteArray otherFile = wr::test::readFile(paths.front());
+        const bool clearing = how == u"new";
+        if (clearing)
+            wr::app().CurrentFileName = filePath(u"current.tw"_s);
+        if (edited)
+            h->editRx(1, u"145.5"_s); // in the grid only; Open still knows it as a change
+        if (answer)
+            wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
         if (saveName != u"-")
             wr::FileDialog::setNextFileName(saveName.isEmpty() ? QString() : filePath(saveName));
-        if (opened)
-            wr::FileDialog::setNextFileName(other);
-        h->trigger(u"mnuFile_Open"_s);
+        if (how == u"open")
+            wr::FileDialog::setNextFileName(paths.front());
+        if (how == u"drop")
+            QCOMPARE(dropFiles(paths, keys), answer != 0);
+        else
+            h->trigger(how == u"new" ? u"mnuFile_New"_s : u"mnuFile_Open"_s);
 
-        QCOMPARE(ShellHarness::shownBoxes(), answer ? QStringList{u"Warning||File has been modified, save it now?"_s} : QStringList());
-        for (const wr::MessageBox::Shown &box : wr::MessageBox::history())
-            QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+        QTRY_COMPARE(ShellHarness::shownBoxes(),
+                     !answer      ? QStringList()
+                     : clearing ? QStringList{u"Warning|Alert!|All data will be cleared."_s}
+                                : QStringList{u"Warning||File has been modified, save it now?"_s});
+        for (const wr::MessageBox::Shown &box : wr::MessageBox::history()) {
+            QCOMPARE(box.buttons, clearing ? QMessageBox::Ok | QMessageBox::Cancel
+                                           : QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+            QVERIFY(!clearing || box.defaultButton == QMessageBox::Cancel);
+        }
         const QString saved = filePath(u"saved.tw"_s);
         const bool savedFirst = saveName == u"saved.tw";
         QCOMPARE(QFile::exists(saved), savedFirst);
-        QCOMPARE(wr::app().CurrentFileName, savedFirst ? saved : u"Untitled"_s);
-        QCOMPARE(wr::app().image.IsModified(), !opened);
-        QCOMPARE(wr::app().image.bytes() == otherImage, opened);
-        QCOMPARE(h->gridRx(20), opened ? u"450.12500"_s : QString());
-        QCOMPARE(h->gridRx(1), opened ? QString() : u"145.50000"_s);
-        if (!opened)
+        QCOMPARE(wr::app().CurrentFileName, savedFirst ? saved : clearing ? filePath(u"current.tw"_s) : u"Untitled"_s);
+        QCOMPARE(wr::app().image.bytes() == (clearing ? wr::test::freshImage().bytes() : otherImage), replaced);
+        QCOMPARE(h->gridRx(20), replaced && !clearing ? u"450.12500"_s : QString());
+        QCOMPARE(h->gridRx(1), replaced || !edited ? QString() : u"145.50000"_s);
+        if (how != u"drop")
+            QCOMPARE(wr::app().image.IsModified(), !replaced);
+        if (how == u"open" && !replaced)
             QCOMPARE(ShellHarness::imageRx(1), u"145.50000"_s);
+        const QList<wr::Backups::Entry> backups = wr::Backups::list(h->backupFolder());
+        QCOMPARE(backups.size(), int(!kept.isEmpty()));
+        if (!kept.isEmpty()) {
+            QCOMPARE(wr::Backups::reasonName(backups.first().reason), kept);
+            QCOMPARE(ShellHarness::rxInFile(backups.first().path, 1), u"145.50000"_s);
+        }
         if (!savedFirst)
             return;
         QCOMPARE(ShellHarness::rxInFile(saved, 1), u"145.50000"_s);
@@ -111,7 +172,7 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(sentinel));
         QCOMPARE(ShellHarness::rxInFile(saved, 10), u"439.00000"_s);
         QCOMPARE(ShellHarness::rxInFile(saved, 20), u"450.12500"_s);
-        QCOMPARE(wr::test::readFile(other), otherFile);
+        QCOMPARE(wr::test::readFile(paths.front()), otherFile);
         QCOMPARE(wr::MessageBox::history().size(), 1);
     }
 
@@ -246,46 +307,6 @@ private Q_SLOTS:
         QVERIFY2((exitCode ? run.err : run.out).contains(output), qPrintable(run.err + run.out));
     }
 
-    // Data files dropped on the window.
-    void dropOnWindow_data()
-    {
-        QTest::addColumn<QStringList>("names");
-        QTest::addColumn<Qt::KeyboardModifiers>("keys"); // Shift proposes a move
-        QTest::addColumn<int>("answer"); // to "File has been modified, save it now?", 0 = drop refused
-        QTest::addColumn<bool>("opened");
-        const QStringList one{u"other.tw"_s};
-        const Qt::KeyboardModifiers none = Qt::NoModifier, shift = Qt::ShiftModifier;
-        QTest::newRow("No: the file opens") << one << none << int(QMessageBox::No) << true;
-        QTest::newRow("Cancel keeps the edits") << one << none << int(QMessageBox::Cancel) << false;
-        QTest::newRow("Shift held: still a copy") << one << shift << int(QMessageBox::No) << true;
-        QTest::newRow("suffix in capitals") << QStringList{u"OTHER.TW"_s} << none << int(QMessageBox::No) << true;
-        QTest::newRow("another kind of file refused") << QStringList{u"other.txt"_s} << none << 0 << false;
-        QTest::newRow("two files refused") << QStringList{u"other.tw"_s, u"more.tw"_s} << none << 0 << false;
-    }
-
-    void dropOnWindow()
-    {
-        QFETCH(QStringList, names);
-        QFETCH(Qt::KeyboardModifiers, keys);
-        QFETCH(int, answer);
-        QFETCH(bool, opened);
-        const QByteArray otherImage = ShellHarness::imageWithChannels(20, 5);
-        QStringList paths;
-        for (const QString &name : names) {
-            QVERIFY(ShellHarness::writeDataFile(filePath(name), otherImage));
-            paths << filePath(name);
-        }
-        h->editRx(1, u"145.5"_s);
-        if (answer)
-            wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
-        QCOMPARE(dropFiles(paths, keys), answer != 0);
-        if (answer)
-            QTRY_COMPARE(ShellHarness::shownBoxes(), QStringList{u"Warning||File has been modified, save it now?"_s});
-        QCOMPARE(wr::app().image.bytes() == otherImage, opened);
-        QCOMPARE(h->gridRx(20), opened ? u"450.12500"_s : QString());
-        QCOMPARE(h->gridRx(1), opened ? QString() : u"145.50000"_s);
-    }
-
     // A channel list in CSV handed to Open, however it comes, goes to the
     // channel list's import with its preview; it replaces nothing, so from
     // outside the program it is not preceded by the modified question. The
@@ -346,55 +367,6 @@ private Q_SLOTS:
         QCOMPARE(h->gridRx(3), imported ? u"146.52000"_s : QString());
         QCOMPARE(h->gridRx(1), u"145.50000"_s);
         QVERIFY(ShellHarness::imageRx(3).isEmpty());
-    }
-
-    // Unsaved changes that New or Open is about to replace are kept as a
-    // backup first, unless the newest backup holds them already; nothing is
-    // kept when they were saved, or when nothing is replaced after all.
-    void replacingKeepsUnsavedChanges_data()
-    {
-        QTest::addColumn<QString>("item");
-        QTest::addColumn<bool>("edited");      // channel 7 typed into the grid
-        QTest::addColumn<int>("answer");       // to New's question or Open's modified question
-        QTest::addColumn<bool>("alreadyKept"); // the newest backup holds the edit
-        QTest::addColumn<QString>("kept");     // the new backup's reason, "" for none
-        const QString newItem = u"mnuFile_New"_s, open = u"mnuFile_Open"_s;
-        QTest::newRow("New: kept before clearing") << newItem << true << int(QMessageBox::Ok) << false << u"before-new"_s;
-        QTest::newRow("New cancelled") << newItem << true << int(QMessageBox::Cancel) << false << QString();
-        QTest::newRow("New without changes") << newItem << false << int(QMessageBox::Ok) << false << QString();
-        QTest::newRow("New, changes kept already") << newItem << true << int(QMessageBox::Ok) << true << QString();
-        QTest::newRow("Open, not saved: kept before opening") << open << true << int(QMessageBox::No) << false
-                                                              << u"before-open"_s;
-        QTest::newRow("Open, saved first") << open << true << int(QMessageBox::Yes) << false << QString();
-    }
-
-    void replacingKeepsUnsavedChanges()
-    {
-        QFETCH(QString, item);
-        QFETCH(bool, edited);
-        QFETCH(int, answer);
-        QFETCH(bool, alreadyKept);
-        QFETCH(QString, kept);
-        const QString other = filePath(u"other.tw"_s);
-        QVERIFY(ShellHarness::writeDataFile(other, ShellHarness::imageWithChannels(20, 5)));
-        if (edited)
-            h->editRx(7, u"145.5"_s);
-        if (alreadyKept)
-            wr::Backups::keep(h->backupFolder(), h->window->workingImage(), wr::BackupReason::Read,
-                              QDateTime::currentDateTime().addSecs(-60));
-        wr::MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
-        if (answer == QMessageBox::Yes)
-            wr::FileDialog::setNextFileName(filePath(u"saved.tw"_s));
-        wr::FileDialog::setNextFileName(other);
-        h->trigger(item);
-
-        const QList<wr::Backups::Entry> backups = wr::Backups::list(h->backupFolder());
-        QCOMPARE(backups.size(), int(alreadyKept) + int(!kept.isEmpty()));
-        QCOMPARE(h->gridRx(7).isEmpty(), answer != QMessageBox::Cancel);
-        if (kept.isEmpty())
-            return;
-        QCOMPARE(wr::Backups::reasonName(backups.first().reason), kept);
-        QCOMPARE(ShellHarness::rxOf(wr::DataFile::Read(backups.first().path).image, 7), u"145.50000"_s);
     }
 
     // Names typed into the save dialog without a suffix get ".tw"; the file
@@ -484,25 +456,6 @@ private Q_SLOTS:
 
         QCOMPARE(wr::FileDialog::history(),
                  QStringList({QString(), first + u"/Untitled.tw"_s, second, third + u"/Untitled.tw"_s, QString()}));
-    }
-
-    // OK clears the image and keeps the file name. (Cancel changes nothing:
-    // TestMainWindow's shortcuts, and the backups kept before New.)
-    void fileNew()
-    {
-        wr::app().image.setBytes(ShellHarness::imageWithChannels(1, 10));
-        wr::app().image.TakeSnapshot();
-        wr::app().CurrentFileName = filePath(u"current.tw"_s);
-        h->window->RefreshMainWindow();
-        wr::MessageBox::setNextAnswer(QMessageBox::Ok);
-        h->trigger(u"mnuFile_New"_s);
-        QCOMPARE(ShellHarness::shownBoxes(), QStringList{u"Warning|Alert!|All data will be cleared."_s});
-        QCOMPARE(wr::MessageBox::history().first().buttons, QMessageBox::Ok | QMessageBox::Cancel);
-        QCOMPARE(wr::MessageBox::history().first().defaultButton, QMessageBox::Cancel);
-        QCOMPARE(wr::app().image.bytes(), wr::test::freshImage().bytes());
-        QCOMPARE(h->gridRx(1), QString());
-        QVERIFY(!wr::app().image.IsModified());
-        QCOMPARE(wr::app().CurrentFileName, filePath(u"current.tw"_s));
     }
 };
 
