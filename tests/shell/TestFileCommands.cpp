@@ -55,15 +55,16 @@ class TestFileCommands : public wr::test::ShellSuite
     }
 
 private Q_SLOTS:
-    // File > Open, a data file dropped on the window (as a copy, so that
-    // the file stays where it is) and File > New replace the image. Unsaved
+    // File > Open, a data file given on the command line or dropped on the
+    // window (as a copy, so that the file stays where it is) and File > New
+    // replace the image; an image opened brings its band limits along. Unsaved
     // changes are asked about first (Open: save them?; New: they will be
     // cleared), and kept as a backup before the image goes unless they were
     // saved. A drop of anything but one data file is refused. New keeps the
     // file name.
     void replacingTheImage_data()
     {
-        QTest::addColumn<QString>("how");      // "open", "drop" or "new"
+        QTest::addColumn<QString>("how");      // "open", "argument", "drop" or "new"
         QTest::addColumn<QStringList>("names"); // the files opened or dropped, each holding other.tw's image
         QTest::addColumn<Qt::KeyboardModifiers>("keys"); // held during a drop: Shift proposes a move
         QTest::addColumn<bool>("edited");      // channel 1 typed into the grid
@@ -83,6 +84,8 @@ private Q_SLOTS:
                                                       << QString();
         QTest::newRow("Open, Yes, save dialog cancelled: nothing opened")
             << u"open"_s << one << none << true << yes << QString() << false << QString();
+        QTest::newRow("argument, not modified: no question") << u"argument"_s << one << none << false << 0 << u"-"_s
+                                                             << true << QString();
         QTest::newRow("drop, No: the file opens") << u"drop"_s << one << none << true << no << u"-"_s << true
                                                   << u"before-open"_s;
         QTest::newRow("drop, Cancel keeps the edits") << u"drop"_s << one << none << true << cancel << u"-"_s << false
@@ -121,6 +124,7 @@ private Q_SLOTS:
         const bool clearing = how == u"new";
         if (clearing)
             wr::app().CurrentFileName = filePath(u"current.tw"_s);
+        wr::app().BandLimits[0] = 140;
         if (edited)
             h->editRx(1, u"145.5"_s); // in the grid only; Open still knows it as a change
         if (answer)
@@ -131,6 +135,8 @@ private Q_SLOTS:
             wr::FileDialog::setNextFileName(paths.front());
         if (how == u"drop")
             QCOMPARE(dropFiles(paths, keys), answer != 0);
+        else if (how == u"argument")
+            h->window->openFile(paths.front());
         else
             h->trigger(how == u"new" ? u"mnuFile_New"_s : u"mnuFile_Open"_s);
 
@@ -149,6 +155,7 @@ private Q_SLOTS:
         QCOMPARE(wr::app().CurrentFileName, savedFirst ? saved : clearing ? filePath(u"current.tw"_s) : u"Untitled"_s);
         QCOMPARE(wr::app().image.bytes() == (clearing ? wr::test::freshImage().bytes() : otherImage), replaced);
         QCOMPARE(h->gridRx(20), replaced && !clearing ? u"450.12500"_s : QString());
+        QVERIFY(clearing || wr::app().BandLimits[0] == (replaced ? 136 : 140));
         QCOMPARE(h->gridRx(1), replaced || !edited ? QString() : u"145.50000"_s);
         if (how != u"drop")
             QCOMPARE(wr::app().image.IsModified(), !replaced);
@@ -177,12 +184,13 @@ private Q_SLOTS:
     }
 
     // The prescribed message, and on a second line the file and what is
-    // wrong with it, in the interface language.
+    // wrong with it, in the interface language; a name given from outside
+    // that leads nowhere is named.
     void badFilesLeaveImageAlone_data()
     {
-        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QByteArray>("content"); // "-": no such file
         QTest::addColumn<int>("language");
-        QTest::addColumn<QString>("shown"); // title|text
+        QTest::addColumn<QString>("shown"); // title|text; %1: the file's path
         QByteArray foreign = wr::DataFile::Container(wr::MemoryImage());
         foreign.replace(0, 6, "ABCDEF");
         foreign.append('\0');
@@ -194,6 +202,8 @@ private Q_SLOTS:
                                                       << u"WR-PD6T|文件类型不正确。\nbad.tw：文件太短，不是数据文件"_s;
         // Null content: a pipe that nobody writes into, refused without waiting.
         QTest::newRow("pipe, Traditional Chinese") << QByteArray() << 2 << u"WR-PD6T|文件類型不正確。\nbad.tw：不是普通文件"_s;
+        QTest::newRow("no such file, from the command line") << QByteArray("-") << 0
+                                                             << u"Error|The file does not exist.\n%1"_s;
     }
 
     void badFilesLeaveImageAlone()
@@ -205,7 +215,7 @@ private Q_SLOTS:
         const QString path = filePath(u"bad.tw"_s);
         if (content.isNull())
             QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
-        else
+        else if (content != "-")
             QVERIFY(wr::test::writeFile(path, content));
         h->editRx(3, u"145.0"_s);
         h->window->CommitStep();
@@ -213,9 +223,12 @@ private Q_SLOTS:
         wr::app().BandLimits[0] = 140;
         wr::MessageBox::setNextAnswer(QMessageBox::No);
         wr::FileDialog::setNextFileName(path);
-        h->trigger(u"mnuFile_Open"_s);
+        if (content == "-")
+            h->window->openFile(path);
+        else
+            h->trigger(u"mnuFile_Open"_s);
 
-        QCOMPARE(ShellHarness::shownBoxes().mid(1), QStringList{u"Critical|"_s + shown});
+        QCOMPARE(ShellHarness::shownBoxes().mid(1), QStringList{u"Critical|"_s + shown.replace(u"%1"_s, path)});
         // No backup: the image was not replaced.
         QVERIFY(wr::Backups::list(h->backupFolder()).isEmpty());
         // The image (with the grid's edit moved in), its snapshot state, the
@@ -253,37 +266,6 @@ private Q_SLOTS:
         QCOMPARE(wr::app().CurrentFileName, u"Untitled"_s); // the failed name is not taken
         QVERIFY(!ShellHarness::imageRx(100).isEmpty());
         QVERIFY(ShellHarness::imageRx(101).isEmpty());
-    }
-
-    // What the program does with the file it is started with.
-    void openFileFromCommandLine_data()
-    {
-        QTest::addColumn<QByteArray>("content"); // null: there is no such file
-        QTest::addColumn<QString>("shown");      // "%1" stands for the file's path
-        const QByteArray good = ShellHarness::fileOf(ShellHarness::imageWithChannels(20, 5));
-        QTest::newRow("good file") << good << QString();
-        QTest::newRow("damaged file") << good.left(40) + good.right(1)
-                                      << u"Critical|Error|Incorrect File Type.\ncustomer.tw: its packing is damaged"_s;
-        QTest::newRow("missing file") << QByteArray() << u"Critical|Error|The file does not exist.\n%1"_s;
-    }
-
-    void openFileFromCommandLine()
-    {
-        QFETCH(QByteArray, content);
-        QFETCH(QString, shown);
-        const QString path = filePath(u"customer.tw"_s);
-        if (!content.isNull())
-            QVERIFY(wr::test::writeFile(path, content));
-        wr::app().BandLimits[0] = 140;
-        h->window->openFile(path);
-
-        const bool opened = shown.isEmpty();
-        QCOMPARE(ShellHarness::shownBoxes(), opened ? QStringList() : QStringList{QString(shown).replace(u"%1"_s, path)});
-        QCOMPARE(wr::app().image.bytes(), opened ? ShellHarness::imageWithChannels(20, 5) : wr::test::freshImage().bytes());
-        QVERIFY(!wr::app().image.IsModified());
-        QCOMPARE(wr::app().BandLimits[0], opened ? 136 : 140);
-        QCOMPARE(h->gridRx(20), opened ? u"450.12500"_s : QString());
-        QCOMPARE(wr::app().CurrentFileName, u"Untitled"_s);
     }
 
     // The program itself: what it accepts on its command line before any
