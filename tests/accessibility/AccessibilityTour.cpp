@@ -6,7 +6,8 @@
 // closes the window (Esc, as a user would) and goes on to the next; after the
 // last it prints "done" and quits. The walker (walk_accessible_tree.py) reads
 // every window through the accessibility bus in between.
-#include "channels/ChannelRecord.h"
+#include "ShellHarness.h"
+
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
 #include "link/PortCatalogue.h"
@@ -37,22 +38,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// A few channels in use among empty ones, so that the channel list holds
-// both kinds of row.
-void fillSomeChannels(wr::AppState &state)
-{
-    for (const int channel : {1, 2, 5, 12}) {
-        const QString rx = u"145.%1"_s.arg(channel * 125, 5, 10, QChar(u'0'));
-        wr::CreateChannel(state.image, channel);
-        wr::SaveChannel(state.image, channel,
-                        {rx, rx, channel % 2 ? u"88.5"_s : u"D023I"_s, wr::Words::None.in(state.LanguageIndex),
-                         wr::PowerText(channel % 2, state.LanguageIndex), wr::BandwidthText(true, state.LanguageIndex),
-                         wr::ScanAddText(true, state.LanguageIndex),
-                         wr::BclText(wr::ChannelRecord::Bcl::Off, state.LanguageIndex)});
-    }
-    state.image.TakeSnapshot();
-}
 
 void say(const QString &line)
 {
@@ -169,7 +154,10 @@ int main(int argc, char *argv[])
                          QString::number(language));
     wr::MDIForm1 window(&settings);
     window.setBackupFolder(folder.filePath(u"backups"_s));
-    fillSomeChannels(wr::app());
+    // A few channels in use among empty ones, so that the channel list
+    // holds both kinds of row.
+    wr::app().image.setBytes(wr::test::ShellHarness::imageWithChannels(1, 5));
+    wr::app().image.TakeSnapshot();
     window.RefreshMainWindow();
     window.show();
 
