@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QPointer>
+#include <QTest>
 #include <QTimer>
 
 #include <functional>
@@ -10,7 +11,9 @@
 namespace wr::test {
 
 // Runs handler on the next modal dialog once it is up (the command that
-// opens it blocks in exec()). For GUI tests, which link Qt Widgets. A test
+// opens it blocks in exec()). A handler that fails a check leaves early; the
+// dialog is then rejected, so the test reports the failure instead of
+// waiting in exec() until its time-out. For GUI tests, which link Qt Widgets. A test
 // for which no dialog may come deletes the returned watch at its end, so it
 // never acts on a later test's dialog.
 inline QPointer<QTimer> whenModal(std::function<void(QDialog *)> handler)
@@ -23,7 +26,10 @@ inline QPointer<QTimer> whenModal(std::function<void(QDialog *)> handler)
             return;
         poll->stop();
         poll->deleteLater();
+        const QPointer<QDialog> shown = dialog;
         handler(dialog);
+        if (shown && shown->isVisible() && QTest::currentTestFailed())
+            shown->reject();
     });
     poll->start();
     return poll;
