@@ -21,6 +21,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QRawFont>
@@ -658,22 +659,44 @@ private Q_SLOTS:
         QCOMPARE(missing, QStringList());
     }
 
-    // The button and the version line.
-    void aboutBoxSpeaksTheLanguage()
+    // The prescribed button and three lines, and the notice ending in the
+    // licence, in the interface language.
+    void aboutBox_data()
     {
-        const QStringList expected{u"&OK|VERSION：VER 1.03"_s, u"确定(&O)|版本：VER 1.03"_s,
-                                   u"確定(&O)|版本：VER 1.03"_s};
-        for (int language = 0; language < 3; ++language) {
-            h->open(language);
-            QString shown;
-            ShellHarness::whenModal([&](QDialog *about) {
-                shown = about->findChild<QPushButton *>(u"Command1"_s)->text() + u'|'
-                    + about->findChild<QLabel *>(u"Label1"_s)->text().section(u'\n', 1, 1);
-                QTest::mouseClick(about->findChild<QPushButton *>(u"Command1"_s), Qt::LeftButton);
-            });
-            QTest::mouseClick(h->window->findChild<QToolButton *>(u"About"_s), Qt::LeftButton);
-            QCOMPARE(shown, expected.at(language));
-        }
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QString>("shown"); // the button | the three lines
+        QTest::addColumn<QStringList>("licence"); // in the notice's last paragraph
+        QTest::newRow("English") << 0 << u"&OK|WR-PD6T PROGRAM SOFTWARE\nVERSION：VER 1.03\nDATE: 05/25/2018"_s
+                                 << QStringList{u"free software"_s, u"GNU General Public License"_s,
+                                                u"version 3 or any later"_s, u"no warranty"_s};
+        QTest::newRow("Simplified Chinese")
+            << 1 << u"确定(&O)|WR-PD6T 对讲机编程软件\n版本：VER 1.03\n日期：2018年05月25日"_s
+            << QStringList{u"自由软件"_s, u"GNU 通用公共许可证"_s, u"第 3 版或任何更高版本"_s, u"不提供任何形式的担保"_s};
+        QTest::newRow("Traditional Chinese")
+            << 2 << u"確定(&O)|WR-PD6T 對講機編程軟件\n版本：VER 1.03\n日期：2018年05月25日"_s
+            << QStringList{u"自由軟體"_s, u"GNU 通用公共授權條款"_s, u"第 3 版或任何更新的版本"_s, u"不提供任何形式的擔保"_s};
+    }
+
+    void aboutBox()
+    {
+        QFETCH(int, language);
+        QFETCH(QString, shown);
+        QFETCH(QStringList, licence);
+        h->open(language);
+        QString texts;
+        QString notice;
+        ShellHarness::whenModal([&](QDialog *about) {
+            texts = about->findChild<QPushButton *>(u"Command1"_s)->text() + u'|'
+                + about->findChild<QLabel *>(u"Label1"_s)->text();
+            notice = about->findChild<QPlainTextEdit *>(u"Text1"_s)->toPlainText();
+            QTest::mouseClick(about->findChild<QPushButton *>(u"Command1"_s), Qt::LeftButton);
+        });
+        QTest::mouseClick(h->window->findChild<QToolButton *>(u"About"_s), Qt::LeftButton);
+        QCOMPARE(texts, shown);
+        const QString lastParagraph = notice.section(u"\n\n"_s, -1);
+        for (const QString &words : licence)
+            QVERIFY2(lastParagraph.contains(words), qPrintable(lastParagraph));
+        QVERIFY(lastParagraph.contains(u"https://www.gnu.org/licenses/gpl-3.0.html"_s));
     }
 };
 
