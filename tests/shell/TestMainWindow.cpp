@@ -617,20 +617,29 @@ private Q_SLOTS:
     void portDetailsFramed_data()
     {
         QTest::addColumn<int>("language");
-        QTest::newRow("English") << 0;
-        QTest::newRow("Simplified Chinese") << 1;
-        QTest::newRow("Traditional Chinese") << 2;
+        QTest::addColumn<QString>("described"); // a port named by the user's link
+        QTest::newRow("English") << 0 << u"Link to this device"_s;
+        QTest::newRow("Simplified Chinese") << 1 << u"指向该设备的链接"_s;
+        QTest::newRow("Traditional Chinese") << 2 << u"指向該設備的連結"_s;
     }
 
     // The box beside the port list shows all four sides, wherever the
-    // language's captions put it. CTest runs this at 150 % too, where a
-    // line on a widget's edge can fall outside the pixels it paints.
+    // language's captions put it, and describes the port in the language.
+    // CTest runs this at 150 % too, where a line on a widget's edge can fall
+    // outside the pixels it paints.
     void portDetailsFramed()
     {
         QFETCH(int, language);
+        QFETCH(QString, described);
+        QVERIFY(QDir().mkpath(filePath(u"serial-ports"_s)));
+        QVERIFY(QFile::link(filePath(u"device"_s), filePath(u"serial-ports/com1"_s)));
+        QVERIFY(wr::test::writeFile(filePath(u"device"_s), QByteArray()));
+        wr::setSerialPortsFolder(filePath(u"serial-ports"_s));
+        wr::setSystemPortSource([] { return QList<wr::SystemPort>(); });
         wr::frmComPort dialog(1, wr::Language(language));
         dialog.show();
         QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        QCOMPARE(dialog.findChild<QLabel *>(u"lblDescription"_s)->text(), described);
         const QImage image = dialog.grab().toImage();
         const qreal scale = image.devicePixelRatio();
         const QRectF box(dialog.findChild<QFrame *>(u"fraDetails"_s)->geometry());
