@@ -148,6 +148,8 @@ inline constexpr std::array<Text, ChannelColumnCount> ChannelColumnCaptions{{
 // Whether channel 1-128 is in use. A channel with its empty bit set or any
 // receive byte erased is empty, and the channel list shows an empty row.
 bool ChannelInUse(const MemoryImage &image, int channel);
+// How many of the 128 channels are in use.
+int ChannelsInUse(const MemoryImage &image);
 
 // The texts of channel 1-128 as the channel list shows them in a language;
 // all empty for a channel not in use.

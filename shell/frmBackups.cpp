@@ -54,10 +54,7 @@ QString channelsIn(const QString &path, Language language)
         return Unreadable.in(language);
     MemoryImage image;
     image.setBytes(file.image);
-    int inUse = 0;
-    for (int channel = 1; channel <= ChannelRecord::ChannelCount; ++channel)
-        inUse += ChannelInUse(image, channel) ? 1 : 0;
-    return QString::number(inUse);
+    return QString::number(ChannelsInUse(image));
 }
 
 } // namespace

@@ -189,10 +189,7 @@ int runBackups(const QStringList &arguments)
         if (file.status == DataFile::ReadStatus::Ok) {
             MemoryImage image;
             image.setBytes(file.image);
-            int inUse = 0;
-            for (int channel = 1; channel <= ChannelRecord::ChannelCount; ++channel)
-                inUse += ChannelInUse(image, channel) ? 1 : 0;
-            channels = QString::number(inUse);
+            channels = QString::number(ChannelsInUse(image));
         }
         out() << entry.time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) << '\t'
               << Backups::reasonName(entry.reason) << '\t' << channels << '\t'
