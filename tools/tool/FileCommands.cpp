@@ -91,9 +91,7 @@ int runInfo(const QStringList &arguments)
         const ChannelTexts texts = ReadChannelTexts(image, channel, languageIndex);
         if (texts.isEmpty())
             continue;
-        const QStringList cells{QString::number(channel), texts.rx,    texts.tx,       texts.decode, texts.encode,
-                                texts.power,              texts.bandwidth, texts.scanAdd, texts.bcl};
-        out() << cells.join(QLatin1Char('\t')) << '\n';
+        out() << (QStringList{QString::number(channel)} + texts.cells()).join(QLatin1Char('\t')) << '\n';
     }
     return Success;
 }
