@@ -157,7 +157,7 @@ int runPack(const QStringList &arguments)
     const QByteArray &container = input.bytes;
     if (input.status != DataFile::ReadStatus::Ok || container.size() != DataFile::ContainerSize
         || !container.startsWith(DataFile::Marker()))
-        return fileFailure(path, IncorrectFileType);
+        return fileFailure(path, DataFile::IncorrectFileType(path, DataFile::ReadProblem::None, English));
 
     const std::optional<QByteArray> packed = DataFile::PackData(container);
     if (!packed)
