@@ -11,7 +11,6 @@
 #include "file/DataFile.h"
 
 #include <QDir>
-#include <QFile>
 
 namespace wr::tool {
 
