@@ -95,10 +95,7 @@ CsvImportPreview::CsvImportPreview(const CsvImport &import, const QList<int> &re
     : QDialog(parent)
 {
     setObjectName(u"CsvImportPreview"_s);
-    QString caption = title.in(language);
-    if (caption.endsWith(u'…'))
-        caption.chop(1);
-    setWindowTitle(caption);
+    setWindowTitle(dialogTitle(title, language));
 
     auto *layout = new QVBoxLayout(this);
     if (!source.isEmpty())

@@ -39,4 +39,12 @@ QString captionName(const QString &caption)
     return text;
 }
 
+QString dialogTitle(const Text &command, int languageIndex)
+{
+    QString title = command.in(languageIndex);
+    if (title.endsWith(u'…'))
+        title.chop(1);
+    return title;
+}
+
 } // namespace wr

@@ -55,6 +55,10 @@ private:
 // without a closing colon ("P1：" is "P1").
 QString captionName(const QString &caption);
 
+// A command's caption as the title of the dialog it opens: without its
+// closing ellipsis ("Import CHIRP CSV…" opens "Import CHIRP CSV").
+QString dialogTitle(const Text &command, int languageIndex);
+
 // Words shared by several forms. A value word written back is recognised in
 // any of the three languages.
 namespace Words {
