@@ -21,9 +21,23 @@ class TestMainWindowFilter : public wr::test::ShellSuite
     }
 
 private Q_SLOTS:
+    void startsInTheGrid();
     void countInTheStatusBar_data();
     void countInTheStatusBar();
 };
+
+// The filter sits above the grid, but the program still starts with the
+// focus in the grid: a digit typed at once edits channel 1.
+void TestMainWindowFilter::startsInTheGrid()
+{
+    wr::MDIForm1 &window = h->open(0);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    QCOMPARE(QApplication::focusWidget()->objectName(), u"ChannelGrid"_s);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_1);
+    QCOMPARE(QApplication::focusWidget()->objectName(), u"TxtChannel"_s);
+    QCOMPARE(window.findChild<QLineEdit *>(u"txtFilter"_s)->text(), QString());
+}
 
 void TestMainWindowFilter::countInTheStatusBar_data()
 {

@@ -48,7 +48,6 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QTemporaryDir>
-#include <QTimer>
 
 #include <cstdio>
 #include <functional>
