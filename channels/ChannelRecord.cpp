@@ -198,6 +198,14 @@ bool ChannelInUse(const MemoryImage &image, int channel)
     return !ChannelRecord(image, channel).emptyBit() && !ReadFreq(image, Side::Rx, channel).isEmpty();
 }
 
+int ChannelsInUse(const MemoryImage &image)
+{
+    int inUse = 0;
+    for (int channel = 1; channel <= ChannelRecord::ChannelCount; ++channel)
+        inUse += ChannelInUse(image, channel) ? 1 : 0;
+    return inUse;
+}
+
 ChannelTexts ReadChannelTexts(const MemoryImage &image, int channel, int languageIndex)
 {
     ChannelTexts texts;

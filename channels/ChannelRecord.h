@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <array>
 #include <cstdint>
@@ -114,11 +115,20 @@ struct ChannelTexts
     bool operator==(const ChannelTexts &) const = default;
 
     // The cell of a column ColRx-ColBcl.
-    const QString &cell(int column) const { return this->*Cells[std::size_t(column - ColRx)]; }
-    QString &cell(int column) { return this->*Cells[std::size_t(column - ColRx)]; }
+    const QString &cell(int column) const { return this->*Members[std::size_t(column - ColRx)]; }
+    QString &cell(int column) { return this->*Members[std::size_t(column - ColRx)]; }
+
+    // The cells ColRx-ColBcl in column order, under the captions after the number's.
+    QStringList cells() const
+    {
+        QStringList all;
+        for (QString ChannelTexts::*member : Members)
+            all.append(this->*member);
+        return all;
+    }
 
 private:
-    static constexpr std::array<QString ChannelTexts::*, ChannelColumnCount - 1> Cells{
+    static constexpr std::array<QString ChannelTexts::*, ChannelColumnCount - 1> Members{
         &ChannelTexts::rx,    &ChannelTexts::tx,        &ChannelTexts::decode,  &ChannelTexts::encode,
         &ChannelTexts::power, &ChannelTexts::bandwidth, &ChannelTexts::scanAdd, &ChannelTexts::bcl};
 };
@@ -148,6 +158,8 @@ inline constexpr std::array<Text, ChannelColumnCount> ChannelColumnCaptions{{
 // Whether channel 1-128 is in use. A channel with its empty bit set or any
 // receive byte erased is empty, and the channel list shows an empty row.
 bool ChannelInUse(const MemoryImage &image, int channel);
+// How many of the 128 channels are in use.
+int ChannelsInUse(const MemoryImage &image);
 
 // The texts of channel 1-128 as the channel list shows them in a language;
 // all empty for a channel not in use.

@@ -74,15 +74,6 @@ QString openFilter()
     return u"CSV Files (*.csv);;All Files (*)"_s;
 }
 
-// A caption without its trailing ellipsis, as a dialog's title.
-QString titleOf(const Text &caption, Language language)
-{
-    QString title = caption.in(language);
-    if (title.endsWith(u'…'))
-        title.chop(1);
-    return title;
-}
-
 } // namespace
 
 ChannelTools::ChannelTools(ChannelToolHost &host, ChannelModel &model, ChannelHistory &history,
@@ -372,7 +363,7 @@ void ChannelTools::importCsv()
 {
     m_host.commitEdit();
     const QString path =
-        FileDialog::getOpenFileName(m_grid, titleOf(ImportCaption, language()), QString(), openFilter());
+        FileDialog::getOpenFileName(m_grid, dialogTitle(ImportCaption, language()), QString(), openFilter());
     if (!path.isEmpty())
         importCsvFile(path);
 }
@@ -407,7 +398,7 @@ void ChannelTools::importCsvFile(const QString &path)
 void ChannelTools::exportCsv()
 {
     m_host.commitEdit();
-    QString path = FileDialog::getSaveFileName(m_grid, titleOf(ExportCaption, language()), u"channels.csv"_s,
+    QString path = FileDialog::getSaveFileName(m_grid, dialogTitle(ExportCaption, language()), u"channels.csv"_s,
                                                u"CSV Files (*.csv)"_s);
     if (path.isEmpty())
         return;

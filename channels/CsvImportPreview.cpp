@@ -95,10 +95,7 @@ CsvImportPreview::CsvImportPreview(const CsvImport &import, const QList<int> &re
     : QDialog(parent)
 {
     setObjectName(u"CsvImportPreview"_s);
-    QString caption = title.in(language);
-    if (caption.endsWith(u'…'))
-        caption.chop(1);
-    setWindowTitle(caption);
+    setWindowTitle(dialogTitle(title, language));
 
     auto *layout = new QVBoxLayout(this);
     if (!source.isEmpty())
@@ -122,9 +119,9 @@ CsvImportPreview::CsvImportPreview(const CsvImport &import, const QList<int> &re
     QStringList lines{ReportHeader.in(language)};
     int widest = 0;        // of the line, column and value cells
     int widestReason = 0;
-    m_report = new QPlainTextEdit;
-    m_report->setObjectName(u"txtReport"_s);
-    const QFontMetrics metrics(m_report->font());
+    auto *report = new QPlainTextEdit;
+    report->setObjectName(u"txtReport"_s);
+    const QFontMetrics metrics(report->font());
     const int widthLimit = metrics.averageCharWidth() * WidestColumnCharacters;
     for (const QString &cell : lines.front().split(u'\t').first(3))
         widest = std::max(widest, metrics.horizontalAdvance(cell));
@@ -137,12 +134,12 @@ CsvImportPreview::CsvImportPreview(const CsvImport &import, const QList<int> &re
         widestReason = std::max(widestReason, metrics.horizontalAdvance(note.text(language)));
     }
     addLabel(layout, u"lblReport"_s, ReportCaption.in(language));
-    m_report->setReadOnly(true);
-    m_report->setLineWrapMode(QPlainTextEdit::NoWrap);
+    report->setReadOnly(true);
+    report->setLineWrapMode(QPlainTextEdit::NoWrap);
     const int tabStop = widest + metrics.averageCharWidth() * 2;
-    m_report->setTabStopDistance(tabStop);
-    m_report->setPlainText(lines.join(u'\n'));
-    layout->addWidget(m_report, 1);
+    report->setTabStopDistance(tabStop);
+    report->setPlainText(lines.join(u'\n'));
+    layout->addWidget(report, 1);
 
     auto *buttons = new QDialogButtonBox;
     QPushButton *ok = buttons->addButton(Words::OK.in(language), QDialogButtonBox::AcceptRole);
@@ -157,19 +154,14 @@ CsvImportPreview::CsvImportPreview(const CsvImport &import, const QList<int> &re
 
     // As wide as the longest line of the report, within the screen.
     const QMargins margins = layout->contentsMargins();
-    const int frame = 2 * m_report->frameWidth() + m_report->verticalScrollBar()->sizeHint().width()
-        + 2 * int(m_report->document()->documentMargin()) + metrics.averageCharWidth();
+    const int frame = 2 * report->frameWidth() + report->verticalScrollBar()->sizeHint().width()
+        + 2 * int(report->document()->documentMargin()) + metrics.averageCharWidth();
     const int wanted = 3 * tabStop + widestReason + frame + margins.left() + margins.right();
     const QScreen *screen = parent ? parent->screen() : QGuiApplication::primaryScreen();
     const int room = screen ? screen->availableGeometry().width() * 9 / 10 : wanted;
     const int reportLines = std::clamp(int(lines.size()), 8, 20);
     resize(std::clamp(wanted, sizeHint().width(), std::max(room, sizeHint().width())),
            sizeHint().height() + metrics.lineSpacing() * reportLines);
-}
-
-QString CsvImportPreview::reportText() const
-{
-    return m_report->toPlainText();
 }
 
 } // namespace wr

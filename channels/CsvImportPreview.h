@@ -5,8 +5,6 @@
 #include <QDialog>
 #include <QList>
 
-class QPlainTextEdit;
-
 namespace wr {
 
 struct CsvImport;
@@ -26,12 +24,6 @@ public:
     // source: the file's name, or empty for the clipboard.
     CsvImportPreview(const CsvImport &import, const QList<int> &replaced, const QString &source, const Text &title,
                      Language language, QWidget *parent = nullptr);
-
-    // The report: a header line, then one line per note, tab-separated.
-    QString reportText() const;
-
-private:
-    QPlainTextEdit *m_report = nullptr;
 };
 
 // Channel numbers as ranges: "1-5, 9, 12".

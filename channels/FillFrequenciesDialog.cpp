@@ -14,13 +14,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr Text StartCaption{u"Start frequency (MHz):", u"起始频率 (MHz)：", u"起始頻率 (MHz)："};
-constexpr Text StepCaption{u"Step (kHz):", u"步进 (kHz)：", u"步進 (kHz)："};
-
 constexpr Caption Captions[]{
     {u"FillFrequenciesDialog", {u"Fill Frequencies", u"填充频率", u"填入頻率"}},
-    {u"lblStart", StartCaption},
-    {u"lblStep", StepCaption},
+    {u"lblStart", {u"Start frequency (MHz):", u"起始频率 (MHz)：", u"起始頻率 (MHz)："}},
+    {u"lblStep", {u"Step (kHz):", u"步进 (kHz)：", u"步進 (kHz)："}},
     {u"lblChannelsCaption", {u"Channels:", u"信道：", u"信道："}},
     {u"lblFirstCaption", {u"First:", u"第一个：", u"第一個："}},
     {u"lblLastCaption", {u"Last:", u"最后一个：", u"最後一個："}},
@@ -38,15 +35,6 @@ constexpr Text NothingMovedText{u"Every value lies in the receive bands, on the 
                                 u"所有值都在接收頻段內、頻率柵格上。"};
 const QString NoValue = u"—"_s;
 
-// A label's caption as a control's accessible name: without its colon.
-QString nameOf(const Text &caption, Language language)
-{
-    QString name = caption.in(language);
-    if (name.endsWith(u':') || name.endsWith(u'：'))
-        name.chop(1);
-    return name;
-}
-
 } // namespace
 
 FillFrequenciesDialog::FillFrequenciesDialog(const QList<int> &channels, const QString &start,
@@ -59,11 +47,9 @@ FillFrequenciesDialog::FillFrequenciesDialog(const QList<int> &channels, const Q
     m_start = makeControl<QLineEdit>(u"txtStart"_s);
     m_start->setValidator(new QRegularExpressionValidator(QRegularExpression(u"\\d{0,3}(\\.\\d{0,5})?"_s), m_start));
     m_start->setText(start);
-    m_start->setAccessibleName(nameOf(StartCaption, language));
     m_step = makeControl<QLineEdit>(u"txtStep"_s);
     m_step->setValidator(new QRegularExpressionValidator(QRegularExpression(u"-?\\d{0,4}(\\.\\d{0,2})?"_s), m_step));
     m_step->setText(u"12.5"_s); // the usual channel spacing
-    m_step->setAccessibleName(nameOf(StepCaption, language));
 
     auto *form = new QFormLayout;
     const auto addRow = [&](const QString &caption, QWidget *field) {

@@ -18,7 +18,6 @@
 #include <QComboBox>
 #include <QFontMetrics>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QStyle>
@@ -610,6 +609,17 @@ bool frmChannel::eventFilter(QObject *watched, QEvent *event)
         }
     }
     return QWidget::eventFilter(watched, event);
+}
+
+// The filter line comes first in the focus chain, but the list opens with
+// the focus in the grid: typing a frequency into channel 1 is what a user
+// does first. The window the list is put into gives the focus to the
+// child that had it last.
+bool frmChannel::event(QEvent *event)
+{
+    if (event->type() == QEvent::ParentChange)
+        m_grid->setFocus(Qt::OtherFocusReason);
+    return QWidget::event(event);
 }
 
 void frmChannel::closeEvent(QCloseEvent *event)

@@ -115,12 +115,8 @@ namespace {
 QString captionText(const FieldTable &table, QStringView control, int languageIndex)
 {
     for (const Caption &caption : table.captions) {
-        if (caption.control == control) {
-            QString text = caption.text.in(languageIndex);
-            while (text.endsWith(u':') || text.endsWith(u'\uFF1A'))
-                text.chop(1);
-            return text;
-        }
+        if (caption.control == control)
+            return captionName(caption.text.in(languageIndex));
     }
     return {};
 }

@@ -154,7 +154,7 @@ struct FieldLine
 };
 
 // The name of a report line in a language: its captions joined by a space,
-// each without its closing colon; empty when the line has no caption.
+// each as captionName() gives it; empty when the line has no caption.
 QString lineCaption(const FieldTable &table, const ReportLine &line, int languageIndex);
 
 // A line for each of the table's report lines, in a language, with the texts

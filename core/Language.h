@@ -50,6 +50,15 @@ private:
     std::array<QStringView, LanguageCount> m_texts;
 };
 
+// A caption as the name of what it labels, for a screen reader or a report:
+// without its mnemonic ("&OK" is "OK", "可选功能(&O)" is "可选功能") and
+// without a closing colon ("P1：" is "P1").
+QString captionName(const QString &caption);
+
+// A command's caption as the title of the dialog it opens: without its
+// closing ellipsis ("Import CHIRP CSV…" opens "Import CHIRP CSV").
+QString dialogTitle(const Text &command, int languageIndex);
+
 // Words shared by several forms. A value word written back is recognised in
 // any of the three languages.
 namespace Words {

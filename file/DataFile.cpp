@@ -1,5 +1,7 @@
 #include "file/DataFile.h"
 
+#include "core/Language.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -7,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <utility>
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
@@ -311,6 +314,25 @@ FileBytes ReadRegularFile(const QString &path, qint64 limit)
     }
     result.status = ReadStatus::Ok;
     return result;
+}
+
+QString IncorrectFileType(const QString &path, ReadProblem problem, int languageIndex)
+{
+    using enum ReadProblem;
+    static constexpr std::pair<ReadProblem, Text> Problems[]{
+        {NotAFile, {u"%1: not a regular file", u"%1：不是普通文件", u"%1：不是普通文件"}},
+        {TooLarge, {u"%1: far too large for a data file", u"%1：文件太大，不是数据文件", u"%1：文件太大，不是數據文件"}},
+        {BadPacking, {u"%1: its packing is damaged", u"%1：压缩数据已损坏", u"%1：壓縮數據已損壞"}},
+        {TooShort, {u"%1: too short for a data file", u"%1：文件太短，不是数据文件", u"%1：文件太短，不是數據文件"}},
+        {TooLong, {u"%1: too long for a data file", u"%1：文件太长，不是数据文件", u"%1：文件太長，不是數據文件"}},
+        {NoMarker, {u"%1: no data file marker at its start", u"%1：开头没有数据文件标记", u"%1：開頭沒有數據文件標記"}},
+    };
+    QString message = Text{u"Incorrect File Type.", u"文件类型不正确。", u"文件類型不正確。"}.in(languageIndex);
+    for (const auto &[kind, words] : Problems) {
+        if (kind == problem)
+            message += u'\n' + words.in(languageIndex).arg(QFileInfo(path).fileName());
+    }
+    return message;
 }
 
 ReadResult Read(const QString &path)

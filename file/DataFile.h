@@ -86,6 +86,12 @@ struct ReadResult
 // Reads and checks a data file; the caller's image is not involved.
 ReadResult Read(const QString &path);
 
+// "Incorrect File Type.", the message for a file that is no data file or a
+// damaged one, in a language; for a problem other than None a second line
+// names the file and what is wrong with it, so that the user knows which file
+// it was and whether another copy is worth trying.
+QString IncorrectFileType(const QString &path, ReadProblem problem, int languageIndex);
+
 // At most limit bytes of a regular file. Anything else (a pipe, a device, a
 // socket, a folder) is WrongType at once: it is never opened in a way that
 // could wait, as opening a pipe waits for a writer and reading it for its end.

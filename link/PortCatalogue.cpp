@@ -120,7 +120,7 @@ QList<PortEntry> buildPortCatalogue(const QList<SystemPort> &devices, const QStr
     }
 
     for (const auto &[number, target] : linkTargets(linkFolder)) {
-        PortEntry entry{comName(number), target, QStringLiteral("link to %1").arg(target), QString()};
+        PortEntry entry{comName(number), target, QString(), QString(), true};
         auto existing = std::find_if(catalogue.begin(), catalogue.end(),
                                      [number](const PortEntry &e) { return e.number() == number; });
         if (existing != catalogue.end())

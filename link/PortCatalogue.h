@@ -18,6 +18,7 @@ struct PortEntry
     QString devicePath;  // what to open: "COM3" on Windows, "/dev/ttyUSB0" elsewhere
     QString description;
     QString manufacturer;
+    bool isLink = false; // named by a link of the user's in the serial-ports folder
 
     // The number after "COM", 0 when the name carries none.
     int number() const;

@@ -54,15 +54,12 @@ SheetContent sheetContent(const MemoryImage &image, Language language, const QSt
     content.fileName = fileName;
     content.printed = printed;
     content.selected = !channels.isEmpty();
+    content.channelsInUse = ChannelsInUse(image);
     for (int channel = 1; channel <= ChannelRecord::ChannelCount; ++channel) {
-        if (!ChannelInUse(image, channel))
-            continue;
-        ++content.channelsInUse;
         if (content.selected && !channels.contains(channel))
             continue;
-        const ChannelTexts cells = ReadChannelTexts(image, channel, language);
-        content.channels.append({QString::number(channel), cells.rx, cells.tx, cells.decode, cells.encode,
-                                 cells.power, cells.bandwidth, cells.scanAdd, cells.bcl});
+        if (const ChannelTexts texts = ReadChannelTexts(image, channel, language); !texts.isEmpty())
+            content.channels.append(QStringList{QString::number(channel)} + texts.cells());
     }
     content.options = describeOptions(image, language);
     content.keys = describeKeys(image, language);

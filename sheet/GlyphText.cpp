@@ -2,6 +2,7 @@
 
 #include <QFont>
 #include <QFontDatabase>
+#include <QGlyphRun>
 #include <QPainter>
 #include <QtEndian>
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QGlyphRun>
 #include <QHash>
 #include <QList>
 #include <QPointF>

@@ -75,7 +75,7 @@ void savePdf(QWidget *parent, const SheetContent &content, QPageSize::PageSizeId
     const QString proposed = dataFile.isEmpty() ? u"channel-sheet.pdf"_s
                                                 : QFileInfo(dataFile).dir().filePath(
                                                       QFileInfo(dataFile).completeBaseName() + u".pdf"_s);
-    QString path = FileDialog::getSaveFileName(parent, SaveAsPdf.in(language).chopped(1), proposed, u"PDF (*.pdf)"_s);
+    QString path = FileDialog::getSaveFileName(parent, dialogTitle(SaveAsPdf, language), proposed, u"PDF (*.pdf)"_s);
     if (path.isEmpty())
         return;
     if (QFileInfo(path).suffix().isEmpty())

@@ -31,28 +31,6 @@ const QString &untitled()
     return name;
 }
 
-// "Incorrect File Type.", and on a second line the file and what is wrong
-// with it, so that the user knows which file and whether it is worth trying
-// another copy.
-QString incorrectFileType(const QString &path, DataFile::ReadProblem problem)
-{
-    using enum DataFile::ReadProblem;
-    static constexpr std::pair<DataFile::ReadProblem, Text> Problems[]{
-        {NotAFile, {u"%1: not a regular file", u"%1：不是普通文件", u"%1：不是普通文件"}},
-        {TooLarge, {u"%1: far too large for a data file", u"%1：文件太大，不是数据文件", u"%1：文件太大，不是數據文件"}},
-        {BadPacking, {u"%1: its packing is damaged", u"%1：压缩数据已损坏", u"%1：壓縮數據已損壞"}},
-        {TooShort, {u"%1: too short for a data file", u"%1：文件太短，不是数据文件", u"%1：文件太短，不是數據文件"}},
-        {TooLong, {u"%1: too long for a data file", u"%1：文件太长，不是数据文件", u"%1：文件太長，不是數據文件"}},
-        {NoMarker, {u"%1: no data file marker at its start", u"%1：开头没有数据文件标记", u"%1：開頭沒有數據文件標記"}},
-    };
-    QString message = text({u"Incorrect File Type.", u"文件类型不正确。", u"文件類型不正確。"});
-    for (const auto &[kind, words] : Problems) {
-        if (kind == problem)
-            message += u'\n' + text(words).arg(QFileInfo(path).fileName());
-    }
-    return message;
-}
-
 QString saveDialogTitle()
 {
     return text({u"Save As", u"另存为", u"另存為"});
@@ -182,10 +160,12 @@ bool FileCommands::load(const QString &path, Folder folder)
         state.LoadBandLimits();
         return true;
     case DataFile::ReadStatus::WrongType:
-        MessageBox::show(m_parent, QMessageBox::Critical, ModelName(), incorrectFileType(path, result.problem));
+        MessageBox::show(m_parent, QMessageBox::Critical, ModelName(),
+                         DataFile::IncorrectFileType(path, result.problem, state.LanguageIndex));
         return false;
     case DataFile::ReadStatus::Damaged:
-        MessageBox::show(m_parent, QMessageBox::Critical, text(Words::Error), incorrectFileType(path, result.problem));
+        MessageBox::show(m_parent, QMessageBox::Critical, text(Words::Error),
+                         DataFile::IncorrectFileType(path, result.problem, state.LanguageIndex));
         return false;
     case DataFile::ReadStatus::CannotOpen:
         MessageBox::show(m_parent, QMessageBox::Critical, text(Words::Error), result.errorString);

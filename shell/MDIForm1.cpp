@@ -33,7 +33,6 @@
 #include <QStyle>
 #include <QWindow>
 #include <QSplitter>
-#include <QTimer>
 #include <QToolBar>
 #include <QTreeWidget>
 

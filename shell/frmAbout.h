@@ -4,7 +4,8 @@
 
 namespace wr {
 
-// Names the software, its version and date, with a short legal notice.
+// Names the software, its version and date, with a short notice: what the
+// program does, what to keep in mind, and the licence it comes under.
 class frmAbout : public FormDialog
 {
     Q_OBJECT

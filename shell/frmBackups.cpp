@@ -54,10 +54,7 @@ QString channelsIn(const QString &path, Language language)
         return Unreadable.in(language);
     MemoryImage image;
     image.setBytes(file.image);
-    int inUse = 0;
-    for (int channel = 1; channel <= ChannelRecord::ChannelCount; ++channel)
-        inUse += ChannelInUse(image, channel) ? 1 : 0;
-    return QString::number(inUse);
+    return QString::number(ChannelsInUse(image));
 }
 
 } // namespace
@@ -93,7 +90,7 @@ frmBackups::frmBackups(const QString &folder, Language language, QWidget *parent
         headers << header.in(language);
     m_list->setHeaderLabels(headers);
     // The buttons are named with their captions; the list has its label.
-    m_list->setAccessibleName(spokenCaption(label->text()));
+    m_list->setAccessibleName(captionName(label->text()));
 
     connect(showFolder, &QPushButton::clicked, this, &frmBackups::showFolder);
     connect(m_list, &QTreeWidget::itemDoubleClicked, m_open, &QPushButton::click);

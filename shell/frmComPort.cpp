@@ -24,6 +24,10 @@ constexpr Text TestCaption{u"&Test", u"测试(&T)", u"測試(&T)"};
 constexpr Text CancelTest{u"Cancel &Test", u"取消测试(&T)", u"取消測試(&T)"};
 constexpr Text TestResultName{u"Connection test result", u"连接测试结果", u"連接測試結果"};
 
+// The description of a port the user named with a link in the serial-ports
+// folder; the device it leads to shows above it.
+constexpr Text LinkDescription{u"Link to this device", u"指向该设备的链接", u"指向該設備的連結"};
+
 constexpr Caption Captions[]{
     {u"frmComPort", {u"Communication Port", u"通信端口", u"通信端口"}},
     {u"Label1", {u"COMM", u"串口", u"串口"}},
@@ -171,7 +175,7 @@ void frmComPort::showDetails()
         return;
     }
     m_lblDevice->setText(entry->devicePath);
-    QString description = entry->description;
+    QString description = entry->isLink ? LinkDescription.in(language()) : entry->description;
     if (!entry->manufacturer.isEmpty() && !description.contains(entry->manufacturer))
         description = description.isEmpty() ? entry->manufacturer : description + u" ("_s + entry->manufacturer + u')';
     m_lblDescription->setText(description);

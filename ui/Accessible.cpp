@@ -1,14 +1,12 @@
 #include "ui/Accessible.h"
 
+#include "core/Language.h"
+
 #include <QAbstractItemView>
 #include <QAbstractScrollArea>
-#include <QApplication>
-#include <QPainter>
-#include <QProxyStyle>
-#include <QStyleFactory>
-#include <QStyleOptionFocusRect>
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QApplication>
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QCoreApplication>
@@ -16,7 +14,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMdiSubWindow>
-#include <QRegularExpression>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QStyleFactory>
+#include <QStyleOptionFocusRect>
 #include <QTableView>
 
 #include <utility>
@@ -25,26 +26,13 @@ using namespace Qt::StringLiterals;
 
 namespace wr {
 
-QString spokenCaption(const QString &caption)
-{
-    static const QRegularExpression chineseMnemonic(u"\\(&[^&)]\\)"_s);
-    QString text = caption;
-    text.remove(chineseMnemonic);
-    for (qsizetype i = text.indexOf(u'&'); i >= 0 && i < text.size(); i = text.indexOf(u'&', i + 1))
-        text.remove(i, 1); // "&&" keeps one ampersand
-    text = text.trimmed();
-    while (text.endsWith(u':') || text.endsWith(u'\uFF1A'))
-        text.chop(1);
-    return text;
-}
-
 void nameControlsAfterLabels(QWidget *form)
 {
     for (const QLabel *label : form->findChildren<QLabel *>()) {
         // A label that is another's buddy keeps its text as its name: it
         // shows a value ("/dev/ttyUSB0"), which its label's relation names.
         if (QWidget *buddy = label->buddy(); buddy && !qobject_cast<QLabel *>(buddy))
-            buddy->setAccessibleName(spokenCaption(label->text()));
+            buddy->setAccessibleName(captionName(label->text()));
     }
     nameListTexts(form);
 }

@@ -7,11 +7,6 @@ class QWidget;
 
 namespace wr {
 
-// What a screen reader says for a caption: the caption without its mnemonic
-// ("&OK" says "OK", "可选功能(&O)" says "可选功能") and without a closing
-// colon ("P1：" says "P1").
-QString spokenCaption(const QString &caption);
-
 // Names every control of `form` that a label is the buddy of after the
 // label's caption, and the text box of an editable list box as the list.
 // Qt would name most of them from the label anyway, but on Linux it names a

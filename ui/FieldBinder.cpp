@@ -57,15 +57,15 @@ void FieldBinder::caption(Language language)
         QWidget *control = m_captions.at(i);
         if (m_table.captions[std::size_t(i)].control == m_form->objectName()) {
             m_form->setWindowTitle(text);
-            m_form->setAccessibleName(spokenCaption(text));
+            m_form->setAccessibleName(captionName(text));
         } else if (auto *label = qobject_cast<QLabel *>(control)) {
             label->setText(text);
         } else if (auto *button = qobject_cast<QAbstractButton *>(control)) {
             button->setText(text);
-            button->setAccessibleName(spokenCaption(text));
+            button->setAccessibleName(captionName(text));
         } else if (auto *group = qobject_cast<QGroupBox *>(control)) {
             group->setTitle(text);
-            group->setAccessibleName(spokenCaption(text));
+            group->setAccessibleName(captionName(text));
         }
     }
     for (qsizetype i = 0; i < m_lists.size(); ++i) {
@@ -92,7 +92,7 @@ void FieldBinder::nameControls(Language language)
     for (qsizetype i = 0; i < m_lineFields.size(); ++i) {
         const QString name = lineCaption(m_table, m_table.lines[std::size_t(i)], language);
         if (QWidget *field = m_lineFields.at(i); field && !name.isEmpty())
-            field->setAccessibleName(spokenCaption(name));
+            field->setAccessibleName(name);
     }
     for (qsizetype i = 0; i < m_spoken.size(); ++i) {
         if (QWidget *control = m_spoken.at(i))

@@ -128,7 +128,7 @@ private Q_SLOTS:
         QTest::newRow("new under a regular file") << QStringList{u"new"_s, u"@/plain/radio.tw"_s} << 1 << u"@/plain"_s;
         // Nobody writes into the pipe: reading it would wait for ever.
         QTest::newRow("info of a pipe") << QStringList{u"info"_s, u"@/pipe.tw"_s} << 1
-                                        << u"@/pipe.tw: Incorrect File Type."_s;
+                                        << u"@/pipe.tw: Incorrect File Type.\npipe.tw: not a regular file\n"_s;
         QTest::newRow("pack of a folder") << QStringList{u"pack"_s, u"@/folder.bin"_s, u"@/out.tw"_s} << 1
                                           << u"@/folder.bin: Incorrect File Type."_s;
     }

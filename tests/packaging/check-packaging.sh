@@ -181,6 +181,8 @@ deb)
     for library in libqt6widgets6 libqt6serialport6 libc6; do
         [[ $depends == *"$library "* ]] || fail "Depends lacks $library: $depends"
     done
+    # The font the Chinese interface and sheets are drawn with.
+    [[ $(dpkg-deb -f "$deb" Recommends) == *fonts-noto-cjk* ]] || fail "the package does not recommend fonts-noto-cjk"
     # Only the program's own files: the databases are the triggers' business.
     dpkg -c "$deb" | awk '$1 !~ /^d/ {print $6}' | sed 's|^\./usr/||' | sort > "$tmp/listed"
     installed_files | diff -u - "$tmp/listed" || fail "unexpected files in the package"

@@ -100,7 +100,7 @@ private Q_SLOTS:
                 spoken << form->findChild<QPushButton *>(button)->accessibleName();
             for (int column = 0; column < 3; ++column)
                 spoken << list->headerItem()->text(column);
-            QTRY_COMPARE(QApplication::focusWidget(), list);
+            QTRY_COMPARE(QApplication::focusWidget(), list); // once the dialog is active
             QCOMPARE(list->currentIndex().row(), 0);
             QTest::keyClick(list, Qt::Key_End);
             QTest::keyClick(list, Qt::Key_Return);

@@ -21,6 +21,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QRawFont>
@@ -597,17 +598,32 @@ private Q_SLOTS:
         QCOMPARE(h->panel(1), u"COM"_s + QString::number(stored));
     }
 
-    void portDetailsFramed_data() { wr::test::languageRows(); }
+    void portDetailsFramed_data()
+    {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QString>("described"); // a port named by the user's link
+        QTest::newRow("English") << 0 << u"Link to this device"_s;
+        QTest::newRow("Simplified Chinese") << 1 << u"指向该设备的链接"_s;
+        QTest::newRow("Traditional Chinese") << 2 << u"指向該設備的連結"_s;
+    }
 
     // The box beside the port list shows all four sides, wherever the
-    // language's captions put it. CTest runs this at 150 % too, where a
-    // line on a widget's edge can fall outside the pixels it paints.
+    // language's captions put it, and describes the port in the language.
+    // CTest runs this at 150 % too, where a line on a widget's edge can fall
+    // outside the pixels it paints.
     void portDetailsFramed()
     {
         QFETCH(int, language);
+        QFETCH(QString, described);
+        QVERIFY(QDir().mkpath(filePath(u"serial-ports"_s)));
+        QVERIFY(QFile::link(filePath(u"device"_s), filePath(u"serial-ports/com1"_s)));
+        QVERIFY(wr::test::writeFile(filePath(u"device"_s), QByteArray()));
+        wr::setSerialPortsFolder(filePath(u"serial-ports"_s));
+        wr::setSystemPortSource([] { return QList<wr::SystemPort>(); });
         wr::frmComPort dialog(1, wr::Language(language));
         dialog.show();
         QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        QCOMPARE(dialog.findChild<QLabel *>(u"lblDescription"_s)->text(), described);
         const QImage image = dialog.grab().toImage();
         const qreal scale = image.devicePixelRatio();
         const QRectF box(dialog.findChild<QFrame *>(u"fraDetails"_s)->geometry());
@@ -636,22 +652,44 @@ private Q_SLOTS:
         QCOMPARE(missing, QStringList());
     }
 
-    // The button and the version line.
-    void aboutBoxSpeaksTheLanguage()
+    // The prescribed button and three lines, and the notice ending in the
+    // licence, in the interface language.
+    void aboutBox_data()
     {
-        const QStringList expected{u"&OK|VERSION：VER 1.03"_s, u"确定(&O)|版本：VER 1.03"_s,
-                                   u"確定(&O)|版本：VER 1.03"_s};
-        for (int language = 0; language < 3; ++language) {
-            h->open(language);
-            QString shown;
-            wr::test::whenModal([&](QDialog *about) {
-                shown = about->findChild<QPushButton *>(u"Command1"_s)->text() + u'|'
-                    + about->findChild<QLabel *>(u"Label1"_s)->text().section(u'\n', 1, 1);
-                QTest::mouseClick(about->findChild<QPushButton *>(u"Command1"_s), Qt::LeftButton);
-            });
-            QTest::mouseClick(h->window->findChild<QToolButton *>(u"About"_s), Qt::LeftButton);
-            QCOMPARE(shown, expected.at(language));
-        }
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QString>("shown"); // the button | the three lines
+        QTest::addColumn<QStringList>("licence"); // in the notice's last paragraph
+        QTest::newRow("English") << 0 << u"&OK|WR-PD6T PROGRAM SOFTWARE\nVERSION：VER 1.03\nDATE: 05/25/2018"_s
+                                 << QStringList{u"free software"_s, u"GNU General Public License"_s,
+                                                u"version 3 or any later"_s, u"no warranty"_s};
+        QTest::newRow("Simplified Chinese")
+            << 1 << u"确定(&O)|WR-PD6T 对讲机编程软件\n版本：VER 1.03\n日期：2018年05月25日"_s
+            << QStringList{u"自由软件"_s, u"GNU 通用公共许可证"_s, u"第 3 版或任何更高版本"_s, u"不提供任何形式的担保"_s};
+        QTest::newRow("Traditional Chinese")
+            << 2 << u"確定(&O)|WR-PD6T 對講機編程軟件\n版本：VER 1.03\n日期：2018年05月25日"_s
+            << QStringList{u"自由軟體"_s, u"GNU 通用公共授權條款"_s, u"第 3 版或任何更新的版本"_s, u"不提供任何形式的擔保"_s};
+    }
+
+    void aboutBox()
+    {
+        QFETCH(int, language);
+        QFETCH(QString, shown);
+        QFETCH(QStringList, licence);
+        h->open(language);
+        QString texts;
+        QString notice;
+        wr::test::whenModal([&](QDialog *about) {
+            texts = about->findChild<QPushButton *>(u"Command1"_s)->text() + u'|'
+                + about->findChild<QLabel *>(u"Label1"_s)->text();
+            notice = about->findChild<QPlainTextEdit *>(u"Text1"_s)->toPlainText();
+            QTest::mouseClick(about->findChild<QPushButton *>(u"Command1"_s), Qt::LeftButton);
+        });
+        QTest::mouseClick(h->window->findChild<QToolButton *>(u"About"_s), Qt::LeftButton);
+        QCOMPARE(texts, shown);
+        const QString lastParagraph = notice.section(u"\n\n"_s, -1);
+        for (const QString &words : licence)
+            QVERIFY2(lastParagraph.contains(words), qPrintable(lastParagraph));
+        QVERIFY(lastParagraph.contains(u"https://www.gnu.org/licenses/gpl-3.0.html"_s));
     }
 };
 

@@ -21,6 +21,19 @@ class TestMainWindowFilter : public wr::test::ShellSuite
     }
 
 private Q_SLOTS:
+    // The filter sits above the grid, but the program still starts with the
+    // focus in the grid: a digit typed at once edits channel 1.
+    void startsInTheGrid()
+    {
+        wr::MDIForm1 &window = h->open(0);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QCOMPARE(QApplication::focusWidget()->objectName(), u"ChannelGrid"_s);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_1);
+        QCOMPARE(QApplication::focusWidget()->objectName(), u"TxtChannel"_s);
+        QCOMPARE(window.findChild<QLineEdit *>(u"txtFilter"_s)->text(), QString());
+    }
+
     void countInTheStatusBar_data()
     {
         // 12 channels shown, 2, then 2 after the switch to English.

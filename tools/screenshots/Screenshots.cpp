@@ -48,7 +48,6 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QTemporaryDir>
-#include <QTimer>
 
 #include <cstdio>
 #include <functional>
@@ -337,10 +336,6 @@ int main(int argc, char *argv[])
         fillSomeChannels(wr::app());
         window.RefreshMainWindow();
         save(&window, folder, QStringLiteral("main-window-") + tag);
-        // A typed frequency the list corrected, explained in the status bar.
-        Q_EMIT window.channelList()->valueCorrected({7, wr::ColRx, QStringLiteral("7"), QStringLiteral("174.00000"),
-                                                     wr::TypedCorrection::Reason::BelowBands});
-        save(&window, folder, QStringLiteral("main-window-correction-") + tag);
         // The list filtered, with its count in the status bar; and the Fill
         // Frequencies dialog for the filtered channels.
         auto *filter = window.findChild<QLineEdit *>(QStringLiteral("txtFilter"));
@@ -351,6 +346,11 @@ int main(int argc, char *argv[])
                                        &window);
         save(&fill, folder, QStringLiteral("fill-frequencies-") + tag);
         filter->clear();
+        // A typed frequency the list corrected, explained in the status bar
+        // (in place of the panels, so after the filter's count).
+        Q_EMIT window.channelList()->valueCorrected({7, wr::ColRx, QStringLiteral("7"), QStringLiteral("174.00000"),
+                                                     wr::TypedCorrection::Reason::BelowBands});
+        save(&window, folder, QStringLiteral("main-window-correction-") + tag);
 
         wr::frmComPort port(wr::app().PortNumber, language, &window);
         save(&port, folder, QStringLiteral("port-dialog-") + tag);

@@ -32,7 +32,7 @@ std::optional<DataFile::ReadResult> readDataFile(const QString &path)
         break;
     case DataFile::ReadStatus::Damaged:
     case DataFile::ReadStatus::WrongType:
-        fileFailure(path, IncorrectFileType);
+        fileFailure(path, DataFile::IncorrectFileType(path, result.problem, English));
         break;
     }
     return std::nullopt;

@@ -46,9 +46,6 @@ QList<Command> setCommands();
 QTextStream &out();
 QTextStream &err();
 
-// The program's own message for a file that is not a data file or is damaged.
-inline const QString IncorrectFileType = QStringLiteral("Incorrect File Type.");
-
 // Prints "wrpd6t-tool: PATH: message" to stderr; returns Failure.
 int fileFailure(const QString &path, const QString &message);
 // Reads a data file, or prints why it cannot be used.

@@ -61,13 +61,6 @@ constexpr int FmBitmaps[]{fm::EmptyBitmapAddress};
 constexpr ItemLayout FmChannelLayout{fm::FirstChannelAddress, 4, FrequencySpans, FmBitmaps};
 constexpr ItemLayout FmVfoLayout{fm::VfoAddress, 0, FrequencySpans, {}};
 
-// The cells of a channel list row after the number, in the order of the
-// column captions.
-std::array<QString, ChannelColumnCaptions.size() - 1> cells(const ChannelTexts &texts)
-{
-    return {texts.rx, texts.tx, texts.decode, texts.encode, texts.power, texts.bandwidth, texts.scanAdd, texts.bcl};
-}
-
 // An empty cell: a channel not in use, no separate transmit side, an empty
 // FM channel, a list with no selection.
 constexpr Text EmptyCell{u"(empty)", u"（空）", u"（空）"};
@@ -142,8 +135,8 @@ private:
     void compareChannels()
     {
         for (int channel = 1; channel <= ChannelRecord::ChannelCount; ++channel) {
-            const auto before = cells(ReadChannelTexts(m_a, channel, m_language));
-            const auto after = cells(ReadChannelTexts(m_b, channel, m_language));
+            const QStringList before = ReadChannelTexts(m_a, channel, m_language).cells();
+            const QStringList after = ReadChannelTexts(m_b, channel, m_language).cells();
             if (before == after)
                 continue;
             QString line = QStringLiteral("%1 %2").arg(ChannelColumnCaptions[0].in(m_language)).arg(channel);
@@ -162,30 +155,29 @@ private:
         }
     }
 
-    using Cells = decltype(cells(ChannelTexts{}));
-
-    static bool isEmpty(const Cells &row)
+    static bool isEmpty(const QStringList &row)
     {
         return std::all_of(row.begin(), row.end(), [](const QString &cell) { return cell.isEmpty(); });
     }
 
     // The cells a channel has, each after its column's caption.
-    QString values(const Cells &row) const
+    QString values(const QStringList &row) const
     {
         QStringList shown;
-        for (std::size_t cell = 0; cell < row.size(); ++cell) {
+        for (qsizetype cell = 0; cell < row.size(); ++cell) {
             if (!row[cell].isEmpty())
-                shown.append(ChannelColumnCaptions[cell + 1].in(m_language) + u' ' + row[cell]);
+                shown.append(ChannelColumnCaptions[std::size_t(cell) + 1].in(m_language) + u' ' + row[cell]);
         }
         return shown.join(QStringLiteral(", "));
     }
 
-    QString changes(const Cells &before, const Cells &after) const
+    QString changes(const QStringList &before, const QStringList &after) const
     {
         QStringList shown;
-        for (std::size_t cell = 0; cell < before.size(); ++cell) {
+        for (qsizetype cell = 0; cell < before.size(); ++cell) {
             if (before[cell] != after[cell])
-                shown.append(ChannelColumnCaptions[cell + 1].in(m_language) + u' ' + change(before[cell], after[cell]));
+                shown.append(ChannelColumnCaptions[std::size_t(cell) + 1].in(m_language) + u' '
+                             + change(before[cell], after[cell]));
         }
         return shown.join(QStringLiteral(", "));
     }

@@ -11,7 +11,6 @@
 #include "file/DataFile.h"
 
 #include <QDir>
-#include <QFile>
 
 namespace wr::tool {
 
@@ -91,9 +90,7 @@ int runInfo(const QStringList &arguments)
         const ChannelTexts texts = ReadChannelTexts(image, channel, languageIndex);
         if (texts.isEmpty())
             continue;
-        const QStringList cells{QString::number(channel), texts.rx,    texts.tx,       texts.decode, texts.encode,
-                                texts.power,              texts.bandwidth, texts.scanAdd, texts.bcl};
-        out() << cells.join(QLatin1Char('\t')) << '\n';
+        out() << (QStringList{QString::number(channel)} + texts.cells()).join(QLatin1Char('\t')) << '\n';
     }
     return Success;
 }
@@ -159,7 +156,7 @@ int runPack(const QStringList &arguments)
     const QByteArray &container = input.bytes;
     if (input.status != DataFile::ReadStatus::Ok || container.size() != DataFile::ContainerSize
         || !container.startsWith(DataFile::Marker()))
-        return fileFailure(path, IncorrectFileType);
+        return fileFailure(path, DataFile::IncorrectFileType(path, DataFile::ReadProblem::None, English));
 
     const std::optional<QByteArray> packed = DataFile::PackData(container);
     if (!packed)
@@ -189,10 +186,7 @@ int runBackups(const QStringList &arguments)
         if (file.status == DataFile::ReadStatus::Ok) {
             MemoryImage image;
             image.setBytes(file.image);
-            int inUse = 0;
-            for (int channel = 1; channel <= ChannelRecord::ChannelCount; ++channel)
-                inUse += ChannelInUse(image, channel) ? 1 : 0;
-            channels = QString::number(inUse);
+            channels = QString::number(ChannelsInUse(image));
         }
         out() << entry.time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")) << '\t'
               << Backups::reasonName(entry.reason) << '\t' << channels << '\t'

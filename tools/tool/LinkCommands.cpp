@@ -392,8 +392,8 @@ int ports(const QStringList &arguments)
         return Success;
     }
     for (const PortEntry &entry : catalogue) {
-        out() << entry.name.leftJustified(7) << ' ' << entry.devicePath.leftJustified(20) << ' ' << entry.description
-              << '\n';
+        out() << entry.name.leftJustified(7) << ' ' << entry.devicePath.leftJustified(20) << ' '
+              << (entry.isLink ? QStringLiteral("link to the device") : entry.description) << '\n';
     }
     return Success;
 }
