@@ -287,7 +287,14 @@ void keepCurrentCell(QAbstractItemView *view)
         return;
     // Connected after the view and its selection model, so this runs once
     // they have dealt with the change, and before anyone can ask again.
-    const auto check = [view] { ensureCurrentCell(view); };
+    // A QTableWidget deletes its own model while it is being destroyed, and
+    // that model announces a reset on its way out: by then the view is only
+    // a QWidget, so the check asks what the object still is before using it.
+    QObject *const viewObject = view;
+    const auto check = [viewObject] {
+        if (auto *liveView = qobject_cast<QAbstractItemView *>(viewObject))
+            ensureCurrentCell(liveView);
+    };
     QObject::connect(model, &QAbstractItemModel::modelReset, view, check);
     QObject::connect(model, &QAbstractItemModel::layoutChanged, view, check);
     QObject::connect(model, &QAbstractItemModel::rowsRemoved, view, check);
