@@ -6,7 +6,6 @@
 #include "channels/ChannelHistory.h"
 #include "channels/ChannelModel.h"
 #include "channels/ChannelSelection.h"
-#include "channels/ChannelSheetCommand.h"
 #include "core/AppState.h"
 #include "core/Language.h"
 #include "core/ToneCodec.h"
@@ -19,6 +18,7 @@
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QStyle>
 #include <QStringListModel>
@@ -136,7 +136,6 @@ frmChannel::frmChannel(AppState &state, QWidget *parent)
     m_selection = std::make_unique<ChannelSelection>(m_grid, [this] { m_editor->commit(); });
     ChannelToolHost &host = *this;
     m_tools = new ChannelTools(host, *m_model, *m_history, m_state.BandLimits, m_grid);
-    m_sheet = new ChannelSheetCommand(m_state, *m_model, host, *m_tools->menu(), m_grid);
     m_bulk = new ChannelBulkEdit(host, *m_model, *m_history, *m_editor, m_state.BandLimits, m_grid, m_tools->menu());
     for (QWidget *editor : std::initializer_list<QWidget *>{m_text, m_combo[0]->lineEdit(), m_combo[0], m_combo[1]})
         m_bulk->watchEditor(editor);
@@ -155,9 +154,12 @@ QTableView *frmChannel::grid() const
     return m_grid;
 }
 
-void frmChannel::setSettingsStore(SettingsStore *settings)
+void frmChannel::addCommand(QAction *action, const Text &caption)
 {
-    m_sheet->setSettingsStore(settings);
+    QMenu *menu = m_tools->menu();
+    menu->addSeparator();
+    menu->addAction(action);
+    connect(menu, &QMenu::aboutToShow, action, [this, action, caption] { action->setText(caption.in(language())); });
 }
 
 void frmChannel::importCsvFile(const QString &path)

@@ -25,9 +25,7 @@ class ChannelFilterBar;
 class ChannelHistory;
 class ChannelModel;
 class ChannelSelection;
-class ChannelSheetCommand;
 class MemoryImage;
-class SettingsStore;
 
 // The channel list: 128 channels in a grid edited in place. The grid is a
 // view over the working copy (ChannelModel) between RefreshData (image ->
@@ -111,8 +109,12 @@ public:
     // the history. Messages say why a file cannot be read.
     void importCsvFile(const QString &path);
 
-    // Where the channel sheet's preview keeps its paper.
-    void setSettingsStore(SettingsStore *settings);
+    // Adds a command of the window around the list to the end of the list's
+    // menu, after a separator, captioned in the list's language as the menu
+    // opens.
+    void addCommand(QAction *action, const Text &caption);
+    // The language the list's words are in.
+    Language language() const;
 
     QUndoStack *undoStack() const;
     // Ctrl+F, to the filter line; for the window around the list.
@@ -156,7 +158,6 @@ private:
     void SetupChannelGrid();
     void SyncGridCursor();
     void edit(int channel, const Channel &edited);
-    Language language() const;
     void fitColumns();
 
     AppState &m_state;
@@ -167,7 +168,6 @@ private:
     QComboBox *m_combo[2] = {};      // CboChannel0 (tones), CboChannel1 (list columns)
     std::unique_ptr<CellEditor> m_editor; // goes before the grid and the rules it calls
     ChannelTools *m_tools = nullptr;
-    ChannelSheetCommand *m_sheet = nullptr;
     ChannelBulkEdit *m_bulk = nullptr;
     ChannelFilterBar *m_filter = nullptr;
     QObject *m_wheelPager = nullptr; // installed on the grid while it has the focus

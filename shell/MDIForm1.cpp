@@ -1,6 +1,7 @@
 #include "shell/MDIForm1.h"
 
 #include "channels/frmChannel.h"
+#include "shell/ChannelSheetCommand.h"
 #include "core/AppState.h"
 #include "core/SettingsStore.h"
 #include "features/frmKey.h"
@@ -407,7 +408,7 @@ void MDIForm1::showChannelList()
 {
     if (!m_channels) {
         auto *form = new frmChannel(app());
-        form->setSettingsStore(m_settings);
+        new ChannelSheetCommand(app(), *form, *m_settings);
         m_channelWindow = m_mdiArea->addSubWindow(form);
         m_channelWindow->setAttribute(Qt::WA_DeleteOnClose);
         m_channelWindow->setWindowIcon(AppIcon());

@@ -7,8 +7,6 @@
 
 #include <QLabel>
 #include <QPlainTextEdit>
-#include <QProcess>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QUndoStack>
 
@@ -60,11 +58,11 @@ private Q_SLOTS:
             {"captions"},
             {u"Undo|Redo||Cut|Copy|Paste|Delete||Fill Selection|Fill Down|Set for Selected Channels|Fill Frequencies…||"
              "Insert empty channel|Delete and move up|Move up|Move down|Sort selected channels by receive frequency||"
-             "Import CHIRP CSV…|Export CHIRP CSV…||Channel Sheet…"_s,
+             "Import CHIRP CSV…|Export CHIRP CSV…"_s,
              u"撤销|重做||剪切|复制|粘贴|删除||填充所选单元格|向下填充|为所选信道设置|填充频率…||插入空信道|删除并上移|上移|下移|"
-             "所选信道按接收频率排序||导入 CHIRP CSV…|导出 CHIRP CSV…||信道表…"_s,
+             "所选信道按接收频率排序||导入 CHIRP CSV…|导出 CHIRP CSV…"_s,
              u"復原|重做||剪下|複製|貼上|刪除||填滿所選儲存格|向下填滿|為所選信道設置|填入頻率…||插入空信道|刪除並上移|上移|下移|"
-             "所選信道按接收頻率排序||匯入 CHIRP CSV…|匯出 CHIRP CSV…||信道表…"_s});
+             "所選信道按接收頻率排序||匯入 CHIRP CSV…|匯出 CHIRP CSV…"_s});
     }
 
     // A right click opens the menu over the row clicked; the memory map's
@@ -349,42 +347,6 @@ private Q_SLOTS:
         form->SaveData();
         form->RefreshChannel();
         QCOMPARE(everyChannel(), after);
-    }
-
-    // Channel Sheet… prints the rows selected, as the list holds them: a
-    // channel typed and not saved is on the sheet, and the image stays as
-    // it was. The sheet is saved from the preview with Ctrl+S and read back.
-    void channelSheetOfTheSelection()
-    {
-        openForm();
-        run(u"c10.1 t:145.5 Return"_s);
-        const QByteArray image = app().image.bytes();
-        run(u"n3 ^n10"_s);
-        const QString pdf = filePath(u"sheet.pdf"_s);
-        QString title;
-        test::whenModal([&](QDialog *preview) {
-            title = preview->windowTitle();
-            FileDialog::setNextFileName(pdf);
-            // The offscreen platform leaves the list's window the active
-            // one for the widgets; a window manager activates the preview.
-            QApplication::setActiveWindow(preview);
-            QTest::keyClick(preview, Qt::Key_S, Qt::ControlModifier);
-            preview->reject();
-        });
-        run(u"@mnuChannelSheet"_s);
-        QCOMPARE(title, u"Channel Sheet"_s);
-        QCOMPARE(app().image.bytes(), image);
-        QProcess text;
-        text.start(u"pdftotext"_s, {u"-layout"_s, pdf, u"-"_s});
-        QVERIFY(text.waitForFinished(30000));
-        // A channel's row: its number, then its receive frequency.
-        static const QRegularExpression row(uR"(^\s*(\d+)\s+(\d+\.\d{5})\s)"_s,
-                                            QRegularExpression::MultilineOption);
-        QStringList rows;
-        for (const QRegularExpressionMatch &match : row.globalMatch(QString::fromUtf8(text.readAllStandardOutput())))
-            rows << match.captured(1) + u' ' + match.captured(2);
-        QCOMPARE(rows, QStringList({u"3 147.00000"_s, u"10 145.50000"_s}));
-        QVERIFY(MessageBox::history().isEmpty());
     }
 
     // The channels in use as the grid holds them, unsaved edits included;

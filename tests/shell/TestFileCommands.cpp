@@ -9,7 +9,10 @@
 #include <QDir>
 #include <QFile>
 #include <QMimeData>
+#include <QProcess>
 #include <QPushButton>
+#include <QRegularExpression>
+#include <QTableView>
 #include <QUrl>
 
 #include <csignal>
@@ -438,6 +441,68 @@ private Q_SLOTS:
 
         QCOMPARE(wr::FileDialog::history(),
                  QStringList({QString(), first + u"/Untitled.tw"_s, second, third + u"/Untitled.tw"_s, QString()}));
+    }
+    void channelSheet_data()
+    {
+        wr::test::languageRows<QString, QString>({"caption", "title"},
+                                                 {u"Channel Sheet…"_s, u"信道表…"_s, u"信道表…"_s},
+                                                 {u"Channel Sheet"_s, u"信道表"_s, u"信道表"_s});
+    }
+
+    // Channel Sheet…, last in the channel list's menu, prints the rows
+    // selected as the list holds them: a frequency typed and not saved is on
+    // the sheet, and the image stays as it was. The sheet is saved from the
+    // preview with Ctrl+S and read back.
+    void channelSheet()
+    {
+        QFETCH(int, language);
+        QFETCH(QString, caption);
+        QFETCH(QString, title);
+        wr::MDIForm1 &window = h->open(language);
+        wr::app().image.setBytes(wr::test::ShellHarness::imageWithChannels(1, 12)); // channel 3 on 433.12500
+        window.RefreshMainWindow();
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        h->editRx(10, u"145.50000"_s);
+        const QByteArray image = wr::app().image.bytes();
+        QTableView *grid = window.channelList()->grid();
+        for (const auto &[channel, modifier] : {std::pair{3, Qt::NoModifier}, std::pair{10, Qt::ControlModifier}}) {
+            const QModelIndex number = grid->model()->index(channel, 0);
+            grid->scrollTo(number);
+            QTest::mouseClick(grid->viewport(), Qt::LeftButton, modifier, grid->visualRect(number).center());
+        }
+
+        const QString pdf = filePath(u"sheet.pdf"_s);
+        QString shownTitle;
+        wr::test::whenModal([&](QDialog *preview) {
+            shownTitle = preview->windowTitle();
+            wr::FileDialog::setNextFileName(pdf);
+            // The offscreen platform leaves the main window the active one
+            // for the widgets; a window manager activates the preview.
+            QApplication::setActiveWindow(preview);
+            QTest::keyClick(preview, Qt::Key_S, Qt::ControlModifier);
+            preview->reject();
+        });
+        QTest::keyClick(grid, Qt::Key_Menu);
+        auto *menu = window.findChild<QMenu *>(u"channelMenu"_s);
+        QTRY_VERIFY(menu->isVisible());
+        QAction *command = menu->actions().constLast();
+        QCOMPARE(command->objectName(), u"mnuChannelSheet"_s);
+        QCOMPARE(command->text(), caption);
+        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(command).center());
+        QTRY_COMPARE(shownTitle, title);
+        QCOMPARE(wr::app().image.bytes(), image);
+
+        QProcess text;
+        text.start(u"pdftotext"_s, {u"-layout"_s, pdf, u"-"_s});
+        QVERIFY(text.waitForFinished(30000));
+        // A channel's row: its number, then its receive frequency.
+        static const QRegularExpression row(uR"(^\s*(\d+)\s+(\d+\.\d{5})\s)"_s, QRegularExpression::MultilineOption);
+        QStringList rows;
+        for (const QRegularExpressionMatch &match : row.globalMatch(QString::fromUtf8(text.readAllStandardOutput())))
+            rows << match.captured(1) + u' ' + match.captured(2);
+        QCOMPARE(rows, QStringList({u"3 433.12500"_s, u"10 145.50000"_s}));
+        QCOMPARE(h->shownBoxes(), QStringList());
     }
 };
 
