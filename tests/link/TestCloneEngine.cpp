@@ -245,7 +245,10 @@ private Q_SLOTS:
         QVERIFY(link.unloaded);
         QCOMPARE(engine.transfer().Finished, completes);
         QCOMPARE(engine.outcome().kind, ends);
-        QTEST(engine.outcome().partlyWritten, "partlyWritten");
+        // Copied: Qt 6.4 compares an emptied list with a never-filled one
+        // by memcmp on a null pointer, which the sanitizers report.
+        const QList<int> &ports = engine.outcome().partlyWritten;
+        QTEST(QList<int>(ports.begin(), ports.end()), "partlyWritten");
         QCOMPARE(link.questionTimes.size(), completes && !retry ? 0 : 1);
         if (!completes) // what the question said Cancel would end with is how it ended
             QCOMPARE(link.questions.first().kind, ends);
