@@ -124,10 +124,11 @@ void ConnectionDoctor::stop()
     m_end.stop();
     if (m_port.isOpen()) {
         // A session the radio was put into is ended, even by a cancel.
-        if (m_diagnosis.acknowledged && m_phase != Phase::Ending) {
+        if (m_diagnosis.acknowledged && m_phase != Phase::Ending)
             m_port.write(CloneEngine::endFrame());
-            m_port.waitForBytesWritten(EndMs);
-        }
+        // What the port still buffers is handed to the system without
+        // waiting: a serial device that is closed sends what it was given.
+        m_port.flush();
         m_port.close();
     }
     m_phase = Phase::Idle;
